@@ -1,0 +1,182 @@
+#pragma once
+
+// The open collection: a family of files with one base path, and all that hangs on it. The operations on the
+// `.var` description (varfile.cpp), the station files (stationfiles.cpp), the inventory (inventory.cpp) and
+// the side files (sidefiles.cpp) are members; what conducts several of them for the user stands in app.
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "collection/cruiseinfo.h"
+#include "collection/selectioncriteria.h"
+#include "collection/stationdata.h"
+#include "collection/varinfo.h"
+#include "common/files.h"
+#include "common/limits.h"
+#include "common/user.h"
+
+namespace collection {
+
+// What a load does between the disk and the caller; `variables` and `selection` implement the stages and the
+// program joins them at start-up. The default stages do nothing.
+class RLoadStages {
+public:
+    virtual ~RLoadStages() = default;
+    // Blanks the values whose flag exceeds the collection's quality limit (never called for limit 8).
+    virtual void applyQualityLimit(STATIONDATA&) {}
+    virtual void computeDerived(STATIONDATA&) {}
+    // Blanks the samples outside the sample range of the criteria (called only if one is in force).
+    virtual void applySampleRange(STATIONDATA&) {}
+};
+
+enum class VarFileResult : int { ok = 0, missing = 1, badFormat = -1 };
+enum class OpenFilesResult : int {
+    ok = 0,
+    badDescription = 1,
+    noDataFile = 2,
+    noHeaderFile = 3,
+    badMagic = 4
+};
+enum class LoadResult : int { ok = 0, badNumber = 1, badHeader = 3, badData = 5 };
+enum class WriteResult : int {
+    ok = 0,
+    notOpen = 1,
+    badHeader = 3,
+    headerNotWritten = 4,
+    dataNotWritten = 6,
+    noLevels = 7,
+    tooLarge = 8
+};
+
+class RCollection {
+public:
+    RCollection();
+    ~RCollection();
+    RCollection(const RCollection&) = delete;
+    RCollection& operator=(const RCollection&) = delete;
+
+    // --- identity
+    std::string name;          // line 2 of `.var`; base name of the files
+    std::string extension;     // of the path that was opened, with its point
+    std::string directory;     // with trailing separator
+    std::string path;          // directory + name; file names derive from it by appending ".var" and so on
+    std::string type = "HYD";  // line 3 of `.var`
+    std::string configName;    // current configuration, without extension
+    std::string tempId;        // prefix of the temporary files of this opening
+    std::string tempDirectory; // where they are, with trailing separator
+
+    // --- state
+    bool isOpen = false;
+    int kind = 0; // 1 native, 2 a netCDF file, 0 none
+    bool writable = false;
+    bool sectionDefined = false;
+    bool configChanged = false;
+    bool isTemporaryFile = false;
+
+    // --- contents
+    int stationCount = 0;
+    int selectedStationCount = 0; // records of the `.val` list
+    int plottedStationCount = 0;  // records of the `.sel` list in STATION mode
+    int cruiseCount = 0, selectedCruiseCount = 0;
+    int sampleCount = 0;
+    int variableCount = 0;                                  // collection variables
+    int totalVariableCount = 0;                             // with the derived ones
+    int headerRecordSize = 80;                              // 80 + 2 variableCount, bytes
+    int currentStation = 0;                                 // position in the selected list, from 1; 0 none
+    int currentSample = 0;                                  // level, from 0
+    std::array<VARINFO, common::variableSlots> variables{}; // entry 0 is no variable
+    std::array<std::int32_t, 51> neededMask{};              // 1 for each variable that a load must provide
+    std::vector<CRUISEINFO> cruises, selectedCruises;
+    SELECTIONCRITERIA criteria = defaultCriteria();
+    DOMAINPOLYGON polygon;
+    int qualityLimit = common::noQualityLimit;
+
+    // --- station files
+    bool swapBytes = false;        // stored byte order differs from the host's
+    bool foreignTimeOrder = false; // the file has the magic "NVQsol"
+    common::FilePtr valFile;       // list of selected stations, see selection/selectedlist.h
+    common::FilePtr selFile;       // list of plotted stations, the same records
+    RLoadStages* stages = nullptr; // not owned; null: a load applies no stages
+
+    // --- description (`.var`). `file` with or without ".var". With an empty title nothing is reported.
+    [[nodiscard]] VarFileResult readVarFile(const std::string& file, std::string_view title,
+                                            common::RUser& user);
+    [[nodiscard]] bool writeVarFile(const std::string& basePath);
+
+    // --- station files (`.hob`, `.dob`). The description must exist; messages go to `user`.
+    [[nodiscard]] OpenFilesResult openStationFiles(const std::string& file, common::RUser& user);
+    void closeStationFiles();
+    // Header of station `number`, and its counts if `counts` isn't null. False: number out of range, or the
+    // record can't be read or can't be true (counts and offsets that don't fit the files).
+    [[nodiscard]] bool readStationHeader(int number, STATIONHDR& header, LEVELCOUNTS* counts);
+    [[nodiscard]] bool writeStationHeader(int number, const STATIONHDR& header, const LEVELCOUNTS* counts);
+    // Loads a station. derive: the stages of `stages` are applied (quality limit, derived, sample range).
+    [[nodiscard]] LoadResult loadStation(int number, STATIONDATA& station, bool derive);
+    // Stores a station; number 0 or out of range appends. sort: levels in the order of variable 1. On success
+    // station.number is the number that it got. A station that outgrew its place moves to the end.
+    [[nodiscard]] WriteResult writeStation(int number, STATIONDATA& station, bool sort);
+    // Makes the streams' buffers reach the files: stations are on disk when this returns true.
+    [[nodiscard]] bool flushStationFiles();
+
+    // A scan over the header table in large blocks: calls visit(number, header, counts) for stations first to
+    // last in order, until it returns false. Records that can't be true are handed to damaged(number)
+    // instead. Returns false if the file could not be read.
+    template <typename Visit, typename Damaged>
+    [[nodiscard]] bool scanHeaders(int first, int last, Visit&& visit, Damaged&& damaged);
+
+    // --- inventory (`.inv`, `.cid`)
+    int readInventory(bool force, common::RUser& user); // returns cruiseCount
+    int buildInventory(bool allStations, common::RUser& user);
+    [[nodiscard]] bool writeInventoryFile();
+    [[nodiscard]] bool readInventoryFile();
+    [[nodiscard]] std::vector<std::int32_t> readCruiseIndices(bool force); // `.cid`: one a station
+
+    // --- side files
+    void addLogLine(std::string_view message, const std::string& userName, const std::string& hostName);
+    [[nodiscard]] int getVariableId(std::string_view key) const; // `.idv`; 0 if there is none
+    [[nodiscard]] bool setVariableId(std::string_view key, int number);
+    // After the variables were set: removes `.idv`, sets stationCount 0, logs CREATE, writes `.var`.
+    [[nodiscard]] bool createEmptyFiles(const std::string& userName, const std::string& hostName);
+    void makeTempId();                       // a new prefix, unlike the last
+    [[nodiscard]] bool openTemporaryFiles(); // `.val`, `.sel`
+    void closeTemporaryFiles();
+
+    // Everything as before the first open; files are closed.
+    void reset();
+
+private:
+    struct Files;
+    std::unique_ptr<Files> files_;
+    [[nodiscard]] bool readHeaderBlock(int first, int count, std::vector<std::byte>& block);
+    [[nodiscard]] bool unpackRecord(const std::byte* record, STATIONHDR& header, LEVELCOUNTS& counts) const;
+};
+
+// --- template
+
+template <typename Visit, typename Damaged>
+bool RCollection::scanHeaders(int first, int last, Visit&& visit, Damaged&& damaged)
+{
+    constexpr int recordsABlock = 4096;
+    std::vector<std::byte> block;
+    STATIONHDR header;
+    LEVELCOUNTS counts{};
+    for (int start = first; start <= last; start += recordsABlock) {
+        const int count = std::min(recordsABlock, last - start + 1);
+        if (!readHeaderBlock(start, count, block)) return false;
+        for (int i = 0; i < count; ++i) {
+            const std::byte* const record =
+                block.data() + static_cast<std::size_t>(i) * static_cast<std::size_t>(headerRecordSize);
+            if (!unpackRecord(record, header, counts)) {
+                damaged(start + i);
+            } else if (!visit(start + i, header, counts)) {
+                return true;
+            }
+        }
+    }
+    return true;
+}
+
+} // namespace collection

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace collection {
+
+// All station and sample criteria in one record. It is compared byte by byte, so that unused bytes are kept
+// zero: always start from defaultCriteria().
+struct SELECTIONCRITERIA {
+    char cruisePattern[21]; // wildcard for the cruise label
+    char stationType[2];    // "*", "B", "C", "X"
+    char stationLabelFrom[21], stationLabelTo[21];
+    std::int32_t internalMin, internalMax; // station numbers
+    std::int32_t dayMin, dayMax;
+    std::int32_t yearMin, yearMax;
+    std::int32_t qualityLimit;   // largest acceptable flag: 0, 1, 4, or 8 for all
+    std::int32_t sampleVariable; // variable of the sample range, 0 for none
+    float sampleMin, sampleMax;
+    std::int32_t bottomMin, bottomMax;       // m
+    std::int32_t lastDepthMin, lastDepthMax; // m
+    char months[13];                         // one character a month: "+" selected, blank not
+    char requiredMask[51];                   // "+" for each variable that a station must have
+    std::int32_t requiredList[50];           // the same as numbers
+    std::int32_t requiredCount;
+    std::int32_t reservedFlags[2];                   // no effect on selection
+    float lonMin, lonMax, latMin, latMax;            // degrees, inclusive; lonMin may be negative
+    std::int32_t usePolygon;                         // 1 if the domain is a polygon too
+    std::int32_t stationNumberMin, stationNumberMax; // both 0 or above to take effect
+};
+
+// Closed polygon of a domain, in map coordinates; the last vertex repeats the first.
+struct DOMAINPOLYGON {
+    std::int32_t nPoints = 0;
+    std::array<float, 1500> lon{}, lat{};
+};
+
+// The defaults on the whole globe: every station is selected, no value is blanked (quality limit 8).
+[[nodiscard]] SELECTIONCRITERIA defaultCriteria();
+
+} // namespace collection

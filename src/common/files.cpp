@@ -1,0 +1,196 @@
+#include "common/files.h"
+
+#include <cerrno>
+#include <chrono>
+#include <filesystem>
+#include <fnmatch.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "common/text.h"
+
+namespace common {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A name beside `path` that no other process uses.
+std::string temporaryName(const std::string& path)
+{
+    static unsigned counter = 0;
+    return format("%s.%ld.%u.tmp", path.c_str(), static_cast<long>(::getpid()), ++counter);
+}
+
+// Writes through a link to the file it stands for, so that the link survives the rename.
+std::string realTarget(const std::string& path)
+{
+    std::error_code error;
+    if (!fs::is_symlink(path, error)) return path;
+    const fs::path target = fs::weakly_canonical(path, error);
+    return error ? path : target.string();
+}
+
+bool syncToDisk(std::FILE* file)
+{
+    return ::fsync(::fileno(file)) == 0 || errno == EINVAL || errno == ENOTSUP;
+}
+
+} // namespace
+
+FilePtr openFile(const std::string& path, const char* mode)
+{
+    FilePtr file(std::fopen(path.c_str(), mode));
+    std::error_code error;
+    if (file && fs::is_directory(path, error)) file.reset(); // fopen reads directories
+    return file;
+}
+
+bool fileExists(const std::string& path)
+{
+    std::error_code error;
+    return fs::is_regular_file(path, error);
+}
+
+bool directoryExists(const std::string& path)
+{
+    std::error_code error;
+    return fs::is_directory(path.empty() ? "." : path, error);
+}
+
+bool isWritable(const std::string& path)
+{
+    return ::access(path.c_str(), W_OK) == 0;
+}
+
+bool directoryIsWritable(const std::string& directory)
+{
+    std::string probe = temporaryName((fs::path(directory) / "write_test").string());
+    if (!openFile(probe, "wbx")) return false;
+    return ::unlink(probe.c_str()) == 0;
+}
+
+std::int64_t fileSize(std::FILE* file)
+{
+    struct stat status {};
+    if (::fstat(::fileno(file), &status) != 0) return -1;
+    return status.st_size;
+}
+
+std::int64_t fileSize(const std::string& path)
+{
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return -1;
+    return status.st_size;
+}
+
+std::optional<std::string> readFile(const std::string& path, std::int64_t limit)
+{
+    const FilePtr file = openFile(path, "rb");
+    if (!file) return std::nullopt;
+    std::string content;
+    char buffer[65536];
+    for (;;) {
+        const std::size_t got = std::fread(buffer, 1, sizeof buffer, file.get());
+        content.append(buffer, got);
+        if (static_cast<std::int64_t>(content.size()) > limit) return std::nullopt;
+        if (got < sizeof buffer) break;
+    }
+    if (std::ferror(file.get())) return std::nullopt;
+    return content;
+}
+
+bool copyFile(const std::string& source, const std::string& target)
+{
+    const FilePtr in = openFile(source, "rb");
+    if (!in) return false;
+    RReplacementFile out(target);
+    if (!out.stream()) return false;
+    char buffer[65536];
+    std::size_t got = 0;
+    while ((got = std::fread(buffer, 1, sizeof buffer, in.get())) > 0) {
+        if (std::fwrite(buffer, 1, got, out.stream()) != got) return false;
+    }
+    return !std::ferror(in.get()) && out.commit();
+}
+
+RReplacementFile::RReplacementFile(std::string path)
+    : path_(realTarget(path)), temporary_(temporaryName(path_)), file_(openFile(temporary_, "wbx"))
+{
+}
+
+RReplacementFile::~RReplacementFile()
+{
+    if (!file_) return;
+    file_.reset();
+    ::unlink(temporary_.c_str());
+}
+
+bool RReplacementFile::commit()
+{
+    if (!file_) return false;
+    std::FILE* const file = file_.get();
+    const bool written = std::fflush(file) == 0 && !std::ferror(file) && syncToDisk(file);
+    if (written) {
+        struct stat old {}; // the new file keeps the rights of the old one
+        if (::stat(path_.c_str(), &old) == 0) ::fchmod(::fileno(file), old.st_mode & 07777);
+    }
+    file_.reset();
+    if (written && std::rename(temporary_.c_str(), path_.c_str()) == 0) return true;
+    ::unlink(temporary_.c_str());
+    return false;
+}
+
+PATHPARTS splitPath(std::string_view path)
+{
+    PATHPARTS parts;
+    const std::size_t slash = path.rfind('/');
+    if (slash != std::string_view::npos) {
+        parts.directory = path.substr(0, slash + 1);
+        path.remove_prefix(slash + 1);
+    }
+    const std::string_view base = cutExtension(path);
+    parts.baseName = base;
+    parts.extension = path.substr(base.size());
+    return parts;
+}
+
+std::string absolutePath(const std::string& path)
+{
+    std::error_code error;
+    const fs::path absolute = fs::absolute(path, error);
+    return error ? path : absolute.lexically_normal().string();
+}
+
+std::string makeRelative(const std::string& path, const std::string& directory)
+{
+    if (path.empty() || directory.empty()) return path;
+    const std::string relative =
+        fs::path(absolutePath(path)).lexically_relative(absolutePath(directory)).string();
+    const bool farAway = relative.empty() || relative.starts_with("../../");
+    return farAway ? path : relative;
+}
+
+std::string makeAbsolute(const std::string& path, const std::string& directory)
+{
+    if (path.empty() || fs::path(path).is_absolute()) return path;
+    return (fs::path(directory) / path).lexically_normal().string();
+}
+
+int deleteMatching(const std::string& directory, const std::string& wildcard, double ageDays)
+{
+    std::error_code error;
+    int deleted = 0;
+    for (fs::directory_iterator it(directory, error), end; !error && it != end; it.increment(error)) {
+        const std::string name = it->path().filename().string();
+        std::error_code ignored;
+        if (::fnmatch(wildcard.c_str(), name.c_str(), 0) != 0 || !it->is_regular_file(ignored)) continue;
+        if (ageDays >= 0) {
+            const auto age = fs::file_time_type::clock::now() - it->last_write_time(ignored);
+            if (std::chrono::duration<double>(age).count() <= ageDays * 86400.0) continue;
+        }
+        if (fs::remove(it->path(), ignored)) ++deleted;
+    }
+    return deleted;
+}
+
+} // namespace common

@@ -1,0 +1,69 @@
+#pragma once
+
+// Plot drivers: from selected data to the windows of a mode.
+
+#include <cstdio>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <QImage>
+#include <QPainter>
+
+#include "collection/rcollection.h"
+#include "common/installation.h"
+#include "common/user.h"
+#include "graphics/axes.h"
+#include "graphics/basemap.h"
+#include "graphics/datawindow.h"
+
+namespace graphics {
+
+struct PLOTCONTEXT {
+    collection::RCollection& collection;
+    collection::STATIONDATA& station; // scratch for loads
+    GRAPHICSSETUP& setup;
+    common::RUser& user;
+    const common::INSTALLATION& installation;
+    std::function<void()> repaint; // shows the canvas as far as it is; may be empty
+    std::string title, version;    // the main window's title and the program's version text
+    std::string sectionName;
+    bool onCanvas = true; // false for printing and bitmap export
+};
+
+// --- drivers on the painter. They draw the windows marked toDraw and poll ESC between them.
+void PlotMap(QPainter* p, PLOTCONTEXT& context, bool full);
+void PlotStationMode(QPainter* p, PLOTCONTEXT& context, bool full);
+void PlotScatterMode(QPainter* p, PLOTCONTEXT& context, bool full);
+// The one entry for a new picture: the map if it is marked, then the mode's windows, then the map's top.
+void RedrawCanvas(QPainter* p, PLOTCONTEXT& context, bool full);
+
+// --- PostScript forms
+void WriteMapWindow(std::FILE* ps, PLOTCONTEXT& context);
+void WriteStationWindows(std::FILE* ps, PLOTCONTEXT& context);
+void WriteDataWindows(std::FILE* ps, PLOTCONTEXT& context);
+
+// --- ranges from the data
+// Full ranges of the variables of window `number` (0: all windows of the mode) over the selected stations,
+// widened to the tic rule's limits. Also keeps rangeMin and rangeMax of the collection's variables.
+void fullRanges(PLOTCONTEXT& context, int number);
+
+// --- export. window: -1 the whole canvas, 0 the map, else a data window of the mode.
+[[nodiscard]] bool exportPostScript(PLOTCONTEXT& context, const std::string& path, int window);
+// Bitmap by the path's extension (png, jpg, gif) at `dpi`, 1 or more.
+[[nodiscard]] bool exportBitmap(PLOTCONTEXT& context, const std::string& path, int window, int dpi);
+[[nodiscard]] bool writeGif(const QImage& image, const std::string& path);
+
+// Colour, symbol and fill of stations in STATION mode, the same on the map and in the windows.
+class RStationCycle {
+public:
+    int color = 0, symbol = 0;
+    bool fill = false;
+    void next(); // also the first one
+
+private:
+    int count_ = 0;
+};
+
+} // namespace graphics
