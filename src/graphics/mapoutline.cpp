@@ -217,9 +217,8 @@ void DomainOfRectangle(double u0, double u1, double v0, double v1, double& lonMi
     for (int side = 0; side < 4; ++side)
         for (int i = 0; i < boundPoints; ++i) {
             POINT w = onSide(r, side, double(i) / (boundPoints - 1));
-            const bool east = w.x > 0;
             UnprojectPoint(w.x, w.y);
-            if (seam && east) w.x -= 360;
+            if (seam && w.x > projection().lon0) w.x -= 360;
             limits.widen(w);
         }
     DOMAIN_LIMITS d{limits.xmin, limits.xmax, limits.ymin, limits.ymax};
