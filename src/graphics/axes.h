@@ -1,6 +1,6 @@
 #pragma once
 
-// Tics, frames, axis numbers and stamps.
+// Frames, axis numbers and stamps; with them the rules for tics.
 
 #include <cstdio>
 #include <string>
@@ -9,24 +9,9 @@
 
 #include "graphics/datawindow.h"
 #include "graphics/drawing.h"
+#include "graphics/tics.h"
 
 namespace graphics {
-
-// The tics of an axis. For a reversed axis both steps are negative.
-struct TICS {
-    float lo = 0, hi = 1; // adjusted limits
-    float start = 0;      // first major tic
-    float minor = 0.5f, major = 1;
-};
-[[nodiscard]] TICS ChooseTics(float a, float b);
-
-struct MAPTICS {
-    float start = 0, minor = 1, major = 1;
-    int first = 0, last = 0; // indices of major tics from start
-};
-[[nodiscard]] MAPTICS ChooseMapTics(float a, float b, bool latitude);
-// Thins labels to about one a centimetre.
-void FitLabels(int& first, int& last, float& major, float start, float a, float b, float axisLength);
 
 struct FRAMECONTEXT {
     const collection::RCollection& collection;
