@@ -6,8 +6,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "collection/cruiseinfo.h"
@@ -101,12 +105,17 @@ public:
     common::FilePtr selFile;       // list of plotted stations, the same records
     RLoadStages* stages = nullptr; // not owned; null: a load applies no stages
 
-    // --- description (`.var`). `file` with or without ".var". With an empty title nothing is reported.
+    // --- description (`.var`). `file` with or without ".var". With an empty title a missing file is not
+    // reported, and other faults are told under the file's name. On any fault nothing here is changed.
     [[nodiscard]] VarFileResult readVarFile(const std::string& file, std::string_view title,
                                             common::RUser& user);
+    // Line 2 is the last part of `basePath`. False if the collection isn't writable or the file can't be
+    // made.
     [[nodiscard]] bool writeVarFile(const std::string& basePath);
 
-    // --- station files (`.hob`, `.dob`). The description must exist; messages go to `user`.
+    // --- station files (`.hob`, `.dob`). The description must exist; messages go to `user`. `writable` says
+    // how they are opened; it becomes false if the header table ends early: then stationCount is the number
+    // of headers that are there.
     [[nodiscard]] OpenFilesResult openStationFiles(const std::string& file, common::RUser& user);
     void closeStationFiles();
     // Header of station `number`, and its counts if `counts` isn't null. False: number out of range, or the
@@ -116,14 +125,17 @@ public:
     // Loads a station. derive: the stages of `stages` are applied (quality limit, derived, sample range).
     [[nodiscard]] LoadResult loadStation(int number, STATIONDATA& station, bool derive);
     // Stores a station; number 0 or out of range appends. sort: levels in the order of variable 1. On success
-    // station.number is the number that it got. A station that outgrew its place moves to the end.
+    // station.number is the number that it got. A station that outgrew its place moves to the end, and the
+    // later ones move down by one. `offset`, `values`, `flags`, levels in levelCount[1], and a valueCount
+    // that isn't 0 must be set; counts, type and deepest sample are settled here, and empty variables lose
+    // their blocks. On a failure the collection is as before. `.var` is not rewritten.
     [[nodiscard]] WriteResult writeStation(int number, STATIONDATA& station, bool sort);
-    // Makes the streams' buffers reach the files: stations are on disk when this returns true.
+    // Stations reach the files at once, and are safe on the disk when this returns true.
     [[nodiscard]] bool flushStationFiles();
 
     // A scan over the header table in large blocks: calls visit(number, header, counts) for stations first to
-    // last in order, until it returns false. Records that can't be true are handed to damaged(number)
-    // instead. Returns false if the file could not be read.
+    // last in order, as far as they exist, until it returns false. Records that can't be true are handed to
+    // damaged(number) instead. Returns false if the file could not be read.
     template <typename Visit, typename Damaged>
     [[nodiscard]] bool scanHeaders(int first, int last, Visit&& visit, Damaged&& damaged);
 
@@ -152,6 +164,20 @@ private:
     std::unique_ptr<Files> files_;
     [[nodiscard]] bool readHeaderBlock(int first, int count, std::vector<std::byte>& block);
     [[nodiscard]] bool unpackRecord(const std::byte* record, STATIONHDR& header, LEVELCOUNTS& counts) const;
+
+    [[nodiscard]] OpenFilesResult openEmptyFiles(common::RUser& user);
+    [[nodiscard]] OpenFilesResult openFilledFiles(common::RUser& user);
+    [[nodiscard]] WriteResult prepareStation(STATIONDATA& station, bool sort);
+    [[nodiscard]] bool putRecord(int number, const STATIONHDR& header, const LEVELCOUNTS& counts);
+    [[nodiscard]] bool putCells(const STATIONDATA& station);
+    [[nodiscard]] WriteResult overwriteStation(int number, STATIONDATA& station, const STATIONHDR& old,
+                                               const LEVELCOUNTS& oldCounts);
+    [[nodiscard]] int moveRecordsDown(int number);
+    void moveRecordsUp(int number, int count);
+    [[nodiscard]] WriteResult appendStation(STATIONDATA& station, int displaced);
+    [[nodiscard]] bool takeOutOfPlace(int number, const STATIONDATA& station);
+    void noteMoved(int number, const STATIONHDR& header);
+    void applyStages(STATIONDATA& station);
 };
 
 // --- template
@@ -163,8 +189,9 @@ bool RCollection::scanHeaders(int first, int last, Visit&& visit, Damaged&& dama
     std::vector<std::byte> block;
     STATIONHDR header;
     LEVELCOUNTS counts{};
-    for (int start = first; start <= last; start += recordsABlock) {
-        const int count = std::min(recordsABlock, last - start + 1);
+    const int end = std::min(last, stationCount);
+    for (int start = std::max(first, 1); start <= end;) {
+        const int count = std::min(recordsABlock, end - start + 1);
         if (!readHeaderBlock(start, count, block)) return false;
         for (int i = 0; i < count; ++i) {
             const std::byte* const record =
@@ -175,6 +202,8 @@ bool RCollection::scanHeaders(int first, int last, Visit&& visit, Damaged&& dama
                 return true;
             }
         }
+        if (start > end - count) break; // the next start may not fit an int
+        start += count;
     }
     return true;
 }

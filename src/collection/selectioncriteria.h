@@ -1,7 +1,9 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace collection {
 
@@ -11,6 +13,7 @@ struct SELECTIONCRITERIA {
     char cruisePattern[21]; // wildcard for the cruise label
     char stationType[2];    // "*", "B", "C", "X"
     char stationLabelFrom[21], stationLabelTo[21];
+    char unused[3];                        // leaves no padding in the record
     std::int32_t internalMin, internalMax; // station numbers
     std::int32_t dayMin, dayMax;
     std::int32_t yearMin, yearMax;
@@ -29,11 +32,18 @@ struct SELECTIONCRITERIA {
     std::int32_t stationNumberMin, stationNumberMax; // both 0 or above to take effect
 };
 
+static_assert(sizeof(SELECTIONCRITERIA) == 428 && offsetof(SELECTIONCRITERIA, internalMin) == 68 &&
+              offsetof(SELECTIONCRITERIA, requiredList) == 188);
+
 // Closed polygon of a domain, in map coordinates; the last vertex repeats the first.
 struct DOMAINPOLYGON {
     std::int32_t nPoints = 0;
     std::array<float, 1500> lon{}, lat{};
 };
+
+// Limits that admit everything.
+inline constexpr std::int32_t anyYear = 9999999, anyDepth = 9999999, anyNumber = 99999999; // also negative
+inline constexpr std::string_view lastLabelBound = "zzzzzzzzzzzzzzzzzzzz";
 
 // The defaults on the whole globe: every station is selected, no value is blanked (quality limit 8).
 [[nodiscard]] SELECTIONCRITERIA defaultCriteria();

@@ -6,6 +6,7 @@
 
 #include "collection/rcollection.h"
 #include "selection/selectedlist.h"
+#include "selection/wildcard.h"
 
 namespace selection {
 
@@ -18,20 +19,24 @@ void resetSelection(collection::SELECTIONCRITERIA& criteria, const MAPDOMAIN& do
                                    const collection::SELECTIONCRITERIA& criteria,
                                    collection::DOMAINPOLYGON& polygon, bool checkCruise);
 
-// "*", "?" and bracket sets, case-sensitive, the whole of `label`.
-[[nodiscard]] bool matchesWildcard(std::string_view pattern, std::string_view label);
+// A longitude of 0 to 360 as it stands in a domain: 360 less where lonMin is negative and it lies beyond
+// lonMax.
+[[nodiscard]] float longitudeIn(float longitude, double lonMin, double lonMax);
 
-// Even-odd rule by crossing count; the last vertex must repeat the first.
+// Even-odd rule by crossing count; the last vertex must repeat the first. A vertex with a longitude of
+// exactly x is moved in the array, by a relative 1e-6.
 [[nodiscard]] bool pointInPolygon(std::span<float> lon, std::span<const float> lat, float x, float y);
 
-// Blanks the values whose flag exceeds `limit`, never those of variable 1. Returns how many.
+// Blanks the values whose flag exceeds `limit`, never those of variable 1; counts stay. Returns how many.
 int applyQualityLimit(collection::STATIONDATA& station, int limit, float missing);
 
 // Blanks, in variables 2 and up, the samples outside the sample range of the criteria.
 void applySampleRange(collection::STATIONDATA& station, const collection::SELECTIONCRITERIA& criteria,
                       float missing);
 
-// Takes the samples outside the sample range out of the station. Returns the samples that remain.
+// Takes the samples outside the sample range out of the station: blocks, counts and valueCount are made anew.
+// Returns the samples that remain; 0 if the station lacks the variable of the range. Without such a variable
+// in the criteria, or with all samples in range, nothing changes.
 int compressToSampleRange(collection::STATIONDATA& station, const collection::SELECTIONCRITERIA& criteria);
 
 // The stages of a load, as the program joins them to a collection.

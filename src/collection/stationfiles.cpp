@@ -1,0 +1,186 @@
+// Opening and closing of the station files, and reading from them.
+
+#include <algorithm>
+#include <cstring>
+
+#include "collection/stationstreams.h"
+#include "common/byteorder.h"
+#include "common/text.h"
+
+namespace collection {
+namespace {
+
+constexpr std::string_view boxTitle = "Open Collection";
+
+std::string_view hostMagic()
+{
+    return common::hostIsLittleEndian ? littleEndianMagic : bigEndianMagic;
+}
+
+// How many whole records a table of this size holds.
+std::int64_t recordsIn(std::int64_t fileSize, int recordSize)
+{
+    return fileSize <= magicSize ? 0 : (fileSize - magicSize) / recordSize;
+}
+
+// True if the files of a collection that calls itself empty hold something that must not be lost.
+bool holdStations(const std::string& path, int recordSize)
+{
+    const std::int64_t hob = common::fileSize(path + ".hob"), dob = common::fileSize(path + ".dob");
+    return recordsIn(hob, recordSize) > 0 || (hob < magicSize && dob > 0);
+}
+
+bool isUnreadable(const std::string& file, RBlockFile& stream, RBlockFile::Mode mode, common::RUser& user)
+{
+    if (stream.open(file, mode)) return false;
+    user.about(boxTitle, file + " can't be opened.");
+    return true;
+}
+
+} // namespace
+
+OpenFilesResult RCollection::openStationFiles(const std::string& file, common::RUser& user)
+{
+    closeStationFiles();
+    if (readVarFile(file, {}, user) != VarFileResult::ok) return OpenFilesResult::badDescription;
+    files_->form = {.variableCount = variableCount};
+    const OpenFilesResult result = stationCount == 0 ? openEmptyFiles(user) : openFilledFiles(user);
+    if (result != OpenFilesResult::ok) {
+        closeStationFiles();
+        return result;
+    }
+    files_->form.swapBytes = swapBytes;
+    files_->form.foreignTimeOrder = foreignTimeOrder;
+    files_->form.dataSize = files_->dob.size();
+    isOpen = true;
+    kind = 1;
+    return result;
+}
+
+OpenFilesResult RCollection::openEmptyFiles(common::RUser& user)
+{
+    if (holdStations(path, headerRecordSize)) {
+        user.about(boxTitle, path + ".var:4: the description tells of no stations, but " + path +
+                                 ".hob or .dob holds some. The files are left alone.");
+        return OpenFilesResult::noHeaderFile;
+    }
+    if (!writable) {
+        user.about(boxTitle, path + ".var: the collection holds no stations and is write-protected.");
+        return OpenFilesResult::noHeaderFile;
+    }
+    constexpr auto mode = RBlockFile::Mode::create;
+    if (isUnreadable(path + ".dob", files_->dob, mode, user)) return OpenFilesResult::noDataFile;
+    if (isUnreadable(path + ".hob", files_->hob, mode, user)) return OpenFilesResult::noHeaderFile;
+    const std::string_view magic = hostMagic();
+    if (!files_->hob.write(0, std::as_bytes(std::span(magic)))) {
+        user.about(boxTitle, path + ".hob can't be written.");
+        return OpenFilesResult::noHeaderFile;
+    }
+    swapBytes = false;
+    foreignTimeOrder = magic == bigEndianMagic;
+    return OpenFilesResult::ok;
+}
+
+OpenFilesResult RCollection::openFilledFiles(common::RUser& user)
+{
+    const auto mode = writable ? RBlockFile::Mode::update : RBlockFile::Mode::read;
+    if (isUnreadable(path + ".dob", files_->dob, mode, user)) return OpenFilesResult::noDataFile;
+    if (isUnreadable(path + ".hob", files_->hob, mode, user)) return OpenFilesResult::noHeaderFile;
+    const std::byte* const bytes = files_->hob.view(0, magicSize);
+    const std::string_view magic(reinterpret_cast<const char*>(bytes), bytes ? magicSize : 0);
+    if (bytes && magic != littleEndianMagic && magic != bigEndianMagic) {
+        user.about(boxTitle, "Incompatible collection format!");
+        return OpenFilesResult::badMagic;
+    }
+    const std::int64_t records = recordsIn(files_->hob.size(), headerRecordSize);
+    if (!bytes || records == 0) {
+        user.about(boxTitle, path + ".hob holds no station header, but the description tells of " +
+                                 common::format("%d stations.", stationCount));
+        return OpenFilesResult::noHeaderFile;
+    }
+    if (records < stationCount) {
+        user.note(common::format("%s.hob: ends behind the header of station %lld of %d, the later ones are "
+                                 "left out",
+                                 path.c_str(), static_cast<long long>(records), stationCount));
+        stationCount = static_cast<int>(records);
+        writable = false;
+    }
+    swapBytes = magic != hostMagic();
+    foreignTimeOrder = magic == bigEndianMagic;
+    return OpenFilesResult::ok;
+}
+
+void RCollection::closeStationFiles()
+{
+    files_->hob.close();
+    files_->dob.close();
+    isOpen = false;
+    kind = 0;
+}
+
+bool RCollection::readHeaderBlock(int first, int count, std::vector<std::byte>& block)
+{
+    const auto size = static_cast<std::size_t>(count) * static_cast<std::size_t>(files_->form.recordSize());
+    if (block.size() < size) block.resize(size);
+    return kind == 1 && files_->hob.read(files_->placeOf(first), std::span(block).first(size));
+}
+
+bool RCollection::unpackRecord(const std::byte* record, STATIONHDR& header, LEVELCOUNTS& counts) const
+{
+    return collection::unpackRecord(record, files_->form, header, counts);
+}
+
+bool RCollection::readStationHeader(int number, STATIONHDR& header, LEVELCOUNTS* counts)
+{
+    if (kind != 1 || number < 1 || number > stationCount) return false;
+    const std::byte* const record =
+        files_->hob.view(files_->placeOf(number), static_cast<std::size_t>(files_->form.recordSize()));
+    LEVELCOUNTS ignored;
+    return record && unpackRecord(record, header, counts ? *counts : ignored);
+}
+
+LoadResult RCollection::loadStation(int number, STATIONDATA& station, bool derive)
+{
+    station.clear();
+    station.collection = this;
+    if (number < 1 || number > stationCount) return LoadResult::badNumber;
+    if (!readStationHeader(number, station.header, &station.levelCount)) {
+        station.clear();
+        return LoadResult::badHeader;
+    }
+    int running = 0;
+    for (int v = 1; v <= variableCount; ++v) {
+        if (station.levelCount[static_cast<std::size_t>(v)] == 0) continue;
+        station.offset[static_cast<std::size_t>(v)] = running;
+        running += station.levels();
+    }
+    const auto cells = static_cast<std::size_t>(station.header.valueCount);
+    const std::byte* const block = files_->dob.view(station.header.dataOffset, bytesACell * cells);
+    if (!block) {
+        station.clear();
+        return LoadResult::badData;
+    }
+    unpackCells(block, cells, swapBytes, station.values.get(), station.flags.get());
+    station.number = number;
+    if (derive) applyStages(station);
+    return LoadResult::ok;
+}
+
+// Bad values are blanked before anything is computed from them; the sample range comes behind, so that a
+// calculator sees the whole profile.
+void RCollection::applyStages(STATIONDATA& station)
+{
+    if (!stages) return;
+    if (qualityLimit < common::noQualityLimit) stages->applyQualityLimit(station);
+    if (totalVariableCount > variableCount) stages->computeDerived(station);
+    if (criteria.sampleVariable >= 1 && criteria.sampleVariable <= totalVariableCount) {
+        stages->applySampleRange(station);
+    }
+}
+
+bool RCollection::flushStationFiles()
+{
+    return kind == 1 && files_->dob.sync() && files_->hob.sync();
+}
+
+} // namespace collection

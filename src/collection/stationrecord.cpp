@@ -1,0 +1,103 @@
+#include "collection/stationrecord.h"
+
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+#include "common/byteorder.h"
+
+namespace collection {
+namespace {
+
+constexpr std::size_t floatsAt = offsetof(STATIONHDR, longitude), timesAt = offsetof(STATIONHDR, day),
+                      placesAt = offsetof(STATIONHDR, dataOffset);
+
+void swapHeader(std::byte* header)
+{
+    common::reverseBytes(header + floatsAt, 4, 4, header + floatsAt);
+    common::reverseBytes(header + timesAt, 6, 2, header + timesAt);
+    common::reverseBytes(header + placesAt, 2, 4, header + placesAt);
+}
+
+void exchangeTimes(STATIONHDR& header)
+{
+    std::swap(header.day, header.minute);
+    std::swap(header.month, header.hour);
+    std::swap(header.year, header.reserved);
+}
+
+bool countsAgree(const STATIONHDR& header, const LEVELCOUNTS& counts, int variableCount)
+{
+    const int levels = counts[1];
+    if (variableCount < 1 || levels < 1) return false;
+    int blocks = 1;
+    for (int v = 2; v <= variableCount; ++v) {
+        const int count = counts[static_cast<std::size_t>(v)];
+        if (count < 0 || count > levels) return false;
+        blocks += count > 0;
+    }
+    return header.valueCount == levels * blocks && header.valueCount <= common::maxCells;
+}
+
+bool blockExists(const STATIONHDR& header, std::int64_t dataSize)
+{
+    return header.dataOffset >= 0 &&
+           header.dataOffset + std::int64_t{bytesACell} * header.valueCount <= dataSize;
+}
+
+bool positionsAreNumbers(const STATIONHDR& header)
+{
+    return std::isfinite(header.longitude) && std::isfinite(header.latitude) &&
+           std::isfinite(header.bottomDepth) && std::isfinite(header.lastSampleDepth);
+}
+
+} // namespace
+
+bool unpackRecord(const std::byte* record, const RECORDFORM& form, STATIONHDR& header, LEVELCOUNTS& counts)
+{
+    const auto variables = static_cast<std::size_t>(form.variableCount);
+    std::memcpy(&header, record, sizeof header);
+    std::memcpy(&counts[1], record + sizeof header, 2 * variables);
+    if (form.swapBytes) {
+        swapHeader(reinterpret_cast<std::byte*>(&header));
+        common::reverseBytes(&counts[1], variables, 2, &counts[1]);
+    }
+    if (form.foreignTimeOrder) exchangeTimes(header);
+    header.cruise[20] = header.station[20] = header.type[1] = '\0'; // whatever the file says
+    return positionsAreNumbers(header) && countsAgree(header, counts, form.variableCount) &&
+           blockExists(header, form.dataSize);
+}
+
+std::size_t packRecord(const STATIONHDR& header, const LEVELCOUNTS* counts, const RECORDFORM& form,
+                       std::byte* record)
+{
+    STATIONHDR stored = header;
+    if (stored.longitude < 0) stored.longitude += 360;
+    if (header.longitude < 0 && stored.longitude >= 360)
+        stored.longitude = 0; // rounded up to the full circle
+    if (form.foreignTimeOrder) exchangeTimes(stored);
+    std::memcpy(record, &stored, sizeof stored);
+    if (form.swapBytes) swapHeader(record);
+    if (!counts) return sizeof stored;
+    const auto variables = static_cast<std::size_t>(form.variableCount);
+    std::byte* const behind = record + sizeof stored;
+    std::memcpy(behind, &(*counts)[1], 2 * variables);
+    if (form.swapBytes) common::reverseBytes(behind, variables, 2, behind);
+    return sizeof stored + 2 * variables;
+}
+
+void unpackCells(const std::byte* block, std::size_t cells, bool swapBytes, float* values,
+                 std::uint8_t* flags)
+{
+    if (swapBytes) {
+        common::reverseBytes(block, cells, sizeof(float), values);
+    } else {
+        std::memcpy(values, block, cells * sizeof(float));
+    }
+    for (std::size_t i = 0; i < cells; ++i) {
+        values[i] = std::abs(values[i]) <= 3.4028235e38f ? values[i] : common::MISSING_VALUE;
+    }
+    std::memcpy(flags, block + cells * sizeof(float), cells);
+}
+
+} // namespace collection

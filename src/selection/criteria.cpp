@@ -1,0 +1,149 @@
+#include "selection/criteria.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <optional>
+
+#include "common/text.h"
+
+namespace selection {
+namespace {
+
+using collection::DOMAINPOLYGON;
+using collection::LEVELCOUNTS;
+using collection::SELECTIONCRITERIA;
+using collection::STATIONHDR;
+
+using collection::anyDepth;
+
+template <typename Number, typename Bound>
+bool isWithin(Number value, Bound low, Bound high)
+{
+    return value >= low && value <= high;
+}
+
+bool passesPosition(const STATIONHDR& header, const SELECTIONCRITERIA& criteria, DOMAINPOLYGON& polygon)
+{
+    const float longitude = longitudeIn(header.longitude, criteria.lonMin, criteria.lonMax);
+    if (!isWithin(longitude, criteria.lonMin, criteria.lonMax)) return false;
+    if (!isWithin(header.latitude, criteria.latMin, criteria.latMax)) return false;
+    if (criteria.usePolygon != 1) return true;
+    const auto n = static_cast<std::size_t>(
+        std::clamp(polygon.nPoints, 0, static_cast<std::int32_t>(polygon.lon.size())));
+    return pointInPolygon(std::span(polygon.lon).first(n), std::span(polygon.lat).first(n), longitude,
+                          header.latitude);
+}
+
+bool passesDate(const STATIONHDR& header, const SELECTIONCRITERIA& criteria)
+{
+    return isWithin(header.day, criteria.dayMin, criteria.dayMax) && isWithin(header.month, 1, 12) &&
+           isWithin(header.year, criteria.yearMin, criteria.yearMax) &&
+           criteria.months[header.month - 1] == '+';
+}
+
+// The default limits admit any depth, also one that is missing.
+bool isDepthWithin(double depth, std::int32_t low, std::int32_t high)
+{
+    return (low == -anyDepth || depth >= low) && (high == anyDepth || depth <= high);
+}
+
+bool passesDepths(const STATIONHDR& header, const SELECTIONCRITERIA& criteria)
+{
+    return isDepthWithin(header.bottomDepth, criteria.bottomMin, criteria.bottomMax) &&
+           isDepthWithin(header.lastSampleDepth, criteria.lastDepthMin, criteria.lastDepthMax);
+}
+
+bool hasRequired(const LEVELCOUNTS& counts, const SELECTIONCRITERIA& criteria)
+{
+    const int required = std::clamp(criteria.requiredCount, 0, common::maxVariables);
+    return std::all_of(criteria.requiredList, criteria.requiredList + required, [&](std::int32_t v) {
+        return v >= 1 && v <= common::maxVariables && counts[static_cast<std::size_t>(v)] >= 1;
+    });
+}
+
+bool passesType(const STATIONHDR& header, const SELECTIONCRITERIA& criteria)
+{
+    return criteria.stationType[0] == '*' || criteria.stationType[0] == header.type[0];
+}
+
+// The label as an integer, from its first to its last character.
+std::optional<int> numericLabel(std::string_view label)
+{
+    int number = 0;
+    const char* const end = label.data() + label.size();
+    const auto [stop, error] = std::from_chars(label.data(), end, number);
+    if (error != std::errc{} || stop != end) return std::nullopt;
+    return number;
+}
+
+// The lengths of the bounds bind too, so that "9" comes before "10" between bounds of one and two digits. The
+// default upper bound admits any label, also one that begins behind "z".
+bool isBetweenLabels(std::string_view label, std::string_view from, std::string_view to)
+{
+    return label >= from && (label <= to || to == collection::lastLabelBound) &&
+           label.size() >= from.size() && label.size() <= to.size();
+}
+
+bool passesLabel(const STATIONHDR& header, const SELECTIONCRITERIA& criteria)
+{
+    const std::string_view label = common::fieldText(header.station);
+    if (criteria.stationNumberMin >= 0 && criteria.stationNumberMax >= 0) {
+        const std::optional<int> number = numericLabel(label);
+        return number && isWithin(*number, criteria.stationNumberMin, criteria.stationNumberMax);
+    }
+    return isBetweenLabels(label, common::fieldText(criteria.stationLabelFrom),
+                           common::fieldText(criteria.stationLabelTo));
+}
+
+bool passesCruise(const STATIONHDR& header, const SELECTIONCRITERIA& criteria)
+{
+    return matchesWildcard(common::fieldText(criteria.cruisePattern), common::fieldText(header.cruise));
+}
+
+} // namespace
+
+float longitudeIn(float longitude, double lonMin, double lonMax)
+{
+    return lonMin < 0 && longitude > lonMax ? longitude - 360 : longitude;
+}
+
+void resetSelection(SELECTIONCRITERIA& criteria, const MAPDOMAIN& domain, int kind)
+{
+    criteria = collection::defaultCriteria();
+    criteria.lonMin = static_cast<float>(domain.lonMin);
+    criteria.lonMax = static_cast<float>(domain.lonMax);
+    criteria.latMin = static_cast<float>(domain.latMin);
+    criteria.latMax = static_cast<float>(domain.latMax);
+    if (kind == 2) {
+        criteria.yearMin = -40000;
+        criteria.yearMax = 5000;
+    }
+}
+
+bool passesSelection(int number, const STATIONHDR& header, const LEVELCOUNTS& counts,
+                     const SELECTIONCRITERIA& criteria, DOMAINPOLYGON& polygon, bool checkCruise)
+{
+    return number >= 1 && isWithin(number, criteria.internalMin, criteria.internalMax) &&
+           passesPosition(header, criteria, polygon) && passesDate(header, criteria) &&
+           passesDepths(header, criteria) && hasRequired(counts, criteria) && passesType(header, criteria) &&
+           passesLabel(header, criteria) && (!checkCruise || passesCruise(header, criteria));
+}
+
+bool pointInPolygon(std::span<float> lon, std::span<const float> lat, float x, float y)
+{
+    constexpr float nudge = 1e-6f;
+    for (float& vertex : lon) {
+        if (vertex == x) vertex = x == 0 ? nudge : x * (1 + nudge);
+    }
+    bool inside = false;
+    for (std::size_t i = 1; i < lon.size(); ++i) {
+        const double x1 = lon[i - 1], x2 = lon[i], y1 = lat[i - 1], y2 = lat[i];
+        if (x1 == x2 || (x1 < x) == (x2 < x)) continue;
+        if (y1 + (x - x1) * (y2 - y1) / (x2 - x1) >= y) inside = !inside;
+    }
+    return inside;
+}
+
+} // namespace selection
