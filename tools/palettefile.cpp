@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "common/text.h"
 
@@ -36,45 +37,106 @@ OKLAB oklabOf(const COLOR& c)
             0.0259040371 * l + 0.7827717662 * m - 0.8086757660 * s};
 }
 
-COLOR colorOf(const OKLAB& c)
+struct LINEARRGB {
+    double red = 0, green = 0, blue = 0; // outside 0 to 1 beyond the gamut
+    [[nodiscard]] bool inGamut() const
+    {
+        return std::min({red, green, blue}) >= 0 && std::max({red, green, blue}) <= 1;
+    }
+};
+
+LINEARRGB linearRgbOf(const OKLAB& c)
 {
     const double l = std::pow(c.l + 0.3963377774 * c.a + 0.2158037573 * c.b, 3);
     const double m = std::pow(c.l - 0.1055613458 * c.a - 0.0638541728 * c.b, 3);
     const double s = std::pow(c.l - 0.0894841775 * c.a - 1.2914855480 * c.b, 3);
-    return {gammaOf(4.0767416621 * l - 3.3077115913 * m + 0.2309699292 * s),
-            gammaOf(-1.2684380046 * l + 2.6097574011 * m - 0.3413193965 * s),
-            gammaOf(-0.0041960863 * l - 0.7034186147 * m + 1.7076147010 * s)};
+    return {4.0767416621 * l - 3.3077115913 * m + 0.2309699292 * s,
+            -1.2684380046 * l + 2.6097574011 * m - 0.3413193965 * s,
+            -0.0041960863 * l - 0.7034186147 * m + 1.7076147010 * s};
+}
+
+// The colour of this lightness and hue (degrees), with the chroma wanted or the largest that a screen can
+// show.
+COLOR colorOf(double l, double hue, double chroma)
+{
+    const double a = std::cos(hue * std::numbers::pi / 180), b = std::sin(hue * std::numbers::pi / 180);
+    double low = 0, high = chroma;
+    if (linearRgbOf({l, high * a, high * b}).inGamut()) low = high;
+    for (int i = 0; i < 40 && low < high; ++i) {
+        const double middle = (low + high) / 2;
+        (linearRgbOf({l, middle * a, middle * b}).inGamut() ? low : high) = middle;
+    }
+    const LINEARRGB c = linearRgbOf({l, low * a, low * b});
+    return {gammaOf(c.red), gammaOf(c.green), gammaOf(c.blue)};
 }
 
 // --- the rainbow
 
-// Hue (degrees) and chroma of the rainbow's stations, and their place; the lightness is a rule of its own.
-struct STATION {
-    double place, hue, chroma;
+struct RAINBOWPOINT {
+    double place, lightness, hue; // place 0 to 1, hue in degrees
 };
-constexpr std::array<STATION, 8> stations = {{{0.00, 310, 0.16},
-                                              {0.14, 268, 0.18},
-                                              {0.28, 230, 0.13},
-                                              {0.42, 175, 0.12},
-                                              {0.56, 135, 0.18},
-                                              {0.70, 105, 0.18},
-                                              {0.85, 58, 0.17},
-                                              {1.00, 22, 0.17}}};
-constexpr double crest = 0.70; // place of the lightest colour, the yellow
+// The lightness rises evenly to the yellow and falls evenly behind it.
+constexpr std::array<RAINBOWPOINT, 8> rainbowPoints = {{{0.00, 0.34, 308},
+                                                        {0.16, 0.47, 272},
+                                                        {0.30, 0.58, 240},
+                                                        {0.44, 0.69, 190},
+                                                        {0.56, 0.78, 145},
+                                                        {0.70, 0.89, 103},
+                                                        {0.85, 0.68, 55},
+                                                        {1.00, 0.44, 24}}};
+constexpr double rainbowChroma = 0.16;
 
-STATION stationAt(double place)
+RAINBOWPOINT brokenRainbowAt(double place)
 {
-    const auto behind = std::find_if(stations.begin() + 1, stations.end() - 1,
-                                     [&](const STATION& s) { return s.place >= place; });
-    const STATION &a = *(behind - 1), &b = *behind;
+    place = std::clamp(place, 0.0, 1.0);
+    const auto behind = std::find_if(rainbowPoints.begin() + 1, rainbowPoints.end() - 1,
+                                     [&](const RAINBOWPOINT& p) { return p.place >= place; });
+    const RAINBOWPOINT &a = *(behind - 1), &b = *behind;
     const double t = (place - a.place) / (b.place - a.place);
-    return {place, a.hue + t * (b.hue - a.hue), a.chroma + t * (b.chroma - a.chroma)};
+    return {place, a.lightness + t * (b.lightness - a.lightness), a.hue + t * (b.hue - a.hue)};
 }
 
-double rainbowLightness(double place)
+// The mean over a neighbourhood that shrinks to nothing at the ends: corners would show as bands.
+RAINBOWPOINT rainbowAt(double place)
 {
-    if (place <= crest) return 0.36 + (0.90 - 0.36) * place / crest;
-    return 0.90 - (0.90 - 0.42) * (place - crest) / (1 - crest);
+    constexpr int samples = 10; // on each side
+    const double reach = std::min({0.07, place, 1 - place});
+    RAINBOWPOINT sum{place, 0, 0};
+    for (int i = -samples; i <= samples; ++i) {
+        const RAINBOWPOINT p = brokenRainbowAt(place + reach * i / samples);
+        sum.lightness += p.lightness / (2 * samples + 1);
+        sum.hue += p.hue / (2 * samples + 1);
+    }
+    return sum;
+}
+
+// Means over up to eleven colours: the edges of what a screen can show would be seen as bands too.
+std::vector<MAPPOINT> smoothed(const std::vector<MAPPOINT>& map)
+{
+    std::vector<MAPPOINT> out = map;
+    const int last = int(map.size()) - 1;
+    for (int i = 0; i <= last; ++i) {
+        const int reach = std::min({5, i, last - i});
+        COLOR sum;
+        for (int j = i - reach; j <= i + reach; ++j) {
+            const COLOR& c = map[std::size_t(j)].color;
+            sum = {sum.red + c.red, sum.green + c.green, sum.blue + c.blue};
+        }
+        const double n = 2 * reach + 1;
+        out[std::size_t(i)].color = {sum.red / n, sum.green / n, sum.blue / n};
+    }
+    return out;
+}
+
+// The same colours in the same order, each as far along the map as along its way through the Oklab space.
+std::vector<MAPPOINT> evenlySpaced(std::vector<MAPPOINT> map)
+{
+    map.front().percent = 0;
+    for (std::size_t i = 1; i < map.size(); ++i)
+        map[i].percent = map[i - 1].percent + distance(map[i - 1].color, map[i].color);
+    const double whole = map.back().percent;
+    for (MAPPOINT& point : map) point.percent *= 100 / whole;
+    return map;
 }
 
 // --- fixed roles
@@ -105,6 +167,11 @@ constexpr std::array<COLOR, 16> namedColors = {
     rgb(255, 255, 255), // 15 white
 };
 
+// Shallow to deep: pale, so that dots and lines of any colour stand out on the map.
+const std::vector<MAPPOINT> seaRamp = {
+    {0, rgb(234, 246, 251)},  {25, rgb(200, 229, 243)}, {50, rgb(152, 200, 230)},
+    {75, rgb(104, 162, 210)}, {100, rgb(66, 118, 182)},
+};
 // Low to high: green plains, ochre hills, brown mountains, light peaks.
 const std::vector<MAPPOINT> landRamp = {
     {0, rgb(150, 190, 120)}, {25, rgb(205, 205, 130)}, {50, rgb(215, 175, 105)},
@@ -124,10 +191,10 @@ COLOR capOf(const COLOR& end)
     return lightness(end) > 0.35 ? darkened(end) : rgb(150, 150, 150);
 }
 
-void fillRamp(std::span<COLOR> out, std::span<const MAPPOINT> map, double from, double to)
+void fillRamp(std::span<COLOR> out, std::span<const MAPPOINT> map)
 {
     for (std::size_t i = 0; i < out.size(); ++i)
-        out[i] = colorAt(map, from + (to - from) * double(i) / double(out.size() - 1));
+        out[i] = colorAt(map, 100 * double(i) / double(out.size() - 1));
 }
 
 std::optional<MAPPOINT> parseMapLine(std::string_view line)
@@ -140,6 +207,12 @@ std::optional<MAPPOINT> parseMapLine(std::string_view line)
 }
 
 } // namespace
+
+double distance(const COLOR& a, const COLOR& b)
+{
+    const OKLAB p = oklabOf(a), q = oklabOf(b);
+    return std::hypot(p.l - q.l, p.a - q.a, p.b - q.b);
+}
 
 double lightness(const COLOR& color)
 {
@@ -181,19 +254,17 @@ COLOR colorAt(std::span<const MAPPOINT> map, double percent)
 
 std::vector<MAPPOINT> rainbow()
 {
+    constexpr int points = 111;
     std::vector<MAPPOINT> map;
-    for (int i = 0; i < scaleSteps; ++i) {
-        const double place = double(i) / (scaleSteps - 1);
-        const STATION s = stationAt(place);
-        const double hue = s.hue * 3.14159265358979323846 / 180;
-        map.push_back({100 * place, colorOf({rainbowLightness(place), s.chroma * std::cos(hue),
-                                             s.chroma * std::sin(hue)})});
+    for (int i = 0; i < points; ++i) {
+        const double place = double(i) / (points - 1);
+        const RAINBOWPOINT p = rainbowAt(place);
+        map.push_back({100 * place, colorOf(p.lightness, p.hue, rainbowChroma)});
     }
-    return map;
+    return evenlySpaced(smoothed(smoothed(map)));
 }
 
-std::array<COLOR, paletteSize> paletteAround(std::span<const MAPPOINT> scale,
-                                             std::span<const MAPPOINT> depths)
+std::array<COLOR, paletteSize> paletteAround(std::span<const MAPPOINT> scale)
 {
     std::array<COLOR, paletteSize> colors{};
     std::copy(namedColors.begin(), namedColors.end(), colors.begin());
@@ -203,20 +274,21 @@ std::array<COLOR, paletteSize> paletteAround(std::span<const MAPPOINT> scale,
     }
     colors[31] = rgb(255, 255, 255);
     const std::span<COLOR> all(colors);
-    fillRamp(all.subspan(scaleFirst, scaleSteps), scale, 0, 100);
+    fillRamp(all.subspan(scaleFirst, scaleSteps), scale);
     colors[scaleBelow] = capOf(colors[scaleFirst]);
     colors[scaleAbove] = capOf(colors[scaleAbove - 1]);
-    fillRamp(all.subspan(145, 15), depths, 4, 78); // the map's ends would be near white and near black
+    fillRamp(all.subspan(145, 15), seaRamp);
     colors[160] = land;
     colors[161] = lowland;
-    fillRamp(all.subspan(162, 15), landRamp, 0, 100);
+    fillRamp(all.subspan(162, 15), landRamp);
     return colors;
 }
 
 std::string paletteText(std::span<const COLOR> colors)
 {
     const auto written = [](double component) {
-        return std::min((std::lround(component * 255) + 0.5) / 255, 1.0);
+        const long byte = std::lround(component * 255);
+        return byte == 0 ? 0.0 : std::min((double(byte) + 0.5) / 255, 1.0);
     };
     std::string text;
     for (std::size_t i = 0; i < colors.size(); ++i)

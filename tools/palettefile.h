@@ -30,20 +30,20 @@ struct MAPPOINT {
 // The map's colour at a percentage: linear between neighbours, the end colours beyond the ends.
 [[nodiscard]] COLOR colorAt(std::span<const MAPPOINT> map, double percent);
 
-// The rainbow of the default palette: violet, blue, cyan, green, yellow, orange, red, with its lightness
-// rising evenly to yellow and falling evenly behind it, made in the Oklab space (B. Ottosson, 2020).
+// The rainbow of the default palette: violet, blue, cyan, green, yellow, orange, red. Its lightness rises to
+// the yellow and falls behind it, and equal steps are equally far in the Oklab space (B. Ottosson, 2020), so
+// that no band stands out.
 [[nodiscard]] std::vector<MAPPOINT> rainbow();
 
-// A whole palette around a scale; the ramps of sea and land come from maps of their own, light to dark for
-// the depths.
-[[nodiscard]] std::array<COLOR, paletteSize> paletteAround(std::span<const MAPPOINT> scale,
-                                                           std::span<const MAPPOINT> depths);
+// A whole palette around a scale.
+[[nodiscard]] std::array<COLOR, paletteSize> paletteAround(std::span<const MAPPOINT> scale);
 
 // The file's text: index, red, green and blue a line. A reader multiplies by 255 and truncates; the values
 // are such that it gets the nearest bytes.
 [[nodiscard]] std::string paletteText(std::span<const COLOR> colors);
 
-// Lightness in the Oklab space, 0 to 1.
+// Lightness of a colour, and how far two colours are apart, in the Oklab space; black to white is 1.
 [[nodiscard]] double lightness(const COLOR& color);
+[[nodiscard]] double distance(const COLOR& a, const COLOR& b);
 
 } // namespace tools

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "graphics/textwidth.h"
+#include "graphics/textsize.h"
 
 namespace graphics {
 namespace {

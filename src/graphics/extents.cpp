@@ -5,37 +5,33 @@
 
 #include "graphics/mapplot.h"
 #include "graphics/preparewindow.h"
+#include "graphics/textwidth.h"
 
 namespace graphics {
 
 namespace {
 
-// Widths of a bold sans-serif face in shares of the font size.
-constexpr double digitWidth = 0.556, pointWidth = 0.278, minusWidth = 0.333, wideWidth = 0.944;
-constexpr double lineHeight = 1.2;
-constexpr double barGap = 0.35, barWidth = 0.35; // cm, at least 3 % of the plot's width each
-constexpr double axisShare = 0.9, titleShare = 1.2, stampShare = 0.65, barShare = 0.85, smallestBarFont = 5.5;
+constexpr double barGap = 0.35, barWidth = 0.35, leastBar = 0.03; // cm, and share of the plot's width
+constexpr double axisShare = 0.9, stampShare = 0.65, stampGap = 0.25, barShare = 0.85, mapShare = 0.84;
+constexpr double smallestBarFont = 5.5;
+constexpr double ticLength = 1.25 * widthOfW, ticsToYLabel = 1.95 * ticLength; // sizes of the numbers' font
+constexpr double xLabelDistance = 1.75;                                        // base font sizes
+constexpr double zLabelHeight = 1.03;                                          // of the plot's height
 
-double cm(double points) { return points / pointsPerCm; }
-
-double numberWidth(const std::string& text)
+double cm(double points)
 {
-    double width = 0;
-    for (const char c : text) width += c == '.' ? pointWidth : c == '-' ? minusWidth : digitWidth;
-    return width;
+    return points * static_cast<double>(fontSettings().factor) / pointsPerCm;
 }
 
-// Of the numbers of an axis, in shares of the font size.
-double widestNumber(float low, float high)
+// Of the numbers of an axis, in font sizes.
+double widestNumber(const TICS& tics, float high)
 {
-    const TICS tics = ChooseTics(low, high);
-    const double step = static_cast<double>(tics.major);
-    double widest = digitWidth;
-    constexpr int most = 40;
-    for (int i = 0; i < most; ++i) {
-        const double value = static_cast<double>(tics.start) + i * step;
-        if ((value - static_cast<double>(high)) * step > 0) break;
-        widest = std::max(widest, numberWidth(axisNumber(value, step)));
+    const double step = static_cast<double>(tics.major), end = static_cast<double>(high) + step / 100;
+    const double first = static_cast<double>(tics.start);
+    double widest = textWidth(axisNumber(first, step));
+    constexpr int most = 100;
+    for (int i = 1; i < most && (end - first - i * step) * step > 0; ++i) {
+        widest = std::max(widest, textWidth(axisNumber(first + i * step, step)));
     }
     return widest;
 }
@@ -43,47 +39,62 @@ double widestNumber(float low, float high)
 double colorBarRoom(const DATAWINDOW& w, double font)
 {
     const double barFont = cm(std::max(barShare * font, smallestBarFont));
-    const double least = 0.03 * static_cast<double>(w.xLen);
-    return std::max(barGap, least) + 1.075 * std::max(barWidth, least) +
-           (widestNumber(w.zMin, w.zMax) + 0.5) * barFont;
+    const double least = leastBar * static_cast<double>(w.xLen);
+    const double numbers = widestNumber(ChooseTics(w.zMin, w.zMax), w.zMax) + 0.5;
+    return std::max(barGap, least) + 1.075 * std::max(barWidth, least) + numbers * barFont;
+}
+
+double stampRoom(double font)
+{
+    return cm(font) * (stampGap + stampShare * labelHeight);
+}
+
+EXTENT plotArea(float x, float y, float width, float height)
+{
+    const auto d = [](float value) { return static_cast<double>(value); };
+    return {d(x), d(y), d(x) + d(width), d(y) + d(height)};
 }
 
 EXTENT plainExtent(const DATAWINDOW& w)
 {
+    EXTENT e = plotArea(w.xOrg, w.yOrg, w.xLen, w.yLen);
     const double font = static_cast<double>(baseFontSize(w.xLen, w.yLen));
-    const double axis = cm(axisShare * font), tic = 1.25 * wideWidth * axis;
-    EXTENT e{static_cast<double>(w.xOrg), static_cast<double>(w.yOrg), 0, 0};
-    e.right = e.left + static_cast<double>(w.xLen);
-    e.top = e.bottom + static_cast<double>(w.yLen);
+    const float axisFont = static_cast<float>(axisShare * font);
+    const double axis = cm(axisShare * font), label = labelHeight * cm(font);
+    double right = stampRoom(font);
     if (w.axisColor >= 0) {
-        e.left -= tic * 1.95 + widestNumber(w.yMin, w.yMax) * axis + titleShare * axis * lineHeight;
-        e.bottom -= tic * 1.1 + axis * lineHeight + titleShare * axis * lineHeight;
-        e.top += axis * 0.6;
+        const TICS x = FitTics(w.xMin, w.xMax, w.xLen, axisFont, false);
+        const TICS y = FitTics(w.yMin, w.yMax, w.yLen, axisFont, true);
+        e.left -= (ticsToYLabel + widestNumber(y, w.yMax)) * axis + label / 2;
+        e.bottom -= xLabelDistance * cm(font) + label;
+        right = std::max(right, widestNumber(x, w.xMax) / 2 * axis);
     }
-    if (w.zVar != 0) e.top += 0.03 * static_cast<double>(w.yLen) + cm(font) * lineHeight;
-    const double stamp = cm(0.25 * font) + cm(stampShare * font) * lineHeight;
-    e.right += w.zVar != 0 && w.colorBar ? std::max(stamp, colorBarRoom(w, font)) : stamp;
+    if (w.zVar != 0) {
+        e.top += (zLabelHeight - 1) * static_cast<double>(w.yLen) + label;
+        if (w.colorBar) right = std::max(right, colorBarRoom(w, font));
+    } else {
+        e.top += labelHeight * axis / 2;
+    }
+    e.right += right;
     return e;
 }
 
 EXTENT mapExtent(const MAPWINDOW& map)
 {
-    constexpr double labelCharacters = 4.5; // "180°W"
+    const double widestDegrees = textWidth("180\260W");
     const MAPGEOMETRY& g = map.geometry;
     const double font = static_cast<double>(baseFontSize(g.xlen, g.ylen));
-    const double label = cm(0.84 * font);
-    EXTENT e{static_cast<double>(g.xorg), static_cast<double>(g.yorg), 0, 0};
-    e.right = e.left + static_cast<double>(g.xlen);
-    e.top = e.bottom + static_cast<double>(g.ylen);
-    e.left -= (labelCharacters * digitWidth + 1) * label;
-    e.bottom -= (lineHeight + 1.2) * label;
-    e.top += 0.6 * label;
-    e.right += std::max(labelCharacters * digitWidth * label / 2,
-                        cm(0.25 * font) + cm(stampShare * font) * lineHeight);
+    const double label = cm(mapShare * font);
+    EXTENT e = plotArea(g.xorg, g.yorg, g.xlen, g.ylen);
+    double right = std::max(widestDegrees / 2 * label, stampRoom(font));
     if (map.colorBar) {
-        const double bar = std::max(barGap, 0.03 * static_cast<double>(g.xlen));
-        e.right = std::max(e.right, static_cast<double>(g.xorg + g.xlen) + 2.1 * bar + 6 * digitWidth * label);
+        const double bar = std::max(barGap, leastBar * static_cast<double>(g.xlen));
+        right = std::max(right, 2.075 * bar + textWidth("6000 m ") * 0.75 * cm(font));
     }
+    e.left -= (ticLength + widestDegrees) * label;
+    e.bottom -= (ticLength + labelHeight) * label;
+    e.top += labelHeight / 2 * label;
+    e.right += right;
     return e;
 }
 
@@ -97,7 +108,10 @@ EXTENT unite(const EXTENT& a, const EXTENT& b)
             std::max(a.top, b.top)};
 }
 
-EXTENT grow(const EXTENT& e, double cm) { return {e.left - cm, e.bottom - cm, e.right + cm, e.top + cm}; }
+EXTENT grow(const EXTENT& e, double by)
+{
+    return {e.left - by, e.bottom - by, e.right + by, e.top + by};
+}
 
 EXTENT clampToCanvas(const EXTENT& e)
 {
@@ -127,7 +141,7 @@ QRect toPixels(const EXTENT& e)
 {
     const DEVICE& device = drawState().device;
     const double ppcm = static_cast<double>(device.pixelsPerCm);
-    const auto px = [ppcm](double cm) { return static_cast<int>(std::floor(cm * ppcm)); };
+    const auto px = [ppcm](double length) { return static_cast<int>(std::floor(length * ppcm)); };
     const QRect rect(QPoint(px(e.left), device.heightPx - 1 - px(e.top)),
                      QPoint(px(e.right), device.heightPx - 1 - px(e.bottom)));
     return rect.intersected(QRect(0, 0, device.widthPx, device.heightPx));

@@ -4,7 +4,7 @@
 
 #include "graphics/axes.h"
 #include "graphics/mapgraticule.h"
-#include "graphics/textwidth.h"
+#include "graphics/textsize.h"
 
 namespace graphics {
 namespace {
@@ -13,11 +13,6 @@ constexpr int gridThickness = 0, outlineThickness = 2;
 constexpr int outlinePoints = 361;
 constexpr double bandWidth = 0.4; // of the zebra border, in font sizes
 constexpr double labelGap = 0.2;  // between border and labels, in font sizes
-
-double pixelsOfText(double points)
-{
-    return points * fontSettings().factor / pointsPerCm * drawState().device.pixelsPerCm;
-}
 
 // "30" + degree sign + "W" with the degree sign as the page's fonts have it.
 std::string pageLabel(const std::string& text)
@@ -49,7 +44,7 @@ double neededCm(const DEGREEAXIS& axis, float fontSize, bool across)
     for (const std::string& text : axis.labels) {
         if (!across) needed = std::max(needed, textWidth(text));
     }
-    return needed * fontSize * fontSettings().factor / pointsPerCm;
+    return textCm(needed * fontSize);
 }
 
 DEGREEAXIS degreeAxis(double lo, double hi, float length, bool latitude, float fontSize)
@@ -164,8 +159,8 @@ void drawPlainFrame(QPainter* p, std::FILE* ps, const MAPGEOMETRY& map, float fo
     const DEGREEAXIS lat = degreeAxis(map.latMin, map.latMax, map.ylen, true, fontSize);
     if (p) {
         if (grid) paintGridLines(p, lon, lat);
-        paintBorder(p, lon, lat, pixelsOfText(bandWidth * fontSize));
-        if (labels) paintLabels(p, lon, lat, fontSize, pixelsOfText((bandWidth + labelGap) * fontSize));
+        paintBorder(p, lon, lat, textPixels(p, bandWidth * fontSize));
+        if (labels) paintLabels(p, lon, lat, fontSize, textPixels(p, (bandWidth + labelGap) * fontSize));
     }
     if (ps) {
         writeAxis(ps, lon, 'x', grid, labels);

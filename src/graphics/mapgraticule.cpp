@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "graphics/drawing.h"
-#include "graphics/textwidth.h"
+#include "graphics/textsize.h"
 #include "graphics/tics.h"
 
 namespace graphics {
@@ -235,7 +235,7 @@ POINT fractions(int lorg)
 
 CORNERS boxOf(const MAPGEOMETRY& m, const DEGREELABEL& label, float fontSize)
 {
-    const double size = fontSize * fontSettings().factor / pointsPerCm;
+    const double size = textCm(fontSize);
     const double w = textWidth(label.text) * size, h = labelHeight * size;
     const POINT f = fractions(label.lorg);
     const double x = (label.u - m.umin) * m.xlen / (double{m.umax} - m.umin);

@@ -18,9 +18,9 @@ namespace {
 using selection::SELECTEDSTATION;
 
 constexpr const char* mapCaption = "Drawing Station-Map ...";
-constexpr const char* noStationText =
-    "No Valid Station Found!\n\nUse\n Configuration->Selection Criteria to Open Criteria\n\nor select\n Global "
-    "Map from the Map-Menu.";
+constexpr const char* noStationText = "No Valid Station Found!\n\nUse\n Configuration->Selection Criteria to "
+                                      "Open Criteria\n\nor select\n Global "
+                                      "Map from the Map-Menu.";
 constexpr float markSize = 0.23f;     // cm, symbols of the plotted stations
 constexpr float psDotShare = 1.3f;    // of the dot size, of dots in PostScript
 constexpr int labelOrigin = 6;        // a station's label stands to the upper right of its dot
@@ -44,14 +44,18 @@ void setMapUserSystem(MAPWINDOW& map)
 // The projected place of a station; false if it is hidden behind the globe.
 bool placeOf(const SELECTEDSTATION& station, float& x, float& y)
 {
-    if (!IsVisible(static_cast<double>(station.longitude), static_cast<double>(station.latitude))) return false;
+    if (!IsVisible(static_cast<double>(station.longitude), static_cast<double>(station.latitude)))
+        return false;
     x = station.longitude;
     y = station.latitude;
     ProjectPoint(x, y);
     return true;
 }
 
-std::int16_t storedPixel(int pixel) { return static_cast<std::int16_t>(std::clamp(pixel, -32768, 32767)); }
+std::int16_t storedPixel(int pixel)
+{
+    return static_cast<std::int16_t>(std::clamp(pixel, -32768, 32767));
+}
 
 // A hidden station is selected, but no click can hit it.
 bool setPixels(SELECTEDSTATION& station)
@@ -113,9 +117,8 @@ void buildWithDots(QPainter* p, PLOTCONTEXT& context)
         dots.draw(stations);
         if (context.repaint) context.repaint();
     };
-    selection::buildSelectedList(context.collection,
-                                 {domainOf(context.setup.map.geometry), setPixels, group}, mapCaption,
-                                 context.user);
+    selection::buildSelectedList(context.collection, {domainOf(context.setup.map.geometry), setPixels, group},
+                                 mapCaption, context.user);
 }
 
 void drawDots(QPainter* p, PLOTCONTEXT& context)
@@ -298,7 +301,10 @@ void writePsStations(std::FILE* ps, PLOTCONTEXT& context)
 
 } // namespace
 
-bool mapIsShown(const GRAPHICSSETUP& setup) { return setup.map.exists && setup.mode != modeSurface; }
+bool mapIsShown(const GRAPHICSSETUP& setup)
+{
+    return setup.map.exists && setup.mode != modeSurface;
+}
 
 void refreshSelection(PLOTCONTEXT& context)
 {

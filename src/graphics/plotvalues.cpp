@@ -2,24 +2,12 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <string>
 
-#include "common/text.h"
 #include "variables/needed.h"
 
 namespace graphics {
 
 namespace {
-
-// "1 2 3 ..." of at most 20 numbers.
-std::string numberList(const std::vector<int>& numbers)
-{
-    constexpr std::size_t most = 20;
-    std::string text;
-    for (std::size_t i = 0; i < std::min(numbers.size(), most); ++i) text += " " + std::to_string(numbers[i]);
-    if (numbers.size() > most) text += " ...";
-    return text;
-}
 
 std::vector<int> sortedNumbers(std::span<const int> variables, int count)
 {
@@ -67,15 +55,13 @@ RStationScan::RStationScan(collection::RCollection& collection, collection::STAT
 RStationScan::~RStationScan()
 {
     collection_.neededMask = savedMask_;
-    if (damaged_.empty()) return;
-    user_.note(collection_.path + ": " + std::to_string(damaged_.size()) +
-               " station(s) can't be read:" + numberList(damaged_));
+    damaged_.tell(collection_.path, user_);
 }
 
 bool RStationScan::load(int number)
 {
     const bool loaded = collection_.loadStation(number, station_, true) == collection::LoadResult::ok;
-    if (!loaded) damaged_.push_back(number);
+    if (!loaded) damaged_.add(number);
     return loaded;
 }
 

@@ -2,11 +2,12 @@
 
 // The values of a list of stations, loaded in one pass for all the windows that are to be drawn.
 
+#include <array>
 #include <cstdint>
 #include <span>
-#include <string_view>
 #include <vector>
 
+#include "collection/damage.h"
 #include "collection/rcollection.h"
 #include "common/user.h"
 #include "selection/selectedlist.h"
@@ -30,7 +31,7 @@ private:
     collection::STATIONDATA& station_;
     common::RUser& user_;
     std::array<std::int32_t, 51> savedMask_;
-    std::vector<int> damaged_;
+    collection::RDamageReport damaged_;
 };
 
 struct PLOTVALUES {

@@ -13,7 +13,7 @@ namespace {
 
 using common::MISSING_VALUE;
 
-constexpr float dotShare = 0.8f;          // a point's dot is this much of the size of a symbol
+constexpr float dotShare = 0.8f; // a point's dot is this much of the size of a symbol
 constexpr double pointsPerMm = pointsPerCm / 10;
 
 // Inside the window, or outside by less than 1 % of its range.

@@ -24,7 +24,8 @@ struct PLOTDATA {
 void PlotPoints(QPainter* p, std::FILE* ps, PLOTCONTEXT& context, const PLOTDATA& data,
                 const DATAWINDOW& window, int radius, float size, bool color);
 
-// Shows the points by the window's style (arrows and fields have none yet: dots), with the colour bar before them if there is a colour variable.
+// Shows the points by the window's style (arrows and fields have none yet: dots), with the colour bar before
+// them if there is a colour variable.
 void PlotMarks(QPainter* p, std::FILE* ps, PLOTCONTEXT& context, const PLOTDATA& data,
                const DATAWINDOW& window, const PLOTOPTIONS& options);
 

@@ -130,6 +130,9 @@ std::vector<int> variablesOf(GRAPHICSSETUP& setup, std::span<const int> numbers)
     return variables;
 }
 
-std::string abortable(std::string_view text) { return std::string(text) + std::string(common::escAborts); }
+std::string abortable(std::string_view text)
+{
+    return std::string(text) + std::string(common::escAborts);
+}
 
 } // namespace graphics

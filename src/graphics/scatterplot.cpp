@@ -66,8 +66,14 @@ void plotDataWindows(QPainter* p, std::FILE* ps, PLOTCONTEXT& context)
 
 } // namespace
 
-void PlotScatterMode(QPainter* p, PLOTCONTEXT& context, bool) { plotDataWindows(p, nullptr, context); }
+void PlotScatterMode(QPainter* p, PLOTCONTEXT& context, bool)
+{
+    plotDataWindows(p, nullptr, context);
+}
 
-void WriteDataWindows(std::FILE* ps, PLOTCONTEXT& context) { plotDataWindows(nullptr, ps, context); }
+void WriteDataWindows(std::FILE* ps, PLOTCONTEXT& context)
+{
+    plotDataWindows(nullptr, ps, context);
+}
 
 } // namespace graphics

@@ -5,7 +5,7 @@
 #include "common/text.h"
 #include "graphics/axes.h"
 #include "graphics/palette.h"
-#include "graphics/textwidth.h"
+#include "graphics/textsize.h"
 
 namespace graphics {
 namespace {
@@ -65,11 +65,6 @@ STAMPTEXT stampText(const FRAMECONTEXT& context)
     return text;
 }
 
-double cm(double points)
-{
-    return points * fontSettings().factor / pointsPerCm;
-}
-
 // Where the pieces stand, in cm; the corner is the upper right one.
 struct STAMPPLACES {
     float right, top, textLeft, initialRight, secondLine;
@@ -77,7 +72,7 @@ struct STAMPPLACES {
 
 double widestLine(const STAMPTEXT& text)
 {
-    return cm(textPoints * std::max(textWidth(text.who), textWidth(text.what)));
+    return textCm(textPoints * std::max(textWidth(text.who), textWidth(text.what)));
 }
 
 STAMPPLACES placesOf(const STAMPTEXT& text, const QPointF& corner)
@@ -87,7 +82,7 @@ STAMPPLACES placesOf(const STAMPTEXT& text, const QPointF& corner)
     at.top = static_cast<float>(corner.y());
     at.textLeft = static_cast<float>(at.right - widestLine(text));
     at.initialRight = at.textLeft - 0.05f;
-    at.secondLine = static_cast<float>(at.top - cm(lineStep * textPoints));
+    at.secondLine = static_cast<float>(at.top - textCm(lineStep * textPoints));
     return at;
 }
 
@@ -146,7 +141,8 @@ void DrawStamp(QPainter* p, std::FILE* ps, std::string_view title, float fontSiz
 QSizeF collectionStampSize(const FRAMECONTEXT& context)
 {
     const STAMPTEXT text = stampText(context);
-    return {widestLine(text) + cm(initialBoxWidth * initialPoints) + 0.05, cm(2 * lineStep * textPoints)};
+    return {widestLine(text) + textCm(initialBoxWidth * initialPoints) + 0.05,
+            textCm(2 * lineStep * textPoints)};
 }
 
 void DrawCollectionStamp(QPainter* p, std::FILE* ps, const FRAMECONTEXT& context, float scale,

@@ -52,13 +52,12 @@ void plotProfiles(QPainter* p, std::FILE* ps, const DATAWINDOW& window, const PL
 void plotStationWindows(QPainter* p, std::FILE* ps, PLOTCONTEXT& context)
 {
     const std::vector<int> numbers = windowsToDraw(context.setup);
-    const std::vector<selection::SELECTEDSTATION> stations =
-        selection::readPlottedList(context.collection);
+    const std::vector<selection::SELECTEDSTATION> stations = selection::readPlottedList(context.collection);
     if (numbers.empty() || stations.empty()) return;
     const common::RBusyGuard busy(context.user, abortable("Plotting Station(s) ..."));
     PLOTVALUES values;
-    if (!loadPlotValues(context.collection, context.station, stations,
-                        variablesOf(context.setup, numbers), loadingShare, context.user, values)) {
+    if (!loadPlotValues(context.collection, context.station, stations, variablesOf(context.setup, numbers),
+                        loadingShare, context.user, values)) {
         return;
     }
     const FRAMECONTEXT frame = frameContext(context);
@@ -77,8 +76,14 @@ void plotStationWindows(QPainter* p, std::FILE* ps, PLOTCONTEXT& context)
 
 } // namespace
 
-void PlotStationMode(QPainter* p, PLOTCONTEXT& context, bool) { plotStationWindows(p, nullptr, context); }
+void PlotStationMode(QPainter* p, PLOTCONTEXT& context, bool)
+{
+    plotStationWindows(p, nullptr, context);
+}
 
-void WriteStationWindows(std::FILE* ps, PLOTCONTEXT& context) { plotStationWindows(nullptr, ps, context); }
+void WriteStationWindows(std::FILE* ps, PLOTCONTEXT& context)
+{
+    plotStationWindows(nullptr, ps, context);
+}
 
 } // namespace graphics

@@ -5,7 +5,7 @@
 
 #include "common/text.h"
 #include "graphics/axes.h"
-#include "graphics/textwidth.h"
+#include "graphics/textsize.h"
 
 namespace graphics {
 namespace {
@@ -32,12 +32,6 @@ struct FRAME {
     [[nodiscard]] float axisFont() const { return axisFontScale * fontSize; }
 };
 
-// cm of a length in points of text.
-double cmOfText(double points)
-{
-    return points * fontSettings().factor / pointsPerCm;
-}
-
 std::string variableLabel(const FRAMECONTEXT& context, int variable)
 {
     const auto number = static_cast<std::size_t>(std::abs(variable));
@@ -48,7 +42,7 @@ std::string variableLabel(const FRAMECONTEXT& context, int variable)
 // Label size that keeps a long name to its axis.
 float fittedSize(const std::string& text, float size, double axisCm)
 {
-    const double needed = cmOfText(textWidth(text) * size);
+    const double needed = textCm(textWidth(text) * size);
     const double available = axisCm + labelOverhang;
     if (needed <= available) return size;
     return size * std::max(smallestLabel, static_cast<float>(available / needed));
@@ -117,7 +111,7 @@ double widestNumber(const TICS& tics, float lo, float hi)
 double yLabelDistance(const FRAME& frame)
 {
     const double numbers = widestNumber(frame.y, frame.window.yMin, frame.window.yMax);
-    return cmOfText((ticsToYLabel + numbers) * frame.axisFont());
+    return textCm((ticsToYLabel + numbers) * frame.axisFont());
 }
 
 void drawLabels(QPainter* p, std::FILE* ps, const std::vector<AUTOLABEL>& labels, int color)
@@ -172,18 +166,9 @@ void drawPage(std::FILE* ps, const FRAME& frame, bool labels)
     const SCALE s = pageScale(frame.window);
     std::vector<AUTOLABEL> list;
     if (frame.window.zVar != 0) list.push_back(zLabel(frame, s));
-    list.push_back(xLabel(frame, s, cmOfText(xLabelPoints * frame.fontSize)));
+    list.push_back(xLabel(frame, s, textCm(xLabelPoints * frame.fontSize)));
     list.push_back(yLabel(frame, s, yLabelDistance(frame)));
     drawLabels(nullptr, ps, list, frame.window.axisColor);
-}
-
-// cm of a length in points of text on the painter's device.
-double cmOnDevice(QPainter* p, double points)
-{
-    constexpr float probe = 100;
-    SelectFont(p, 1, probe);
-    const double pixels = p->font().pointSizeF() * p->device()->logicalDpiY() / 72.0;
-    return points / double{probe} * pixels / drawState().device.pixelsPerCm;
 }
 
 void drawScreen(QPainter* p, const FRAME& frame, bool labels)
@@ -201,7 +186,8 @@ void drawScreen(QPainter* p, const FRAME& frame, bool labels)
     const SCALE s = painterScale();
     std::vector<AUTOLABEL> list;
     if (frame.window.zVar != 0) list.push_back(zLabel(frame, s));
-    list.push_back(xLabel(frame, s, cmOnDevice(p, xLabelPoints * frame.fontSize)));
+    list.push_back(
+        xLabel(frame, s, textPixels(p, xLabelPoints * frame.fontSize) / drawState().device.pixelsPerCm));
     list.push_back(yLabel(frame, s, yDistance));
     drawLabels(p, nullptr, list, frame.window.axisColor);
 }

@@ -1,7 +1,5 @@
 // Makes the coastline file of a layer set from a shapefile of land polygons.
 
-#include <cstdio>
-
 #include "cdtrecords.h"
 #include "coastline.h"
 #include "command.h"
@@ -27,6 +25,4 @@ int main(int argc, char** argv)
     if (geos.failed()) return fail(name, source + ": " + geos.message());
     if (!makeDirectory(directory + "overlays") || !writeCdt(directory + "World.cdt", shapes))
         return fail(name, directory + "World.cdt: can't be written");
-    std::printf("%sWorld.cdt: %zu polygons, %zu records\n", directory.c_str(), polygons.size(),
-                shapes.size());
 }

@@ -35,9 +35,9 @@ std::optional<std::vector<MAPPOINT>> readColorMap(const std::string& path, std::
     return map;
 }
 
-bool writePalette(const std::string& path, std::span<const MAPPOINT> scale, std::span<const MAPPOINT> depths)
+bool writePalette(const std::string& path, std::span<const MAPPOINT> scale)
 {
-    const std::string text = paletteText(paletteAround(scale, depths));
+    const std::string text = paletteText(paletteAround(scale));
     common::RReplacementFile file(path);
     return file.stream() && std::fwrite(text.data(), 1, text.size(), file.stream()) == text.size() &&
            file.commit();
@@ -52,14 +52,11 @@ int main(int argc, char** argv)
     const std::string source = std::string(argv[1]) + "/", target = std::string(argv[2]) + "/";
     if (!makeDirectory(target)) return fail(name, target + ": can't be made");
     std::string error;
-    const auto depths = readColorMap(source + "cmocean_deep.spk", error);
-    if (!depths) return fail(name, error);
-    if (!writePalette(target + "Nvq.pal", rainbow(), *depths))
-        return fail(name, target + ": can't be written");
+    if (!writePalette(target + "Nvq.pal", rainbow())) return fail(name, target + ": can't be written");
     for (const PALETTEROW& row : rows) {
         const auto scale = readColorMap(source + std::string(row.source) + ".spk", error);
         if (!scale) return fail(name, error);
-        if (!writePalette(target + std::string(row.name) + ".pal", *scale, *depths))
+        if (!writePalette(target + std::string(row.name) + ".pal", *scale))
             return fail(name, target + ": can't be written");
     }
 }

@@ -1,6 +1,5 @@
 // Makes the bathymetry and topography files of a layer set from the gridded relief.
 
-#include <cstdio>
 #include <span>
 
 #include "cdtrecords.h"
@@ -24,7 +23,6 @@ std::string writeSteps(const GRID& grid, std::span<const int> steps, int sign, c
         const std::string path = directory + common::format("%dm.cdt", step);
         if (geos.failed()) return path + ": " + geos.message();
         if (!writeCdt(path, shapes)) return path + ": can't be written";
-        std::printf("%s: %zu polygons, %zu records\n", path.c_str(), polygons.size(), shapes.size());
     }
     return {};
 }

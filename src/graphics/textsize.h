@@ -1,8 +1,10 @@
 #pragma once
 
-// The width of a label without a device: what both sinks of a picture may agree on.
+// The size of text: without a device, which is what both sinks of a picture can agree on, and on a painter.
 
 #include <string_view>
+
+#include <QPainter>
 
 namespace graphics {
 
@@ -13,6 +15,10 @@ namespace graphics {
 // Width of "W" in the same units: what the lengths of tics are measured in.
 inline constexpr double widthOfW = 0.944;
 // Height of a label's box in units of its font size.
-inline constexpr double labelHeight = 1.38;
+inline constexpr double labelHeight = 1.34;
+
+// A length of `points` of text, in cm on a page and in pixels on a painter's device.
+[[nodiscard]] double textCm(double points);
+[[nodiscard]] double textPixels(QPainter* p, double points);
 
 } // namespace graphics

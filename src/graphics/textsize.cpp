@@ -1,6 +1,8 @@
-#include "graphics/textwidth.h"
+#include "graphics/textsize.h"
 
 #include <array>
+
+#include "graphics/drawing.h"
 
 namespace graphics {
 namespace {
@@ -45,6 +47,19 @@ double textWidth(std::string_view label)
         }
     }
     return width;
+}
+
+double textCm(double points)
+{
+    return points * fontSettings().factor / pointsPerCm;
+}
+
+double textPixels(QPainter* p, double points)
+{
+    constexpr float probe = 100;
+    const RDrawStateGuard guard(p);
+    SelectFont(p, 1, probe);
+    return points / double{probe} * p->font().pointSizeF() * p->device()->logicalDpiY() / 72.0;
 }
 
 } // namespace graphics
