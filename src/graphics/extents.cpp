@@ -5,7 +5,7 @@
 
 #include "graphics/mapplot.h"
 #include "graphics/preparewindow.h"
-#include "graphics/textwidth.h"
+#include "graphics/textsize.h"
 
 namespace graphics {
 
