@@ -86,11 +86,12 @@ private:
 
 TEST_F(MapFrame, PageOfTheDefaultProjectionIsLineByLineAsItIsRead)
 {
-    const MAPGEOMETRY m = setUp({"", 0, -30, 0, 0, 15, 0, 0});
+    const MAPGEOMETRY m = setUp({"", 0, -40, 0, 0, 15, 0, 0});
     EXPECT_EQ(page(m),
               "\n%%PS-OBJECT: MapFrame begin\ngsave\n/fill? false def /stroke? false def\n0 setgray\n"
               "very_thin_line 9 SetMyFont\n"
-              "  -30.000     5.000 xmapframe\n"
+              "  -40.000     5.000 xmapframe\n"
+              "-40 ymin -40 ymax Line\n(40\\312W)   -40.000 xmaplabl\n"
               "-30 ymin -30 ymax Line\n(30\\312W)   -30.000 xmaplabl\n"
               "-20 ymin -20 ymax Line\n(20\\312W)   -20.000 xmaplabl\n"
               "-10 ymin -10 ymax Line\n(10\\312W)   -10.000 xmaplabl\n"

@@ -69,7 +69,7 @@ TEST(ChooseTics, AQuotientThatIsAnIntegerButForRoundingIsThatInteger)
 TEST(ChooseTics, ZeroHasNoSign)
 {
     EXPECT_FALSE(std::signbit(ChooseTics(-2, 30).start));
-    EXPECT_FALSE(std::signbit(ChooseTics(30, -2).hi));
+    EXPECT_FALSE(std::signbit(ChooseTics(-0.1f, -30).lo));
     EXPECT_FALSE(std::signbit(ChooseMapTics(-1, 30, false).start));
 }
 
