@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numeric>
 
+#include "collection/damage.h"
 #include "common/files.h"
 #include "common/text.h"
 #include "common/textcoding.h"
@@ -142,7 +143,7 @@ struct EXPORT {
     const std::string& missingText;
     common::RUser& user;
     std::string text;
-    std::vector<int> damaged;
+    collection::RDamageReport damaged;
     int written = 0;
 };
 
@@ -157,7 +158,7 @@ bool flush(EXPORT& run)
 bool writeStation(EXPORT& run, int number)
 {
     if (run.collection.loadStation(number, run.station, true) != collection::LoadResult::ok) {
-        run.damaged.push_back(number);
+        run.damaged.add(number);
         return true;
     }
     if (sampleSelectionIsActive(run.collection))
@@ -183,15 +184,6 @@ Outcome writeAll(EXPORT& run)
         if (!writeStation(run, list[i].number)) return Outcome::unwritable;
     }
     return flush(run) ? Outcome::complete : Outcome::unwritable;
-}
-
-void tellDamage(const EXPORT& run)
-{
-    if (run.damaged.empty()) return;
-    std::string numbers;
-    for (const int number : run.damaged) numbers += format(" %d", number);
-    run.user.note(format("%s.hob, .dob: damaged stations are left out:%s", run.collection.path.c_str(),
-                         numbers.c_str()));
 }
 
 } // namespace
@@ -242,7 +234,7 @@ bool exportSpreadsheet(RCollection& collection, STATIONDATA& station, const std:
     }
     if (current > 0 && collection.loadStation(current, station, true) != collection::LoadResult::ok)
         station.clear();
-    tellDamage(run);
+    run.damaged.tell(collection.path, user);
     if (outcome == Outcome::unwritable) user.about(caption, format("Could not write file %s!", path.c_str()));
     if (outcome == Outcome::aborted) user.setAbort(false);
     if (outcome == Outcome::complete && user.interactive())
