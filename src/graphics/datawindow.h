@@ -54,6 +54,14 @@ struct DATAWINDOW {
     std::int32_t autoLabels = 1;
 };
 
+// What a window's plot is made with beyond its record.
+struct PLOTOPTIONS {
+    std::int32_t dotColor = 1;  // palette index of points without a colour variable
+    std::int32_t allPoints = 0; // every point goes behind the coloured ones
+    std::int32_t allPointsColor = 8;
+    float allPointsSize = 0.5f; // mm
+};
+
 // An entry of a base map layer list.
 struct LAYERENTRY {
     char name[84] = "";                           // file name, with ".cdt"
@@ -99,6 +107,7 @@ struct GRAPHICSSETUP {
     int mode = modeStation;
     MAPWINDOW map;
     std::array<std::array<DATAWINDOW, common::maxDataWindows>, modeCount> windows;
+    std::array<std::array<PLOTOPTIONS, common::maxDataWindows>, modeCount> options;
     std::array<std::int32_t, modeCount> windowCount{};
     std::array<BOX, modeCount + 1> mapBoxes{}; // where the map stands in each mode; index mode + 1
     PSSETTINGS postScript;
@@ -110,6 +119,10 @@ struct GRAPHICSSETUP {
     [[nodiscard]] DATAWINDOW& window(int number)
     {
         return windows[static_cast<std::size_t>(mode)][static_cast<std::size_t>(number - 1)];
+    }
+    [[nodiscard]] PLOTOPTIONS& optionsOf(int number)
+    {
+        return options[static_cast<std::size_t>(mode)][static_cast<std::size_t>(number - 1)];
     }
 };
 

@@ -47,6 +47,9 @@ void PlotScatterMode(QPainter* p, PLOTCONTEXT& context, bool full);
 // The one entry for a new picture: the map if it is marked, then the mode's windows, then the map's top.
 void RedrawCanvas(QPainter* p, PLOTCONTEXT& context, bool full);
 
+// The list of selected stations anew, without a picture, if the map is marked to be drawn.
+void refreshSelection(PLOTCONTEXT& context);
+
 // --- PostScript forms
 void WriteMapWindow(std::FILE* ps, PLOTCONTEXT& context);
 void WriteStationWindows(std::FILE* ps, PLOTCONTEXT& context);
