@@ -260,6 +260,27 @@ TEST(UnpackCells, ValuesThatAreNoNumbersBecomeMissing)
     EXPECT_EQ(flags[0], 8);
 }
 
+TEST(UnpackCells, NoNumberIsMissedAtAnyPlace)
+{
+    for (std::size_t cells = 1; cells <= 9; ++cells) {
+        for (std::size_t at = 0; at < cells; ++at) {
+            for (const float bad :
+                 {std::numeric_limits<float>::quiet_NaN(), -std::numeric_limits<float>::quiet_NaN(),
+                  std::numeric_limits<float>::infinity()}) {
+                std::array<float, 9> given;
+                given.fill(-1.5f);
+                given.at(at) = bad;
+                std::array<std::byte, 45> block{};
+                std::memcpy(block.data(), given.data(), cells * sizeof(float));
+                std::array<float, 9> values{};
+                std::array<std::uint8_t, 9> flags{};
+                unpackCells(block.data(), cells, false, values.data(), flags.data());
+                for (std::size_t i = 0; i < cells; ++i) EXPECT_EQ(values.at(i), i == at ? missing : -1.5f);
+            }
+        }
+    }
+}
+
 // --- opening
 
 TEST(OpenStationFiles, EmptyWritableCollectionGetsTheMagic)
