@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -140,23 +141,35 @@ public:
     [[nodiscard]] bool scanHeaders(int first, int last, Visit&& visit, Damaged&& damaged);
 
     // --- inventory (`.inv`, `.cid`)
-    int readInventory(bool force, common::RUser& user); // returns cruiseCount
+    // The entry point of an opening: reads `.inv` if it is current, otherwise (and if forced) builds the
+    // tables of all stations and writes both files. Returns cruiseCount.
+    int readInventory(bool force, common::RUser& user);
+    // The table of all stations or of the selected ones; the latter is a copy where all are selected.
+    int makeInventoryTables(bool allStations, common::RUser& user);
+    // Goes through all stations, or through the `.val` list, and replaces one table. Returns its entries.
     int buildInventory(bool allStations, common::RUser& user);
     [[nodiscard]] bool writeInventoryFile();
+    // False, with nothing changed, if the file is missing, not of the form, or not of this collection.
     [[nodiscard]] bool readInventoryFile();
-    [[nodiscard]] std::vector<std::int32_t> readCruiseIndices(bool force); // `.cid`: one a station
+    // Index in `cruises` of each station, by station number - 1; from `.cid` if that is current, otherwise
+    // (and if forced) from the headers. A station that matches no entry has 0.
+    [[nodiscard]] std::vector<std::int32_t> readCruiseIndices(bool force);
 
-    // --- side files
+    // --- side files, see also collection/sidefiles.h
     void addLogLine(std::string_view message, const std::string& userName, const std::string& hostName);
-    [[nodiscard]] int getVariableId(std::string_view key) const; // `.idv`; 0 if there is none
+    // The collection variable that plays a role, by `.idv`; 0 if there is none.
+    [[nodiscard]] int getVariableId(std::string_view key) const;
     [[nodiscard]] bool setVariableId(std::string_view key, int number);
-    // After the variables were set: removes `.idv`, sets stationCount 0, logs CREATE, writes `.var`.
+    // After path, type and variables were set: removes `.idv`, sets stationCount 0, writes `.var`, logs
+    // CREATE. The station files are made by the opening that follows.
     [[nodiscard]] bool createEmptyFiles(const std::string& userName, const std::string& hostName);
-    void makeTempId();                       // a new prefix, unlike the last
-    [[nodiscard]] bool openTemporaryFiles(); // `.val`, `.sel`
-    void closeTemporaryFiles();
+    [[nodiscard]] std::string infoFile() const; // where the free description is
+    void makeTempId();                          // a new prefix, unlike the last
+    // Makes `.val` and `.sel` in tempDirectory, with a new tempId if the present one is taken.
+    [[nodiscard]] bool openTemporaryFiles();
+    void closeTemporaryFiles(); // and deletes all files of this tempId
 
-    // Everything as before the first open; files are closed.
+    // Everything as before the first open; files are closed. `stages` and tempDirectory stay.
     void reset();
 
 private:
@@ -178,6 +191,12 @@ private:
     [[nodiscard]] bool takeOutOfPlace(int number, const STATIONDATA& station);
     void noteMoved(int number, const STATIONHDR& header);
     void applyStages(STATIONDATA& station);
+
+    int buildFullInventory(common::RUser& user);
+    int buildSelectedInventory(common::RUser& user);
+    void forEachSelected(const std::function<void(std::int32_t)>& visit) const;
+    [[nodiscard]] bool readCruiseIndexFile(std::vector<std::int32_t>& indices) const;
+    void writeCruiseIndices(std::vector<std::int32_t> indices) const;
 };
 
 // --- template

@@ -18,11 +18,6 @@ constexpr double ticLength = 1.25 * widthOfW, ticsToYLabel = 1.95 * ticLength; /
 constexpr double xLabelDistance = 1.75;                                        // base font sizes
 constexpr double zLabelHeight = 1.03;                                          // of the plot's height
 
-double cm(double points)
-{
-    return points * static_cast<double>(fontSettings().factor) / pointsPerCm;
-}
-
 // Of the numbers of an axis, in font sizes.
 double widestNumber(const TICS& tics, float high)
 {
@@ -38,7 +33,7 @@ double widestNumber(const TICS& tics, float high)
 
 double colorBarRoom(const DATAWINDOW& w, double font)
 {
-    const double barFont = cm(std::max(barShare * font, smallestBarFont));
+    const double barFont = textCm(std::max(barShare * font, smallestBarFont));
     const double least = leastBar * static_cast<double>(w.xLen);
     const double numbers = widestNumber(ChooseTics(w.zMin, w.zMax), w.zMax) + 0.5;
     return std::max(barGap, least) + 1.075 * std::max(barWidth, least) + numbers * barFont;
@@ -46,7 +41,7 @@ double colorBarRoom(const DATAWINDOW& w, double font)
 
 double stampRoom(double font)
 {
-    return cm(font) * (stampGap + stampShare * labelHeight);
+    return textCm(font) * (stampGap + stampShare * labelHeight);
 }
 
 EXTENT plotArea(float x, float y, float width, float height)
@@ -60,13 +55,13 @@ EXTENT plainExtent(const DATAWINDOW& w)
     EXTENT e = plotArea(w.xOrg, w.yOrg, w.xLen, w.yLen);
     const double font = static_cast<double>(baseFontSize(w.xLen, w.yLen));
     const float axisFont = static_cast<float>(axisShare * font);
-    const double axis = cm(axisShare * font), label = labelHeight * cm(font);
+    const double axis = textCm(axisShare * font), label = labelHeight * textCm(font);
     double right = stampRoom(font);
     if (w.axisColor >= 0) {
         const TICS x = FitTics(w.xMin, w.xMax, w.xLen, axisFont, false);
         const TICS y = FitTics(w.yMin, w.yMax, w.yLen, axisFont, true);
         e.left -= (ticsToYLabel + widestNumber(y, w.yMax)) * axis + label / 2;
-        e.bottom -= xLabelDistance * cm(font) + label;
+        e.bottom -= xLabelDistance * textCm(font) + label;
         right = std::max(right, widestNumber(x, w.xMax) / 2 * axis);
     }
     if (w.zVar != 0) {
@@ -84,12 +79,12 @@ EXTENT mapExtent(const MAPWINDOW& map)
     const double widestDegrees = textWidth("180\260W");
     const MAPGEOMETRY& g = map.geometry;
     const double font = static_cast<double>(baseFontSize(g.xlen, g.ylen));
-    const double label = cm(mapShare * font);
+    const double label = textCm(mapShare * font);
     EXTENT e = plotArea(g.xorg, g.yorg, g.xlen, g.ylen);
     double right = std::max(widestDegrees / 2 * label, stampRoom(font));
     if (map.colorBar) {
         const double bar = std::max(barGap, leastBar * static_cast<double>(g.xlen));
-        right = std::max(right, 2.075 * bar + textWidth("6000 m ") * 0.75 * cm(font));
+        right = std::max(right, 2.075 * bar + textWidth("6000 m ") * 0.75 * textCm(font));
     }
     e.left -= (ticLength + widestDegrees) * label;
     e.bottom -= (ticLength + labelHeight) * label;

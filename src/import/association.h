@@ -18,8 +18,8 @@ struct ASSOCIATIONRESULT {
     SECONDCHOICES second;
 };
 
-// Links sources and targets by the known names of WHP files and by equal labels, case ignored. Index 0 of both
-// spans is no variable. All earlier links are cleared.
+// Links sources and targets by the known names of WHP files and by equal labels, case ignored. Index 0 of
+// both spans is no variable. All earlier links are cleared.
 ASSOCIATIONRESULT associateByLabel(std::span<collection::VARINFO> sources,
                                    std::span<collection::VARINFO> targets);
 

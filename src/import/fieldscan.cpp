@@ -163,7 +163,8 @@ bool scanInt(const char*& p, const char* end, char separator, int& value)
     if (*next == '-' || *next == '+') ++next;
     if (next >= end || !isDigit(*next)) return false;
     std::int64_t number = 0;
-    for (; isDigit(*next); ++next) number = std::min<std::int64_t>(number * 10 + (*next - '0'), INT64_MAX / 100);
+    for (; isDigit(*next); ++next)
+        number = std::min<std::int64_t>(number * 10 + (*next - '0'), INT64_MAX / 100);
     p = next;
     if (negative) number = -number;
     if (number < std::numeric_limits<int>::min() || number > std::numeric_limits<int>::max()) return false;

@@ -17,8 +17,9 @@ bool checkHeader(collection::STATIONHDR& header, std::string& message)
         message += common::format("Invalid time %02d:%02d (hh.sMM).\n", header.hour, header.minute);
     // Written so that a not-a-number is refused.
     if (!(std::abs(header.longitude) <= 360) || !(std::abs(header.latitude) <= 90))
-        message += common::format("Invalid location %g/%g (lon/lat).\n", static_cast<double>(header.longitude),
-                                  static_cast<double>(header.latitude));
+        message +=
+            common::format("Invalid location %g/%g (lon/lat).\n", static_cast<double>(header.longitude),
+                           static_cast<double>(header.latitude));
     return message.size() == before;
 }
 

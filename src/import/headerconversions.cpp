@@ -59,11 +59,21 @@ void convertDay(int id, double x, HEADERTIME& time)
 {
     const double whole = std::floor(x);
     switch (id) {
-    case 2: setDateDigits(x, time); return;
-    case 3: setDateDigits(whole, time); break;
-    case 4: setMonthAndDay(x, time); break;
-    case 5: setMonthAndDay(x, time); return;
-    default: time.day = truncated(whole); break;
+    case 2:
+        setDateDigits(x, time);
+        return;
+    case 3:
+        setDateDigits(whole, time);
+        break;
+    case 4:
+        setMonthAndDay(x, time);
+        break;
+    case 5:
+        setMonthAndDay(x, time);
+        return;
+    default:
+        time.day = truncated(whole);
+        break;
     }
     ++time.day; // the fractional forms count from zero
     setTimeOfDay(x - whole, time);
@@ -101,21 +111,35 @@ void convertTimeOfDay(int id, double x, HEADERTIME& time)
     constexpr double unitsAnHour[] = {10000, 100, 1, 60, 3600}; // ids 12 to 16
     time.hour = truncated(x / unitsAnHour[id - 12]);
     switch (id) {
-    case 12: time.minute = truncated(x / 100 - 100.0 * time.hour); break;
-    case 13: time.minute = truncated(x - 100.0 * time.hour); break;
-    case 14: time.minute = truncated(60 * (x - time.hour)); break;
-    case 15: time.minute = truncated(x - 60.0 * time.hour); break;
-    default: time.minute = truncated((x - 3600.0 * time.hour) / 60); break;
+    case 12:
+        time.minute = truncated(x / 100 - 100.0 * time.hour);
+        break;
+    case 13:
+        time.minute = truncated(x - 100.0 * time.hour);
+        break;
+    case 14:
+        time.minute = truncated(60 * (x - time.hour));
+        break;
+    case 15:
+        time.minute = truncated(x - 60.0 * time.hour);
+        break;
+    default:
+        time.minute = truncated((x - 3600.0 * time.hour) / 60);
+        break;
     }
 }
 
 double daysOf(int id, double x)
 {
     switch (id) {
-    case hoursSinceRow: return x / 24;
-    case minutesSinceRow: return x / 60 / 24;
-    case secondsSinceRow: return x / 60 / 60 / 24;
-    default: return x;
+    case hoursSinceRow:
+        return x / 24;
+    case minutesSinceRow:
+        return x / 60 / 24;
+    case secondsSinceRow:
+        return x / 60 / 60 / 24;
+    default:
+        return x;
     }
 }
 
@@ -170,8 +194,8 @@ bool referenceDayOf(std::string_view label, double& referenceDay)
     if (month < 1 || month > 12 || day < 1 || day > 31) return false;
     if (takePart(rest, ":", hour) && takePart(rest, ":", minute) && !common::takeDouble(rest, second))
         second = 0;
-    referenceDay = static_cast<double>(common::dayNumber(year, month, day)) +
-                   (hour + (minute + second / 60) / 60) / 24;
+    referenceDay =
+        static_cast<double>(common::dayNumber(year, month, day)) + (hour + (minute + second / 60) / 60) / 24;
     return true;
 }
 
@@ -202,8 +226,8 @@ bool convertToYears(int id, double x, double referenceDay, double& years)
     HEADERTIME time{0, 1, 1, 0, 0};
     if (!givesDate(id) || !convertHeaderTime(id, x, referenceDay, time)) return false;
     const double days = common::isLeapYear(time.year) ? 366 : 365;
-    years = static_cast<double>(time.year) +
-            (dayOfYear(time) - 1 + (time.hour + time.minute / 60.0) / 24) / days;
+    years =
+        static_cast<double>(time.year) + (dayOfYear(time) - 1 + (time.hour + time.minute / 60.0) / 24) / days;
     return true;
 }
 

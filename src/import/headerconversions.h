@@ -71,8 +71,8 @@ struct HEADERTIME {
     bool operator==(const HEADERTIME&) const = default;
 };
 
-// Reads `x` as row `id` tells. `referenceDay` is the origin of the "since" rows. False, with `time` as it was,
-// for rows 0 and 1, for numbers that are not finite or beyond any date, and for a month outside 1 to 12.
+// Reads `x` as row `id` tells. `referenceDay` is the origin of the "since" rows. False, with `time` as it
+// was, for rows 0 and 1, for numbers that are not finite or beyond any date, and for a month outside 1 to 12.
 [[nodiscard]] bool convertHeaderTime(int id, double x, double referenceDay, HEADERTIME& time);
 
 // The same as a fractional year, and as a day of the year (1 on 1 January); for rows where givesDate holds.

@@ -77,8 +77,7 @@ RLineReader::Result RLineReader::next(std::string_view& line)
     std::size_t searched = begin_;
     for (;;) {
         const char* const start = buffer_.data() + searched;
-        const auto* const found =
-            static_cast<const char*>(std::memchr(start, terminator_, end_ - searched));
+        const auto* const found = static_cast<const char*>(std::memchr(start, terminator_, end_ - searched));
         if (found || (atEnd_ && begin_ < end_)) {
             const char* const first = buffer_.data() + begin_;
             const char* const last = found ? found : buffer_.data() + end_;

@@ -84,7 +84,8 @@ void scanTime(std::string_view text, HEADERTIME& time)
 void convertField(const SPREADSHEETDESC& desc, int meta, std::string_view text, HEADERTIME& time)
 {
     double x = 0;
-    if (scanField(text, x) && convertHeaderTime(desc.convId[index(meta)], x, desc.referenceDay[index(meta)], time))
+    if (scanField(text, x) &&
+        convertHeaderTime(desc.convId[index(meta)], x, desc.referenceDay[index(meta)], time))
         return;
     if (meta == metaDate) time = {};
 }
@@ -107,7 +108,8 @@ HEADERTIME timeOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields)
     return time;
 }
 
-float numberOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int meta, float standard, float unreadable)
+float numberOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int meta, float standard,
+               float unreadable)
 {
     if (desc.metaColumn[index(meta)] < 0) return standard;
     float value = 0;
@@ -159,7 +161,8 @@ METASPLIT splitMeta(const SPREADSHEETDESC& desc, std::string_view line)
     return split;
 }
 
-STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int runningNumber, bool& fileIsUtf8)
+STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int runningNumber,
+                    bool& fileIsUtf8)
 {
     STATIONHDR header{};
     setLabels(desc, fields, runningNumber, fileIsUtf8, header);
@@ -178,8 +181,8 @@ STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int r
 bool isSameStation(const STATIONHDR& a, const STATIONHDR& b)
 {
     return a.longitude == b.longitude && a.latitude == b.latitude && a.day == b.day && a.month == b.month &&
-           a.year == b.year && std::strcmp(a.station, b.station) == 0 && std::strcmp(a.cruise, b.cruise) == 0 &&
-           std::strcmp(a.type, b.type) == 0;
+           a.year == b.year && std::strcmp(a.station, b.station) == 0 &&
+           std::strcmp(a.cruise, b.cruise) == 0 && std::strcmp(a.type, b.type) == 0;
 }
 
 } // namespace importing

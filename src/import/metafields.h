@@ -15,17 +15,18 @@ struct METAFIELDS {
     int count = 0; // fields of the line, as far as the last metavariable
 };
 
-// Splits off the metavariables. `rest` receives the line behind the last of them and its separator; it is empty
-// with `restExists` false if the line ends there.
+// Splits off the metavariables. `rest` receives the line behind the last of them and its separator; it is
+// empty with `restExists` false if the line ends there.
 struct METASPLIT {
     METAFIELDS fields;
-    std::size_t length = 0; // bytes up to and with the separator behind the last metavariable; 0: line ends first
+    std::size_t length =
+        0; // bytes up to and with the separator behind the last metavariable; 0: line ends first
 };
 [[nodiscard]] METASPLIT splitMeta(const SPREADSHEETDESC& desc, std::string_view line);
 
 // The header that the fields give. `fileIsUtf8` becomes false with the first label that is not UTF-8.
-// `runningNumber` labels the station where neither a column nor a default does. A date that can't be read gives
-// 0/0/0, a position that can't be read MISSING_VALUE: the header check refuses both.
+// `runningNumber` labels the station where neither a column nor a default does. A date that can't be read
+// gives 0/0/0, a position that can't be read MISSING_VALUE: the header check refuses both.
 [[nodiscard]] collection::STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields,
                                               int runningNumber, bool& fileIsUtf8);
 

@@ -37,10 +37,14 @@ bool looksLike(int meta, const std::string& label)
     const std::string lower = common::toLower(label);
     const auto holds = [&](std::string_view part) { return lower.find(part) != std::string::npos; };
     switch (meta) {
-    case metaDate: return sinceRowOf(label) >= 0;
-    case metaLongitude: return holds("degree_e") || holds("degrees_e");
-    case metaLatitude: return holds("degree_n") || holds("degrees_n");
-    default: return false;
+    case metaDate:
+        return sinceRowOf(label) >= 0;
+    case metaLongitude:
+        return holds("degree_e") || holds("degrees_e");
+    case metaLatitude:
+        return holds("degree_n") || holds("degrees_n");
+    default:
+        return false;
     }
 }
 
@@ -49,7 +53,8 @@ int columnOf(const SPREADSHEETDESC& desc, std::span<const std::string> labels, i
 {
     const auto isFree = [&](std::size_t column) { return desc.role[column] < 0; };
     for (std::size_t column = 0; column < labels.size(); ++column) {
-        if (isFree(column) && common::equalsIgnoreCase(labels[column], metaLabels[static_cast<std::size_t>(meta)]))
+        if (isFree(column) &&
+            common::equalsIgnoreCase(labels[column], metaLabels[static_cast<std::size_t>(meta)]))
             return static_cast<int>(column);
     }
     for (std::size_t column = 0; loosely && column < labels.size(); ++column) {
@@ -85,7 +90,8 @@ public:
     // Line `number` from 1; null if the file has no such line.
     [[nodiscard]] const std::string* line(int number)
     {
-        while (static_cast<int>(lines_.size()) < number && takeLine()) {}
+        while (static_cast<int>(lines_.size()) < number && takeLine()) {
+        }
         const bool exists = number >= 1 && number <= static_cast<int>(lines_.size());
         return exists ? &lines_[static_cast<std::size_t>(number - 1)] : nullptr;
     }
@@ -164,10 +170,10 @@ std::string refusal(const SETTLING& settling)
 {
     SPREADSHEETDESC desc = settling.header.desc;
     const std::vector<int> missing = findMetaColumns(desc, settling.labels, false, false);
-    std::string text =
-        format("File %s is not a spreadsheet in the standard layout.\n\nHeader line, first data line and column "
-               "separator",
-               settling.path.c_str());
+    std::string text = format(
+        "File %s is not a spreadsheet in the standard layout.\n\nHeader line, first data line and column "
+        "separator",
+        settling.path.c_str());
     if (!missing.empty()) text += ", and columns or defaults for " + namesOf(missing) + ",";
     return text + " would have to be given by a user.";
 }
@@ -196,7 +202,8 @@ HeaderResult settleColumns(SETTLING& settling)
     const std::vector<int> missing =
         findMetaColumns(header.desc, settling.labels, header.standardLayout, false);
     if (settling.settler != nullptr) {
-        const bool goOn = missing.empty() || settling.settler->settleHeaderVariables(header.desc, settling.labels);
+        const bool goOn =
+            missing.empty() || settling.settler->settleHeaderVariables(header.desc, settling.labels);
         return goOn ? HeaderResult::ok : HeaderResult::cancelled;
     }
     std::vector<int> absent;

@@ -42,15 +42,15 @@ inline constexpr std::array<SEPARATORROW, 4> separators = {
 struct SPREADSHEETDESC {
     char sepChars;
     int sepIndex;
-    int headerLine;                              // number of the column labels' line, from 1
-    int firstDataLine;                           // number of the first data line
-    std::array<int, maxColumns> role;            // -1 data or unknown, else a Meta
-    std::array<int, metaCount> metaColumn;       // column of each metavariable from 0, -1 none
-    int nMeta;                                   // metavariables that have a column
-    std::array<int, metaCount> convId;           // row of headerconversions.h, -1 none
-    std::array<float, metaCount> convA, convB;   // constants of the linear conversion
-    std::array<double, metaCount> referenceDay;  // origin of a "since" conversion, a day number
-    float missingValue;                          // stands for no value in the file
+    int headerLine;                             // number of the column labels' line, from 1
+    int firstDataLine;                          // number of the first data line
+    std::array<int, maxColumns> role;           // -1 data or unknown, else a Meta
+    std::array<int, metaCount> metaColumn;      // column of each metavariable from 0, -1 none
+    int nMeta;                                  // metavariables that have a column
+    std::array<int, metaCount> convId;          // row of headerconversions.h, -1 none
+    std::array<float, metaCount> convA, convB;  // constants of the linear conversion
+    std::array<double, metaCount> referenceDay; // origin of a "since" conversion, a day number
+    float missingValue;                         // stands for no value in the file
     char defCruise[21], defStation[21], defType[2];
     float defLon, defLat, defBotDepth;
     std::int16_t defDay, defMonth, defYear, defHour, defMinute;
@@ -63,14 +63,18 @@ struct SPREADSHEETHEADER {
     bool standardLayout = false;
     bool fileIsUtf8 = true;
 
-    [[nodiscard]] int sourceCount() const { return sources.empty() ? 0 : static_cast<int>(sources.size()) - 1; }
+    [[nodiscard]] int sourceCount() const
+    {
+        return sources.empty() ? 0 : static_cast<int>(sources.size()) - 1;
+    }
 };
 
 // Asks a user what the file itself does not tell; false if the user cancels the import.
 class RSpreadsheetSettler {
 public:
     virtual ~RSpreadsheetSettler() = default;
-    // Separator, header line, first data line and missing value. `firstLines` are the first 9 lines, as UTF-8.
+    // Separator, header line, first data line and missing value. `firstLines` are the first 9 lines, as
+    // UTF-8.
     [[nodiscard]] virtual bool settleProperties(SPREADSHEETDESC& desc,
                                                 std::span<const std::string> firstLines) = 0;
     // Columns, conversions and defaults of the metavariables. `labels` are the column labels, as UTF-8.
@@ -78,21 +82,29 @@ public:
                                                      std::span<const std::string> labels) = 0;
 };
 
-enum class HeaderResult : int { ok = 0, cancelled = 1, unreadable = 2, empty = 3, badLine = 4, unsettled = 5 };
+enum class HeaderResult : int {
+    ok = 0,
+    cancelled = 1,
+    unreadable = 2,
+    empty = 3,
+    badLine = 4,
+    unsettled = 5
+};
 
-// Reads the layout of a file. With `settler` null nobody is asked: the other separators are tried, columns that
-// a standard layout lacks take their defaults, both with a note, and a file in no standard layout is refused
-// with one message that tells what would have to be given. Every failure but a cancel has been told.
+// Reads the layout of a file. With `settler` null nobody is asked: the other separators are tried, columns
+// that a standard layout lacks take their defaults, both with a note, and a file in no standard layout is
+// refused with one message that tells what would have to be given. Every failure but a cancel has been told.
 [[nodiscard]] HeaderResult readSpreadsheetHeader(const std::string& path, RSpreadsheetSettler* settler,
                                                  common::RUser& user, SPREADSHEETHEADER& header);
 
 // --- the steps of it
 
-// Everything as it is before a file was looked at; defaults for its stations: the cruise label from the file's
-// name, the date of today.
+// Everything as it is before a file was looked at; defaults for its stations: the cruise label from the
+// file's name, the date of today.
 [[nodiscard]] SPREADSHEETDESC defaultDescription(std::string_view path);
 
-// The cruise label of a file that holds none: from its name, at most 20 bytes; "unknown Cruise" without a name.
+// The cruise label of a file that holds none: from its name, at most 20 bytes; "unknown Cruise" without a
+// name.
 [[nodiscard]] std::string cruiseLabelOf(std::string_view path);
 
 // The labels of a header line as UTF-8, trimmed by the label rule; at most 107.
@@ -102,9 +114,9 @@ enum class HeaderResult : int { ok = 0, cancelled = 1, unreadable = 2, empty = 3
 [[nodiscard]] bool isStandardLayout(std::span<const std::string> labels);
 
 // Finds the columns of the metavariables and sets metaColumn, role, nMeta and, for a date that is a count
-// since some day, its conversion. Only outside the standard layout looser tests apply. Returns the Meta values
-// without a column that a user has to settle: the time only if `timeWanted` outside the standard layout, the
-// date not in the standard layout.
+// since some day, its conversion. Only outside the standard layout looser tests apply. Returns the Meta
+// values without a column that a user has to settle: the time only if `timeWanted` outside the standard
+// layout, the date not in the standard layout.
 std::vector<int> findMetaColumns(SPREADSHEETDESC& desc, std::span<const std::string> labels, bool standard,
                                  bool timeWanted);
 

@@ -24,7 +24,7 @@ using common::format;
 using common::MISSING_VALUE;
 
 constexpr std::string_view caption = "NVQ Data Import";
-constexpr std::size_t growth = 500;           // levels by which the sample buffers grow
+constexpr std::size_t growth = 500;             // levels by which the sample buffers grow
 constexpr int mostCells = common::maxCells - 1; // of a station that is read
 constexpr int mostBottleLevels = 250;
 
@@ -72,7 +72,8 @@ PLAN planOf(std::span<const VARINFO> sources, std::span<const VARINFO> targets)
 struct RSpreadsheetReader::State {
     State(const SPREADSHEETHEADER& h, std::span<const VARINFO> t, KEYVARIABLES k, common::RUser& u)
         : header(h), desc(header.desc), targets(t), keys(k), user(u), plan(planOf(header.sources, targets)),
-          samples(targets.size()), lastMeta(*std::max_element(desc.metaColumn.begin(), desc.metaColumn.end())),
+          samples(targets.size()),
+          lastMeta(*std::max_element(desc.metaColumn.begin(), desc.metaColumn.end())),
           fileIsUtf8(header.fileIsUtf8)
     {
         // Lines of one station begin with the same bytes: then nothing of their metadata is read again.
@@ -130,7 +131,7 @@ struct RSpreadsheetReader::State {
     std::int64_t levels = 0;      // of the station being read, also beyond the limit
     const int lastMeta;
     bool fileIsUtf8;
-    bool begun = false;
+    bool begun = false, refused = false;
     int stationsRead = 0;
 };
 
@@ -141,9 +142,13 @@ bool RSpreadsheetReader::State::takeLine()
     hasLine = false;
     line = {};
     switch (lines.next(line)) {
-    case RLineReader::Result::line: return true;
-    case RLineReader::Result::end: return false;
-    default: failure = readBadData; return false;
+    case RLineReader::Result::line:
+        return true;
+    case RLineReader::Result::end:
+        return false;
+    default:
+        failure = readBadData;
+        return false;
     }
 }
 
@@ -328,8 +333,10 @@ std::int64_t RSpreadsheetReader::State::readStation(STATIONDATA& station)
         if (!hasLine) return failure;
         std::string fault;
         if (!checkHeader(lineHeader, fault)) {
-            user.about(caption, format("Line %d: %s\nImport will be aborted.", lines.lineNumber(), fault.c_str()));
+            user.about(caption,
+                       format("Line %d: %s\nImport will be aborted.", lines.lineNumber(), fault.c_str()));
             hasLine = false;
+            refused = true;
             return readEnd;
         }
         if (!readLevels()) return failure;
@@ -384,6 +391,11 @@ int RSpreadsheetReader::lineNumber() const
 std::string_view RSpreadsheetReader::currentLine() const
 {
     return state_->line;
+}
+
+bool RSpreadsheetReader::refusedHeader() const
+{
+    return state_->refused;
 }
 
 } // namespace importing

@@ -61,7 +61,8 @@ TEST(PotentialTemperature, AgreesWithTheCheckValue)
 
 TEST(PotentialTemperature, AtItsOwnPressureIsTheTemperature)
 {
-    for (float p = 0; p <= 10000; p += 2500) EXPECT_FLOAT_EQ(float(potentialTemperature(p, 12.5f, 35, p)), 12.5f);
+    for (float p = 0; p <= 10000; p += 2500)
+        EXPECT_FLOAT_EQ(float(potentialTemperature(p, 12.5f, 35, p)), 12.5f);
 }
 
 TEST(PotentialTemperature, WithExchangedPressuresGivesTheTemperatureInSitu)

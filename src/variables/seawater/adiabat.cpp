@@ -7,11 +7,12 @@ double adiabaticLapseRate(float pressure, float temperature, float salinity)
     const double p = 0.1 * pressure; // bar
     const double t = temperature;
     const double s = static_cast<double>(salinity) - 35.0;
-    const double perBar =
-        (((-2.1687e-13 * t + 1.8676e-11) * t - 4.6206e-10) * p +
-         ((2.7759e-10 * t - 1.1351e-8) * s + ((-5.4481e-12 * t + 8.733e-10) * t - 6.7795e-8) * t + 1.8741e-6)) *
-            p +
-        (-4.2393e-7 * t + 1.8932e-5) * s + ((6.6228e-9 * t - 6.836e-7) * t + 8.5258e-5) * t + 3.5803e-4;
+    const double perBar = (((-2.1687e-13 * t + 1.8676e-11) * t - 4.6206e-10) * p +
+                           ((2.7759e-10 * t - 1.1351e-8) * s +
+                            ((-5.4481e-12 * t + 8.733e-10) * t - 6.7795e-8) * t + 1.8741e-6)) *
+                              p +
+                          (-4.2393e-7 * t + 1.8932e-5) * s +
+                          ((6.6228e-9 * t - 6.836e-7) * t + 8.5258e-5) * t + 3.5803e-4;
     return 100.0 * perBar;
 }
 

@@ -6,7 +6,8 @@
 namespace seawater {
 
 // Adiabatic lapse rate [degC per 1000 dbar]. The polynomial is evaluated in bars.
-// Source: Bryden (1973), in Fofonoff and Millard (1983). Check: adiabaticLapseRate(10000, 40, 40) = 0.3255976.
+// Source: Bryden (1973), in Fofonoff and Millard (1983). Check: adiabaticLapseRate(10000, 40, 40) =
+// 0.3255976.
 [[nodiscard]] double adiabaticLapseRate(float pressure, float temperature, float salinity);
 
 // The same [degC per dbar], evaluated in decibars; the two differ by rounding.

@@ -1,0 +1,48 @@
+#pragma once
+
+// The small files beside a collection's description and station files, as far as no open collection is
+// needed.
+
+#include <array>
+#include <ctime>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace collection {
+
+// The time of a log line: "MMM/dd/yyyy hh:mm:ss" in local time, with English months.
+[[nodiscard]] std::string logTime(std::time_t time);
+// The time of the last change of a file in the same form; empty if there is no such file.
+[[nodiscard]] std::string fileTime(const std::string& file);
+
+// The `.cfl` file: names of the files that were used last. They are absolute here and relative to the
+// collection's directory in the file; an empty name is an empty line. The reader cuts extensions.
+struct LASTFILES {
+    std::string configName;            // line 1
+    std::string graphics;              // line 2: the graphics export
+    std::array<std::string, 3> others; // lines 3 to 5, kept in their order
+};
+// Names whose lines are missing keep their value. False if the file can't be read.
+[[nodiscard]] bool readLastFiles(const std::string& basePath, const std::string& directory, LASTFILES& files);
+[[nodiscard]] bool writeLastFiles(const std::string& basePath, const std::string& directory,
+                                  const LASTFILES& files);
+
+// True if a collection with this base path may be changed: its directory allows writing and, unless it is
+// new, so do its description and its station files, as far as they exist.
+[[nodiscard]] bool filesAreWritable(const std::string& basePath, const std::string& directory, bool isNew);
+inline constexpr std::string_view writeProtectedText =
+    "Collection files and/or collection directory are write-protected!\n\nData may not be modified!";
+
+// Suffixes of a collection's files in the order in which a removal takes them. The log and the default
+// configuration come last and are taken only on request.
+inline constexpr auto collectionSuffixes =
+    std::to_array<std::string_view>({".hob", ".var", ".dob", ".inv", ".cid", ".idv", ".cfl", ".info"});
+// Removes the files of a closed collection. False, with nothing removed, if the `.hob` file can't go.
+[[nodiscard]] bool removeCollectionFiles(const std::string& basePath, bool withLog, bool withConfiguration);
+
+// True if the log tells of nothing but creations and imports, so that running these again gives the same
+// collection; false too if there is no log.
+[[nodiscard]] bool isMadeByImportsOnly(const std::string& basePath);
+
+} // namespace collection
