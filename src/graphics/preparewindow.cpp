@@ -106,7 +106,7 @@ FRAMECONTEXT frameContext(const PLOTCONTEXT& context)
 
 BASEMAPCONTEXT baseMapContext(const PLOTCONTEXT& context)
 {
-    return {context.installation, context.user, context.onCanvas};
+    return {context.installation, context.user, context.onCanvas, true, context.title};
 }
 
 std::vector<int> windowsToDraw(GRAPHICSSETUP& setup)
