@@ -9,7 +9,7 @@
 
 #include "graphics/drawing.h"
 #include "graphics/palette.h"
-#include "graphics/pictures.h"
+#include "graphics/scenes.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "graphics/pictures.h"
+#include "graphics/scenes.h"
 
 #include <cmath>
 #include <cstdlib>
