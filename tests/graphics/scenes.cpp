@@ -51,7 +51,7 @@ QImage painted(const Scene& scene)
     return image;
 }
 
-std::string written(const Scene& scene)
+std::string pageText(const Scene& scene)
 {
     std::FILE* file = std::tmpfile();
     if (!file) return {};

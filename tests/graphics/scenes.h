@@ -22,7 +22,7 @@ void useDevice(float widthCm, float heightCm, double dpi);
 [[nodiscard]] QImage painted(const Scene& scene);
 
 // What the scene writes, as text.
-[[nodiscard]] std::string written(const Scene& scene);
+[[nodiscard]] std::string pageText(const Scene& scene);
 
 [[nodiscard]] std::string preamblePath();
 [[nodiscard]] bool haveGhostscript();
