@@ -1,53 +1,70 @@
 #pragma once
 
-// Tics, frames, axis numbers and stamps.
+// Frames, axis numbers and stamps; with them the rules for tics.
 
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 #include <QPainter>
+#include <QPointF>
 
 #include "graphics/datawindow.h"
 #include "graphics/drawing.h"
+#include "graphics/tics.h"
 
 namespace graphics {
-
-// The tics of an axis. For a reversed axis both steps are negative.
-struct TICS {
-    float lo = 0, hi = 1; // adjusted limits
-    float start = 0;      // first major tic
-    float minor = 0.5f, major = 1;
-};
-[[nodiscard]] TICS ChooseTics(float a, float b);
-
-struct MAPTICS {
-    float start = 0, minor = 1, major = 1;
-    int first = 0, last = 0; // indices of major tics from start
-};
-[[nodiscard]] MAPTICS ChooseMapTics(float a, float b, bool latitude);
-// Thins labels to about one a centimetre.
-void FitLabels(int& first, int& last, float& major, float start, float a, float b, float axisLength);
 
 struct FRAMECONTEXT {
     const collection::RCollection& collection;
     std::string windowTitle; // the main window's title, for the stamp
     std::string user, date;  // for the collection stamp; date as "MMM/dd/yyyy hh:mm:ss"
-    std::string section;     // section file name, may be empty
+    std::string section;     // section file name without extension, may be empty
 };
-// The closing routine of a plain data window: stamp, frame, tics, numbers, axis labels. Clears toDraw on the
-// painter; ends the window's PostScript block.
+
+// The closing routine of a plain data window: stamp, frame, tics, numbers, axis labels. The window's user
+// system is in force. An axis colour below 0 leaves out frame, numbers and labels. Clears toDraw on the
+// painter; ends the window's PostScript block. labels: with the automatic axis labels, if the window has them
+// on.
 void DrawWindowFrame(QPainter* p, std::FILE* ps, const FRAMECONTEXT& context, int number, DATAWINDOW& window,
                      bool labels);
-// Painter side of the axes, in the current user system. They return the distance in cm from the frame to the
-// outer edge of the numbers, so that the caller can place a label.
+
+// Tics whose numbers fit on an axis of `length` cm from a to b at fontSize points: ChooseTics, with both
+// steps doubled as often as the numbers need it. across: the numbers stand across the axis, one above the
+// other.
+[[nodiscard]] TICS FitTics(float a, float b, float length, float fontSize, bool across);
+
+// The rectangle of the plot area in the current colour.
+void DrawFrame(QPainter* p);
+
+// Painter side of the axes, in the current user system and colour, below and left of the plot. fontSize is
+// that of the numbers, in points; grid: each major tic is a line across the plot; title: along the axis, may
+// be empty. They return the distance in cm from the frame at which a title stands: below the x axis the upper
+// edge of its box, left of the y axis its middle.
 float DrawXAxis(QPainter* p, const TICS& tics, float fontSize, bool grid, std::string_view title);
-float DrawYAxis(QPainter* p, const TICS& tics, float fontSize, bool grid, std::string_view title);
+// rotated: numbers run upward along the axis.
+float DrawYAxis(QPainter* p, const TICS& tics, float fontSize, bool grid, std::string_view title,
+                bool rotated = false);
+// Centred above the plot.
+void DrawTitle(QPainter* p, float fontSize, std::string_view title);
+
+// Frame, degree labels and, with the grid flag, graticule of a map whose user system is in force. The default
+// projection gets a border of boxes in turn black and white, the others their outline. Nothing for an axis
+// colour below 0.
 void DrawMapFrame(QPainter* p, std::FILE* ps, const MAPGEOMETRY& map, float fontSize, int axisColor,
                   bool grid, bool labels);
+
 // Small vertical label with the main window's title, right of the plot.
 void DrawStamp(QPainter* p, std::FILE* ps, std::string_view title, float fontSize, int color);
-// At the upper right of the page: who, when, and which collection, configuration and section.
+
+// Who, when, and which collection, configuration and section, with its upper right corner at `corner`: in cm
+// on the page in PostScript, whatever the page's scale is, and in cm of the device on the painter.
+void DrawCollectionStamp(QPainter* p, std::FILE* ps, const FRAMECONTEXT& context, float scale,
+                         const QPointF& corner);
+// The same at the upper right of the page (A4, above its picture area) or of the painter's device.
 void DrawCollectionStamp(QPainter* p, std::FILE* ps, const FRAMECONTEXT& context, float scale,
                          bool landscape);
+// Width and height in cm of the stamp.
+[[nodiscard]] QSizeF collectionStampSize(const FRAMECONTEXT& context);
 
 } // namespace graphics

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,7 +19,8 @@ namespace graphics {
 
 enum Mode : int { modeMap = -1, modeStation = 0, modeScatter = 1, modeSection = 2, modeSurface = 3 };
 inline constexpr int modeCount = 4;
-[[nodiscard]] const char* modeName(int mode); // "MAP", "STATION", ...
+[[nodiscard]] const char* modeName(int mode);                       // "MAP", "STATION", ...; "" for any other
+[[nodiscard]] std::optional<int> modeByName(std::string_view name); // case ignored
 
 enum PlotStyle : std::int32_t {
     styleDots = 0,
@@ -50,6 +52,14 @@ struct DATAWINDOW {
     char palette[84] = "Nvq.pal";
     std::int32_t background = 31, axisColor = 0, colorBar = 1, isoColor = 8;
     std::int32_t autoLabels = 1;
+};
+
+// What a window's plot is made with beyond its record.
+struct PLOTOPTIONS {
+    std::int32_t dotColor = 1;  // palette index of points without a colour variable
+    std::int32_t allPoints = 0; // every point goes behind the coloured ones
+    std::int32_t allPointsColor = 8;
+    float allPointsSize = 0.5f; // mm
 };
 
 // An entry of a base map layer list.
@@ -97,8 +107,12 @@ struct GRAPHICSSETUP {
     int mode = modeStation;
     MAPWINDOW map;
     std::array<std::array<DATAWINDOW, common::maxDataWindows>, modeCount> windows;
+    std::array<std::array<PLOTOPTIONS, common::maxDataWindows>, modeCount> options;
     std::array<std::int32_t, modeCount> windowCount{};
+    std::array<BOX, modeCount + 1> mapBoxes{}; // where the map stands in each mode; index mode + 1
     PSSETTINGS postScript;
+    // Each window's rectangle with its labels, in canvas pixels, as of the last redraw; index 0 is the map.
+    std::array<QRect, common::maxDataWindows + 1> regions{};
 
     // Windows of the current mode; none in MAP mode.
     [[nodiscard]] int count() const { return mode < 0 ? 0 : windowCount[static_cast<std::size_t>(mode)]; }
@@ -106,7 +120,21 @@ struct GRAPHICSSETUP {
     {
         return windows[static_cast<std::size_t>(mode)][static_cast<std::size_t>(number - 1)];
     }
+    [[nodiscard]] PLOTOPTIONS& optionsOf(int number)
+    {
+        return options[static_cast<std::size_t>(mode)][static_cast<std::size_t>(number - 1)];
+    }
 };
+
+// Every window of the mode, and the map, needs a plot.
+void markAllToDraw(GRAPHICSSETUP& setup);
+// A window with its default settings in a mode, without variables and without a place.
+[[nodiscard]] DATAWINDOW defaultWindow(int mode);
+// A window can be drawn when it has variables; in SECTION mode x may be 0, the section distance.
+[[nodiscard]] bool hasVariables(int mode, const DATAWINDOW& window);
+// Gives window `number` of the mode its variables and makes it exist; its ranges are for fullRanges to find.
+// False, with nothing changed, if there is no such window in the layout.
+[[nodiscard]] bool setWindowVariables(GRAPHICSSETUP& setup, int number, int x, int y, int z);
 
 // Default layer lists; the set is "GlobHR/" if its "World.cdt" exists, else "GlobLR/".
 void setDefaultLayers(MAPWINDOW& map, const common::INSTALLATION& installation);
@@ -116,8 +144,12 @@ void setDefaultLayers(MAPWINDOW& map, const common::INSTALLATION& installation);
 void setDefaultSetup(GRAPHICSSETUP& setup, const collection::RCollection& collection,
                      const common::INSTALLATION& installation);
 
+// Goes to another mode (modeMap to modeSurface): the map takes its place in that mode, all is to be drawn.
+void switchMode(GRAPHICSSETUP& setup, int mode);
+
 // A layout template by its menu text ("SCATTER 2 Win", case ignored): the window count and boxes of its mode
-// and the map's box. False if there is no such template.
+// and the map's box in it, which counts at once if that is the mode in force. The mode isn't changed. False
+// if there is no such template.
 [[nodiscard]] bool useLayout(GRAPHICSSETUP& setup, std::string_view menuText);
 [[nodiscard]] std::vector<std::string> layoutNames();
 

@@ -20,6 +20,13 @@
 
 namespace graphics {
 
+// The finished map of the canvas, so that stations and marks can be drawn on it again without the layers. It
+// says nothing of the domain that it shows: who changes the domain or a layer marks the map as to be drawn.
+struct MAPCACHE {
+    QImage picture; // null if there is none
+    QRect area;     // where it belongs, pixels
+};
+
 struct PLOTCONTEXT {
     collection::RCollection& collection;
     collection::STATIONDATA& station; // scratch for loads
@@ -29,7 +36,8 @@ struct PLOTCONTEXT {
     std::function<void()> repaint; // shows the canvas as far as it is; may be empty
     std::string title, version;    // the main window's title and the program's version text
     std::string sectionName;
-    bool onCanvas = true; // false for printing and bitmap export
+    bool onCanvas = true;         // false for printing and bitmap export
+    MAPCACHE* mapCache = nullptr; // of the canvas; null: the map is always drawn anew
 };
 
 // --- drivers on the painter. They draw the windows marked toDraw and poll ESC between them.
@@ -38,6 +46,9 @@ void PlotStationMode(QPainter* p, PLOTCONTEXT& context, bool full);
 void PlotScatterMode(QPainter* p, PLOTCONTEXT& context, bool full);
 // The one entry for a new picture: the map if it is marked, then the mode's windows, then the map's top.
 void RedrawCanvas(QPainter* p, PLOTCONTEXT& context, bool full);
+
+// The list of selected stations anew, without a picture, if the map is marked to be drawn.
+void refreshSelection(PLOTCONTEXT& context);
 
 // --- PostScript forms
 void WriteMapWindow(std::FILE* ps, PLOTCONTEXT& context);

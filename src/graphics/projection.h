@@ -4,6 +4,8 @@
 
 #include <array>
 #include <span>
+#include <string>
+#include <string_view>
 
 namespace graphics {
 
@@ -27,18 +29,34 @@ struct PROJECTION {
 };
 [[nodiscard]] PROJECTION& projection();
 
-void ProjectPoint(float& x, float& y);   // degrees to plane; nothing for id 0
-void UnprojectPoint(float& x, float& y); // plane to degrees; nothing for id 0
+// Degrees to plane, in place; nothing for id 0. The plane is a unit disc for ids 1, 2, 3 and 5, an ellipse of
+// semi-axes 2.83 and 1.41 for 4 and 6. What a projection can't show lands on its edge.
+void ProjectPoint(float& x, float& y);
+void ProjectPoint(double& x, double& y);
+// Plane to degrees, in place; nothing for id 0. Positions outside the disc or ellipse are taken onto its
+// edge.
+void UnprojectPoint(float& x, float& y);
+void UnprojectPoint(double& x, double& y);
+// False if the oblique orthographic projection hides the position behind the globe.
 [[nodiscard]] bool IsVisible(double lon, double lat);
+// False outside the projected disc or ellipse.
 [[nodiscard]] bool InsideProjection(double u, double v);
+// Visible half-width in degrees of longitude at a latitude, interpolated; 0 to 180, for the oblique map only.
 [[nodiscard]] double HalfWidth(double lat);
+// Longitude relative to the centre meridian in degrees, -180 to 180.
+[[nodiscard]] double fromCentre(double lon);
+// Pole latitude that belongs to a choice of projection; `typed` where the user's own stands.
 [[nodiscard]] double PoleLatitudeFor(int id, double latMin, double latMax, double typed);
 
-// Swaps, limits and shifts a domain; true if anything changed.
+// Brings a domain into the legal range: swaps reversed longitudes, limits the span to 360 degrees, shifts
+// both longitudes by 360 where they are both negative or the east end exceeds 360, clamps the latitudes. True
+// if anything changed.
 bool NormalizeDomain(double& lonMin, double& lonMax, double& latMin, double& latMax);
+// Limits in the plane of a domain's outline.
 void ProjectedBounds(double lonMin, double lonMax, double latMin, double latMax, float& umin, float& umax,
                      float& vmin, float& vmax);
-// Fills the domain's projected outline in at most x.size() points; returns how many.
+// Fills the domain's projected outline in at most x.size() points; returns how many, 0 if fewer than 5 are
+// offered. The outline is closed.
 int MapOutline(std::span<float> x, std::span<float> y, int id, double lonMin, double lonMax, double latMin,
                double latMax);
 
@@ -56,8 +74,13 @@ struct BOX {
 // that fits the box. True if the domain had to be changed.
 bool SetupMapWindow(MAPGEOMETRY& map, const BOX& box);
 
-// Limits of the domain that a rectangle of the plane covers.
+// Limits of the domain that a rectangle of the plane covers, in degrees.
 void DomainOfRectangle(double u0, double u1, double v0, double v1, double& lonMin, double& lonMax,
                        double& latMin, double& latMax);
+
+// The line of a projection file "map.prj": id and centre longitude. Reading changes nothing unless both are
+// there.
+[[nodiscard]] std::string projectionLine(int id, double lon0);
+[[nodiscard]] bool parseProjectionLine(std::string_view text, int& id, double& lon0);
 
 } // namespace graphics

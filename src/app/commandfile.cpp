@@ -1,0 +1,334 @@
+#include "app/commandfile.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <vector>
+
+#include "app/gate.h"
+#include "common/text.h"
+
+namespace app {
+namespace {
+
+constexpr int maxFields = 50;
+using Fields = std::span<const std::string_view>;
+
+// What became of a line.
+struct OUTCOME {
+    bool leave = false;  // the file ends here
+    std::string message; // empty: nothing to say
+};
+
+// --- fields
+
+std::string quoted(std::string_view text)
+{
+    return "\"" + std::string(text) + "\"";
+}
+
+std::string doesNotRead(std::string_view what, std::string_view field)
+{
+    return std::string(what) + " " + quoted(field) + " doesn't read as a number";
+}
+
+// Both separators stand for "/", so that files written on other systems run here.
+std::string cleanPath(std::string_view text)
+{
+    return common::replaceAll(common::trimBlanks(text), "\\", "/");
+}
+
+// Takes numbers from fields; keeps the first thing that is wrong.
+class RFieldReader {
+public:
+    explicit RFieldReader(Fields fields) : fields_(fields) {}
+
+    bool has(std::size_t i) const { return i < fields_.size() && !fields_[i].empty(); }
+    std::string text(std::size_t i) const
+    {
+        return i < fields_.size() ? std::string(fields_[i]) : std::string();
+    }
+    int integer(std::size_t i, std::string_view what)
+    {
+        const std::optional<int> value = common::parseInt(fields_[i]);
+        if (!value) complain(doesNotRead(what, fields_[i]));
+        return value.value_or(0);
+    }
+    double number(std::size_t i, std::string_view what)
+    {
+        const std::optional<double> value = common::parseDouble(fields_[i]);
+        if (!value || !(std::abs(*value) < 1e10)) complain(doesNotRead(what, fields_[i]));
+        return value.value_or(0);
+    }
+    RANGE range(std::size_t i, std::string_view axis)
+    {
+        const std::string name(axis);
+        const RANGE both{static_cast<float>(number(i, name + " minimum")),
+                         static_cast<float>(number(i + 1, name + " maximum"))};
+        if (!(both.first < both.second)) complain(name + " minimum must be below " + name + " maximum");
+        return both;
+    }
+    void complain(std::string_view what)
+    {
+        if (wrong_.empty()) wrong_ = what;
+    }
+    [[nodiscard]] const std::string& wrong() const { return wrong_; }
+
+private:
+    Fields fields_;
+    std::string wrong_;
+};
+
+// --- the commands known by their first word
+
+std::string runSetMode(Fields fields, RCommandTarget& target)
+{
+    constexpr auto names =
+        std::to_array<std::string_view>({"MAP", "STATION", "SCATTER", "SECTION", "SURFACE"});
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (common::equalsIgnoreCase(fields[0], names[i])) return target.setMode(static_cast<int>(i) - 1);
+    }
+    return "there is no mode " + quoted(fields[0]);
+}
+
+std::string runUseLayout(Fields fields, RCommandTarget& target)
+{
+    return target.useLayout(fields[0]);
+}
+
+std::string runSetWindow(Fields fields, RCommandTarget& target)
+{
+    RFieldReader reader(fields);
+    WINDOWVARIABLES variables{reader.integer(0, "window"), reader.text(1), reader.text(2), {}};
+    if (reader.has(3)) variables.z = reader.text(3);
+    return reader.wrong().empty() ? target.setWindow(variables) : reader.wrong();
+}
+
+std::string runSetRange(Fields fields, RCommandTarget& target)
+{
+    RFieldReader reader(fields);
+    WINDOWRANGES ranges{reader.integer(0, "window"), reader.range(1, "x"), reader.range(3, "y"), {}};
+    if (fields.size() == 6) reader.complain("z minimum stands without z maximum");
+    if (fields.size() == 7) ranges.z = reader.range(5, "z");
+    return reader.wrong().empty() ? target.setRange(ranges) : reader.wrong();
+}
+
+std::string runFullRange(Fields fields, RCommandTarget& target)
+{
+    if (fields.empty()) return target.fullRange(std::nullopt);
+    RFieldReader reader(fields);
+    const int window = reader.integer(0, "window");
+    return reader.wrong().empty() ? target.fullRange(window) : reader.wrong();
+}
+
+std::string runSetStyle(Fields fields, RCommandTarget& target)
+{
+    RFieldReader reader(fields);
+    WINDOWSTYLE style{reader.integer(0, "window"), reader.integer(1, "plot style"), {}};
+    if (fields.size() == 3) style.dotSize = static_cast<float>(reader.number(2, "dot size"));
+    if (style.dotSize && !(*style.dotSize >= 0)) reader.complain("dot size is below 0");
+    return reader.wrong().empty() ? target.setStyle(style) : reader.wrong();
+}
+
+std::string runSetPalette(Fields fields, RCommandTarget& target)
+{
+    RFieldReader reader(fields);
+    const int window = reader.integer(0, "window");
+    return reader.wrong().empty() ? target.setPalette(window, fields[1]) : reader.wrong();
+}
+
+std::string runSetDomain(Fields fields, RCommandTarget& target)
+{
+    RFieldReader reader(fields);
+    DOMAINCHOICE domain{reader.number(0, "smallest longitude"),
+                        reader.number(1, "largest longitude"),
+                        reader.number(2, "smallest latitude"),
+                        reader.number(3, "largest latitude"),
+                        {},
+                        {}};
+    if (fields.size() > 4) domain.projection = reader.integer(4, "projection");
+    if (fields.size() == 6) reader.complain("pole longitude stands without pole latitude");
+    if (fields.size() == 7)
+        domain.pole = {reader.number(5, "pole longitude"), reader.number(6, "pole latitude")};
+    return reader.wrong().empty() ? target.setDomain(domain) : reader.wrong();
+}
+
+std::string runPlotStation(Fields fields, RCommandTarget& target)
+{
+    if (common::equalsIgnoreCase(fields[0], "all")) return target.plotStation(std::nullopt);
+    RFieldReader reader(fields);
+    const int number = reader.integer(0, "station");
+    return reader.wrong().empty() ? target.plotStation(number) : reader.wrong();
+}
+
+std::string runSetImport(Fields fields, RCommandTarget& target)
+{
+    for (const std::string_view field : fields) {
+        const std::size_t equals = std::min(field.find('='), field.size());
+        const std::string_view key = common::trimBlanks(field.substr(0, equals));
+        if (key != "overwrite") return "there is no import setting " + quoted(key);
+        const std::string_view value = common::trimBlanks(field.substr(std::min(equals + 1, field.size())));
+        if (value != "yes" && value != "no") return "overwrite is yes or no, not " + quoted(value);
+        if (std::string wrong = target.setImportOverwrite(value == "yes"); !wrong.empty()) return wrong;
+    }
+    return {};
+}
+
+struct WORDROW {
+    std::string_view word;
+    bool list;        // the text is a list of fields; otherwise one field
+    int fewest, most; // fields
+    std::string (*run)(Fields fields, RCommandTarget& target);
+};
+constexpr auto wordRows = std::to_array<WORDROW>({
+    {"set_mode", false, 1, 1, runSetMode},
+    {"use_layout", false, 1, 1, runUseLayout},
+    {"set_window", true, 3, 4, runSetWindow},
+    {"set_range", true, 5, 7, runSetRange},
+    {"full_range", true, 0, 1, runFullRange},
+    {"set_style", true, 2, 3, runSetStyle},
+    {"set_palette", true, 2, 2, runSetPalette},
+    {"set_domain", true, 4, 7, runSetDomain},
+    {"plot_station", true, 1, 1, runPlotStation},
+    {"set_import", true, 1, maxFields, runSetImport},
+});
+
+std::vector<std::string_view> splitArguments(std::string_view text, bool list)
+{
+    text = common::trimBlanks(text);
+    if (text.empty()) return {};
+    if (!list) return {text};
+    std::vector<std::string_view> fields;
+    for (;;) {
+        const std::size_t comma = std::min(text.find(','), text.size());
+        fields.push_back(common::trimBlanks(text.substr(0, comma)));
+        if (comma == text.size()) return fields;
+        text.remove_prefix(comma + 1);
+    }
+}
+
+OUTCOME runWordRow(const WORDROW& row, std::string_view rest, RCommandTarget& target)
+{
+    const std::vector<std::string_view> fields = splitArguments(rest, row.list);
+    const int count = static_cast<int>(std::min<std::size_t>(fields.size(), 1000));
+    const std::string word(row.word);
+    if (count < row.fewest)
+        return {true, common::format("%s needs %d fields, not %d", word.c_str(), row.fewest, count)};
+    if (count > row.most)
+        return {true, common::format("%s takes %d fields, not %d", word.c_str(), row.most, count)};
+    std::string wrong = row.run(fields, target);
+    if (wrong.empty()) return {};
+    return {true, word + ": " + wrong};
+}
+
+std::optional<OUTCOME> runByFirstWord(std::string_view line, RCommandTarget& target)
+{
+    const std::string_view text = common::trimBlanks(line);
+    const std::string_view word = text.substr(0, text.find_first_of(" \t"));
+    const auto same = [word](const WORDROW& row) { return row.word == word; };
+    const auto row = std::find_if(wordRows.begin(), wordRows.end(), same);
+    if (row == wordRows.end()) return std::nullopt;
+    return runWordRow(*row, text.substr(word.size()), target);
+}
+
+// --- the commands known by a keyword anywhere in the line
+
+OUTCOME result(std::string_view keyword, bool good)
+{
+    if (good) return {};
+    return {true, std::string(keyword) + " failed"};
+}
+
+OUTCOME runOpenCollection(std::string_view text, RCommandTarget& target)
+{
+    return result("open_collection", target.openCollection(cleanPath(text)));
+}
+
+OUTCOME runLoadConfiguration(std::string_view text, RCommandTarget& target)
+{
+    return result("load_cfg", target.loadConfiguration(cleanPath(text)));
+}
+
+OUTCOME runExportGraphics(std::string_view text, RCommandTarget& target)
+{
+    std::array<std::string_view, maxFields> fields;
+    common::splitFields(common::trimBlanks(text), ',', fields);
+    const std::optional<int> window = common::parseInt(fields[0]), dpi = common::parseInt(fields[2]);
+    if (!window) return {false, "export_graphics: " + doesNotRead("window", fields[0]) + ", line skipped"};
+    if (!dpi) return {false, "export_graphics: " + doesNotRead("resolution", fields[2]) + ", line skipped"};
+    return result("export_graphics", target.exportGraphics(*window, cleanPath(fields[1]), *dpi));
+}
+
+OUTCOME runExportData(std::string_view text, RCommandTarget& target)
+{
+    return result("export_data", target.exportData(cleanPath(text)));
+}
+
+OUTCOME runQuit(std::string_view, RCommandTarget& target)
+{
+    target.quit();
+    return {};
+}
+
+struct KEYWORDROW {
+    std::string_view keyword;
+    int commandId; // of the gate, 0 for none
+    OUTCOME (*run)(std::string_view text, RCommandTarget& target);
+};
+constexpr auto keywordRows = std::to_array<KEYWORDROW>({
+    {"open_collection", 0, runOpenCollection},
+    {"load_cfg", cmdLoadConfiguration, runLoadConfiguration},
+    {"export_graphics", cmdSaveScreen, runExportGraphics},
+    {"export_data", cmdExportSpreadsheet, runExportData},
+    {"quit", cmdExit, runQuit},
+});
+
+// The first keyword of the line that the gate lets pass takes the line.
+OUTCOME runByKeyword(std::string_view line, RCommandTarget& target)
+{
+    std::string_view refused;
+    for (const KEYWORDROW& row : keywordRows) {
+        const std::size_t at = line.find(row.keyword);
+        if (at == std::string_view::npos) continue;
+        if (row.commandId == 0 || target.isAllowed(row.commandId))
+            return row.run(line.substr(at + row.keyword.size()), target);
+        if (refused.empty()) refused = row.keyword;
+    }
+    if (refused.empty()) return {};
+    return {false, std::string(refused) + " isn't possible now, line skipped"};
+}
+
+OUTCOME runLine(std::string_view line, RCommandTarget& target)
+{
+    line = line.substr(0, line.find('\r'));
+    line = line.substr(0, line.find('#'));
+    if (std::optional<OUTCOME> outcome = runByFirstWord(line, target)) return *outcome;
+    return runByKeyword(line, target);
+}
+
+} // namespace
+
+bool runCommands(std::string_view content, std::string_view name, RCommandTarget& target,
+                 const std::function<void(std::string_view)>& note)
+{
+    constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
+    if (content.starts_with(byteOrderMark)) content.remove_prefix(byteOrderMark.size());
+    for (int number = 1; !content.empty(); ++number) {
+        const std::size_t end = std::min(content.find('\n'), content.size());
+        const OUTCOME outcome = end > longestCommandLine ? OUTCOME{true, "the line is longer than 1 MiB"}
+                                                         : runLine(content.substr(0, end), target);
+        content.remove_prefix(std::min(end + 1, content.size()));
+        const auto say = [&](std::string_view what) {
+            note(std::string(name) + ":" + std::to_string(number) + ": " + std::string(what));
+        };
+        if (!outcome.message.empty()) say(outcome.message);
+        if (outcome.leave) return false;
+        if (target.isAborted()) {
+            say("aborted");
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace app

@@ -1,0 +1,72 @@
+#pragma once
+
+// Command files: a text file of commands, one a line, "#" begins a comment. This unit turns lines into calls;
+// what a command does stands behind RCommandTarget.
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace app {
+
+inline constexpr std::size_t longestCommandLine = 1 << 20; // bytes
+
+using RANGE = std::pair<float, float>; // minimum and maximum, minimum below maximum
+
+struct WINDOWVARIABLES { // each a number or a label, "-" in front reverses the axis
+    int window = 1;
+    std::string x, y;
+    std::optional<std::string> z; // none: no colour variable
+};
+struct WINDOWRANGES {
+    int window = 1;
+    RANGE x, y;
+    std::optional<RANGE> z;
+};
+struct WINDOWSTYLE {
+    int window = 1;
+    int style = 0;
+    std::optional<float> dotSize;
+};
+struct DOMAINCHOICE { // degrees
+    double lonMin = 0, lonMax = 360, latMin = -90, latMax = 90;
+    std::optional<int> projection;
+    std::optional<std::pair<double, double>> pole; // longitude, latitude
+};
+
+class RCommandTarget {
+public:
+    virtual ~RCommandTarget() = default;
+
+    [[nodiscard]] virtual bool isAllowed(int commandId) = 0; // by the gate, for window 0
+    [[nodiscard]] virtual bool isAborted() = 0;
+
+    // These tell the user themselves what is wrong. False ends the file.
+    [[nodiscard]] virtual bool openCollection(const std::string& path) = 0;
+    [[nodiscard]] virtual bool loadConfiguration(const std::string& path) = 0;
+    // window: -1 the whole canvas, 0 the map, else a data window of the mode. dpi below 1: to be asked for.
+    [[nodiscard]] virtual bool exportGraphics(int window, const std::string& path, int dpi) = 0;
+    [[nodiscard]] virtual bool exportData(const std::string& path) = 0;
+    virtual void quit() = 0;
+
+    // These give back what is wrong, empty if nothing is; anything wrong ends the file.
+    [[nodiscard]] virtual std::string setMode(int mode) = 0; // -1 MAP to 3 SURFACE
+    [[nodiscard]] virtual std::string useLayout(std::string_view menuText) = 0;
+    [[nodiscard]] virtual std::string setWindow(const WINDOWVARIABLES& variables) = 0;
+    [[nodiscard]] virtual std::string setRange(const WINDOWRANGES& ranges) = 0;
+    [[nodiscard]] virtual std::string fullRange(std::optional<int> window) = 0; // none: all windows
+    [[nodiscard]] virtual std::string setStyle(const WINDOWSTYLE& style) = 0;
+    [[nodiscard]] virtual std::string setPalette(int window, std::string_view name) = 0; // window 0: the map
+    [[nodiscard]] virtual std::string setDomain(const DOMAINCHOICE& domain) = 0;
+    [[nodiscard]] virtual std::string plotStation(std::optional<int> number) = 0; // none: all
+    [[nodiscard]] virtual std::string setImportOverwrite(bool overwrite) = 0;
+};
+
+// Runs the lines of a command file. `name` is its name in messages; `note` takes each message, in the form
+// "<name>:<line>: <what is wrong>". False if the file was left before its end.
+[[nodiscard]] bool runCommands(std::string_view content, std::string_view name, RCommandTarget& target,
+                               const std::function<void(std::string_view)>& note);
+
+} // namespace app

@@ -1,0 +1,49 @@
+#include "app/histories.h"
+
+#include "common/files.h"
+#include "common/text.h"
+
+namespace app {
+namespace {
+
+constexpr std::array<const char*, gasCount> fileNames = {"atmcfc11.his", "atmcfc12.his", "atmcfc10.his",
+                                                         "atmcfc113.his", "atmch4.his"};
+constexpr std::int64_t largestFile = 1 << 20; // bytes
+
+std::string_view takeLine(std::string_view& rest)
+{
+    const std::size_t end = std::min(rest.find('\n'), rest.size());
+    const std::string_view line = rest.substr(0, end);
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    return line;
+}
+
+} // namespace
+
+ATMHISTORY parseHistory(std::string_view content)
+{
+    ATMHISTORY table;
+    (void)takeLine(content);
+    while (!content.empty() && table.count < maxHistoryRows) {
+        std::string_view line = takeLine(content);
+        float year = 0, north = 0, south = 0;
+        if (!common::takeFloat(line, year) || !common::takeFloat(line, north) ||
+            !common::takeFloat(line, south))
+            break;
+        const auto row = static_cast<std::size_t>(table.count++);
+        table.year[row] = year;
+        table.north[row] = north;
+        table.south[row] = south;
+    }
+    return table;
+}
+
+void loadHistories(const std::string& atmhistFolder, ATMHISTORIES& histories)
+{
+    for (std::size_t gas = 0; gas < fileNames.size(); ++gas) {
+        const auto content = common::readFile(atmhistFolder + fileNames[gas], largestFile);
+        histories[gas] = content ? parseHistory(*content) : ATMHISTORY{};
+    }
+}
+
+} // namespace app

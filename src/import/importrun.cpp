@@ -1,0 +1,303 @@
+#include "import/importrun.h"
+
+#include <filesystem>
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QLocale>
+
+#include "common/text.h"
+#include "common/textcoding.h"
+#include "import/stationreader.h"
+
+namespace importing {
+namespace {
+
+using collection::STATIONDATA;
+using collection::STATIONHDR;
+using common::Answer;
+using common::format;
+
+constexpr std::string_view runCaption = "Importing Station-Data ...";
+
+std::string utf8(std::string_view label)
+{
+    return common::labelToUtf8(label);
+}
+
+// Name and last change of the input, as the log takes them.
+std::string lastChange(const std::string& file)
+{
+    const QDateTime changed = QFileInfo(QString::fromStdString(file)).lastModified();
+    return QLocale::c().toString(changed, QStringLiteral("MMM/dd/yyyy hh:mm:ss")).toStdString();
+}
+
+} // namespace
+
+std::string_view pastTense(ImportMode mode)
+{
+    switch (mode) {
+    case ImportMode::merge:
+        return "Merged";
+    case ImportMode::update:
+        return "Updated";
+    default:
+        return "Imported";
+    }
+}
+
+RImportRun::RImportRun(collection::RCollection& collection, common::RUser& user, RUNOPTIONS options)
+    : collection_(collection), user_(user), options_(std::move(options))
+{
+}
+
+RImportRun::~RImportRun()
+{
+    endBusy();
+}
+
+std::int64_t RImportRun::openImport(const std::string& file, const std::string& shortName, int firstLine,
+                                    ImportMode mode, bool evenIfEmpty)
+{
+    const std::int64_t size = common::openFile(file, "rb") ? common::fileSize(file) : 0;
+    if (size <= 0 && !evenIfEmpty) return 0;
+    state.mode = mode;
+    state.totalBytes = size;
+    state.lineNumber = firstLine;
+    state.bytesRead = state.lastProgressBytes = 0;
+    state.stationsRead = state.stationsStored = 0;
+    state.stationsAtStart = collection_.stationCount;
+    state.file = file;
+    state.fileName = shortName;
+    state.replaceAll = collection_.stationCount == 0;
+    state.savedCriteria = collection_.criteria;
+    collection_.criteria = collection::defaultCriteria();
+    if (mode != ImportMode::addReplace) state.checkExisting = true;
+    if (state.replaceAll && mode == ImportMode::addReplace) state.checkExisting = false;
+    user_.setAbort(false);
+    user_.status(format("File: %s", file.c_str()));
+    user_.beginBusy(std::string("Importing Data ...").append(common::escAborts));
+    open_ = true;
+    return size;
+}
+
+void RImportRun::applyCruises(STATIONHDR& header) const
+{
+    for (const CRUISEASSOCIATION& cruise : options_.cruises) {
+        if (cruise.sourceLabel != common::fieldText(header.cruise) ||
+            cruise.type != common::fieldText(header.type)) {
+            continue;
+        }
+        common::copyText(header.cruise, cruise.name);
+        return;
+    }
+}
+
+int RImportRun::findExisting(STATIONHDR& header)
+{
+    applyCruises(header);
+    if (!existing_) {
+        if (collection_.cruises.empty()) collection_.readInventory(false, user_);
+        existing_ = std::make_unique<RExistingStations>(collection_);
+        if (!existing_->build())
+            user_.note(format("%s.hob: some headers can't be read", collection_.path.c_str()));
+    }
+    return existing_->find(header);
+}
+
+bool RImportRun::askReplace(const STATIONHDR& header)
+{
+    const std::string text =
+        format("Station: %s  - %s  - %s Already in Collection!\n\nReplace It?", utf8(header.cruise).c_str(),
+               utf8(header.station).c_str(), utf8(header.type).c_str());
+    constexpr std::string_view title = "Confirm Station Replace";
+    ReplaceAnswer answer = ReplaceAnswer::no;
+    if (options_.confirmReplace) {
+        answer = options_.confirmReplace(title, text);
+    } else {
+        const Answer plain = user_.question(title, text);
+        answer = plain == Answer::yes  ? ReplaceAnswer::yes
+                 : plain == Answer::no ? ReplaceAnswer::no
+                                       : ReplaceAnswer::abort;
+    }
+    state.aborted = answer == ReplaceAnswer::abort;
+    state.replaceAll = answer == ReplaceAnswer::yesToAll;
+    return answer == ReplaceAnswer::yes || answer == ReplaceAnswer::yesToAll;
+}
+
+bool RImportRun::tellNotFound(const STATIONHDR& header)
+{
+    const Answer answer = user_.question("Station not Found ...",
+                                         format("%s  - %s  - %s not in Collection!\nNo Data Import for this "
+                                                "Station!\n\nContinue showing warnings?",
+                                                utf8(header.cruise).c_str(), utf8(header.station).c_str(),
+                                                utf8(header.type).c_str()));
+    state.aborted = answer == Answer::cancel;
+    if (answer == Answer::no) state.replaceAll = true;
+    return false;
+}
+
+// Asks what there is to ask about a station; false if it is dropped.
+bool RImportRun::mayStore(const STATIONHDR& header, int existing)
+{
+    if (state.replaceAll) return true;
+    if (state.mode == ImportMode::addReplace && existing > 0) return askReplace(header);
+    if (state.mode == ImportMode::merge && existing == 0) return tellNotFound(header);
+    return true;
+}
+
+bool RImportRun::store(STATIONDATA& station, int existing)
+{
+    const collection::WriteResult result = collection_.writeStation(existing, station, true);
+    if (result != collection::WriteResult::ok) {
+        user_.about(runCaption,
+                    format("Write-Error %d!\n\n Import will be Aborted", static_cast<int>(result)));
+        user_.setAbort(true);
+        state.failed = true;
+        return false;
+    }
+    ++state.stationsStored;
+    if (existing_) existing_->noteStored(existing, station.number, station.header);
+    if (options_.stationStored) options_.stationStored(station.header);
+    return true;
+}
+
+// False only after a write error; a station that can't be merged is left as it is.
+bool RImportRun::storeMerged(const STATIONDATA& station, int existing)
+{
+    if (existing == 0) return true;
+    if (!merged_) merged_ = std::make_unique<STATIONDATA>();
+    if (collection_.loadStation(existing, *merged_, false) != collection::LoadResult::ok) {
+        user_.note(format("%s.hob, %s.dob: station %d can't be read and stays as it is",
+                          collection_.path.c_str(), collection_.path.c_str(), existing));
+        return true;
+    }
+    if (!mergeStation(station, *merged_, state.mode, collection_.variableCount)) {
+        user_.about("Station not stored!",
+                    format("Too many data points for Station %s %s", utf8(station.header.cruise).c_str(),
+                           utf8(station.header.station).c_str()));
+        return true;
+    }
+    return store(*merged_, existing);
+}
+
+bool RImportRun::importStation(STATIONDATA& station, int everyStations, std::int64_t everyBytes)
+{
+    ++state.stationsRead;
+    const int existing = state.checkExisting ? findExisting(station.header) : 0;
+    const bool wanted = mayStore(station.header, existing);
+    if (state.aborted) return true;
+    if (user_.askAbort("Really Want to Abort?", runCaption)) {
+        state.aborted = true;
+        return true;
+    }
+    if (wanted) {
+        const bool good =
+            state.mode == ImportMode::addReplace ? store(station, existing) : storeMerged(station, existing);
+        if (!good) return true;
+    }
+    showProgress(everyStations, everyBytes);
+    return false;
+}
+
+void RImportRun::showProgress(int everyStations, std::int64_t everyBytes)
+{
+    const bool due = (state.stationsStored > 0 && state.stationsStored % everyStations == 0) ||
+                     state.bytesRead - state.lastProgressBytes >= everyBytes;
+    if (!due) return;
+    state.lastProgressBytes = state.bytesRead;
+    if (state.totalBytes > 0)
+        user_.setProgress(100.0 * static_cast<double>(state.bytesRead) /
+                          static_cast<double>(state.totalBytes));
+}
+
+void RImportRun::endBusy()
+{
+    if (!open_) return;
+    open_ = false;
+    collection_.criteria = state.savedCriteria;
+    user_.endBusy();
+    user_.setAbort(false);
+}
+
+void RImportRun::report()
+{
+    const std::string_view source =
+        state.fileName.empty() ? "Multiple Files" : std::string_view(state.fileName);
+    const std::string text = format("%d Stations %s from\n\n%s", state.stationsStored,
+                                    std::string(pastTense(state.mode)).c_str(), std::string(source).c_str());
+    if (state.mode == ImportMode::addReplace) {
+        state.undoRequested = !user_.report(runCaption, text);
+    } else {
+        user_.about(runCaption, text);
+    }
+}
+
+// Forgets the appended stations. Files of a collection that was empty are made anew: stations beside a
+// description that counts none would be taken for damage.
+void RImportRun::undo()
+{
+    collection_.stationCount = state.stationsAtStart;
+    state.stationsStored = 0;
+    if (state.stationsAtStart > 0) return;
+    const auto variables = collection_.variables;
+    const int totalCount = collection_.totalVariableCount;
+    collection_.closeStationFiles();
+    std::error_code ignored;
+    std::filesystem::remove(collection_.path + ".hob", ignored);
+    std::filesystem::remove(collection_.path + ".dob", ignored);
+    const bool reopened =
+        collection_.writeVarFile(collection_.path) &&
+        collection_.openStationFiles(collection_.path, user_) == collection::OpenFilesResult::ok;
+    collection_.variables = variables;
+    collection_.totalVariableCount = totalCount;
+    state.failed = state.failed || !reopened;
+}
+
+void RImportRun::writeLog()
+{
+    std::string text = format("File %s not found.", state.file.c_str());
+    const bool exists = common::fileExists(state.file);
+    if (exists)
+        text = format("IMPORT%6d Stations %s (%s)", state.stationsStored, state.file.c_str(),
+                      lastChange(state.file).c_str());
+    state.logFault = !exists || state.stationsStored == 0;
+    if (!state.logFault) {
+        collection_.addLogLine(text, options_.userName, options_.hostName);
+        return;
+    }
+    const common::FilePtr log =
+        common::openFile(format("%s%s.log", collection_.directory.c_str(), collection_.name.c_str()), "ab");
+    if (log) std::fprintf(log.get(), "ERROR: %s\n", text.c_str());
+}
+
+void RImportRun::writeDescription()
+{
+    if (collection_.flushStationFiles() && collection_.writeVarFile(collection_.path)) return;
+    user_.about(runCaption, format("Could not write %s.var!", collection_.path.c_str()));
+    state.failed = true;
+}
+
+void RImportRun::closeImport(bool final)
+{
+    const bool last = final || state.aborted;
+    user_.status({});
+    endBusy();
+    if (last) report();
+    if (state.undoRequested) undo();
+    writeLog();
+    writeDescription();
+    if (last) collection_.readInventory(true, user_);
+}
+
+void RImportRun::reportReadError(std::int64_t code)
+{
+    if (code != readBadHeader && code != readBadData) return;
+    std::string text = code == readBadHeader
+                           ? format("Could not interpret header line %d.\n\n", state.lineNumber)
+                           : format("Could not interpret data line %d.\n\n", state.lineNumber);
+    text += utf8(common::labelFromFile(state.lineBuffer, common::isValidUtf8(state.lineBuffer)));
+    user_.about("Error reading input file ...", text);
+}
+
+} // namespace importing

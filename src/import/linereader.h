@@ -1,0 +1,49 @@
+#pragma once
+
+// The lines of a text file, read in blocks: any size of file, no allocation a line.
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/files.h"
+
+namespace importing {
+
+class RLineReader {
+public:
+    static constexpr std::size_t maxLine = std::size_t{1} << 20; // bytes of a line, its end included
+
+    enum class Result { line, end, tooLong, failed };
+
+    // False if the file can't be read. A leading UTF-8 mark is skipped. If the first line end is a bare
+    // carriage return, every carriage return ends a line; otherwise line feeds do.
+    [[nodiscard]] bool open(const std::string& path);
+
+    // The next line, cut at its first line feed and carriage return. The view holds until the next call; the
+    // byte behind it is readable and a line end.
+    [[nodiscard]] Result next(std::string_view& line);
+
+    [[nodiscard]] int lineNumber() const { return lineNumber_; } // of the line last read, from 1
+    [[nodiscard]] std::int64_t bytesRead() const { return bytesRead_; }
+    [[nodiscard]] std::int64_t size() const { return size_; } // bytes of the file when it was opened
+
+    // How the file's text is coded: UTF-8 as long as no byte has told otherwise.
+    [[nodiscard]] bool isUtf8() const { return utf8_; }
+    void setLatin1() { utf8_ = false; }
+
+private:
+    [[nodiscard]] bool fill();
+    void inspectFirstBlock();
+
+    common::FilePtr file_;
+    std::vector<char> buffer_; // lines stand between begin_ and end_
+    std::size_t begin_ = 0, end_ = 0;
+    std::int64_t size_ = 0, bytesRead_ = 0;
+    int lineNumber_ = 0;
+    char terminator_ = '\n';
+    bool utf8_ = true, atEnd_ = false;
+};
+
+} // namespace importing

@@ -1,0 +1,196 @@
+#include "import/metafields.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+#include "common/limits.h"
+#include "common/text.h"
+#include "common/textcoding.h"
+#include "import/fieldscan.h"
+#include "import/headerconversions.h"
+
+namespace importing {
+namespace {
+
+using collection::STATIONHDR;
+using common::MISSING_VALUE;
+
+constexpr std::size_t index(int meta)
+{
+    return static_cast<std::size_t>(meta);
+}
+
+std::int16_t clampedShort(std::int64_t value)
+{
+    constexpr std::int64_t largest = std::numeric_limits<std::int16_t>::max();
+    return static_cast<std::int16_t>(std::clamp(value, -largest, largest));
+}
+
+// A label by the label rule; cut and then trimmed again, for the cut may end in a blank.
+template <std::size_t N>
+void setLabelField(char (&field)[N], std::string_view text, bool& fileIsUtf8)
+{
+    const std::string_view trimmed = common::trimLabel(text);
+    if (fileIsUtf8 && !common::isValidUtf8(trimmed)) fileIsUtf8 = false;
+    common::copyText(field, common::labelFromFile(trimmed, fileIsUtf8));
+    const std::string kept(common::trimLabel(common::fieldText(field)));
+    common::copyText(field, kept);
+}
+
+// A number scanned like the data: the first comma may stand for a point.
+bool scanField(std::string_view field, double& value)
+{
+    const std::string line(field); // gives the byte behind the field that the scanner wants
+    const char* p = line.data();
+    return scanDouble(p, line.data() + line.size(), '\n', value);
+}
+
+bool scanField(std::string_view field, float& value)
+{
+    const std::string line(field);
+    const char* p = line.data();
+    return scanFloat(p, line.data() + line.size(), '\n', value);
+}
+
+bool takeMark(std::string_view& rest, char mark)
+{
+    if (!rest.starts_with(mark)) return false;
+    rest.remove_prefix(1);
+    return true;
+}
+
+// "%d/%d/%d" as month, day and year; all zero if one of them is missing or beyond any date.
+HEADERTIME scanDate(std::string_view text)
+{
+    HEADERTIME date;
+    int month = 0, day = 0, year = 0;
+    const bool complete = common::takeInt(text, month) && takeMark(text, '/') && common::takeInt(text, day) &&
+                          takeMark(text, '/') && common::takeInt(text, year);
+    if (!complete || clampedShort(year) != year) return date;
+    return {year < 100 ? year + 1900 : year, month, day, 0, 0};
+}
+
+void scanTime(std::string_view text, HEADERTIME& time)
+{
+    int hour = 0, minute = 0;
+    if (common::takeInt(text, hour) && takeMark(text, ':') && !common::takeInt(text, minute)) minute = 0;
+    time.hour = hour;
+    time.minute = minute;
+}
+
+// Reads the date or the time column by its conversion.
+void convertField(const SPREADSHEETDESC& desc, int meta, std::string_view text, HEADERTIME& time)
+{
+    double x = 0;
+    if (scanField(text, x) &&
+        convertHeaderTime(desc.convId[index(meta)], x, desc.referenceDay[index(meta)], time))
+        return;
+    if (meta == metaDate) time = {};
+}
+
+HEADERTIME timeOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields)
+{
+    HEADERTIME time{desc.defYear, desc.defMonth, desc.defDay, desc.defHour, desc.defMinute};
+    for (const int meta : {metaDate, metaTime}) {
+        if (desc.metaColumn[index(meta)] < 0) continue;
+        const std::string_view text = common::trimLabel(fields.text[index(meta)]);
+        if (desc.convId[index(meta)] > linearRow) {
+            convertField(desc, meta, text, time);
+        } else if (meta == metaDate) {
+            const HEADERTIME date = scanDate(text);
+            time = {date.year, date.month, date.day, time.hour, time.minute};
+        } else {
+            scanTime(text, time);
+        }
+    }
+    return time;
+}
+
+float numberOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int meta, float standard,
+               float unreadable)
+{
+    if (desc.metaColumn[index(meta)] < 0) return standard;
+    float value = 0;
+    if (!scanField(fields.text[index(meta)], value)) return unreadable;
+    if (desc.convId[index(meta)] != linearRow) return value;
+    return desc.convA[index(meta)] * value + desc.convB[index(meta)];
+}
+
+float wrappedLongitude(float longitude)
+{
+    if (longitude < 0 && longitude >= -360) longitude += 360;
+    return longitude == 360 ? 0 : longitude;
+}
+
+void setLabels(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int runningNumber, bool& fileIsUtf8,
+               STATIONHDR& header)
+{
+    std::memcpy(header.cruise, desc.defCruise, sizeof header.cruise);
+    std::memcpy(header.station, desc.defStation, sizeof header.station);
+    std::memcpy(header.type, desc.defType, sizeof header.type);
+    if (desc.metaColumn[metaCruise] >= 0) setLabelField(header.cruise, fields.text[metaCruise], fileIsUtf8);
+    if (desc.metaColumn[metaType] >= 0) setLabelField(header.type, fields.text[metaType], fileIsUtf8);
+    if (desc.metaColumn[metaStation] >= 0)
+        setLabelField(header.station, fields.text[metaStation], fileIsUtf8);
+    if (isLabelledByNumber(desc)) labelByNumber(header, runningNumber);
+}
+
+} // namespace
+
+bool isLabelledByNumber(const SPREADSHEETDESC& desc)
+{
+    return desc.metaColumn[metaStation] < 0 && desc.defStation[0] == '\0';
+}
+
+void labelByNumber(STATIONHDR& header, int runningNumber)
+{
+    common::copyText(header.station, common::format("%d", runningNumber));
+}
+
+METASPLIT splitMeta(const SPREADSHEETDESC& desc, std::string_view line)
+{
+    METASPLIT split;
+    std::array<std::string_view, maxColumns + 1> columns;
+    const int last = *std::max_element(desc.metaColumn.begin(), desc.metaColumn.end());
+    const auto wanted = static_cast<std::size_t>(std::max(last + 1, 1));
+    split.fields.count = common::splitFields(line, desc.sepChars, std::span(columns).first(wanted));
+    for (int meta = 0; meta < metaCount; ++meta) {
+        const int column = desc.metaColumn[index(meta)];
+        if (column >= 0 && column < split.fields.count)
+            split.fields.text[index(meta)] = columns[index(column)];
+    }
+    if (split.fields.count == last + 1 && last >= 0) {
+        const std::string_view field = columns[index(last)];
+        const auto length = static_cast<std::size_t>(field.data() + field.size() - line.data());
+        if (length < line.size()) split.length = length + 1;
+    }
+    return split;
+}
+
+STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int runningNumber,
+                    bool& fileIsUtf8)
+{
+    STATIONHDR header{};
+    setLabels(desc, fields, runningNumber, fileIsUtf8, header);
+    const HEADERTIME time = timeOf(desc, fields);
+    header.year = clampedShort(time.year);
+    header.month = clampedShort(time.month);
+    header.day = clampedShort(time.day);
+    header.hour = clampedShort(time.hour);
+    header.minute = clampedShort(time.minute);
+    header.longitude = wrappedLongitude(numberOf(desc, fields, metaLongitude, desc.defLon, MISSING_VALUE));
+    header.latitude = numberOf(desc, fields, metaLatitude, desc.defLat, MISSING_VALUE);
+    header.bottomDepth = numberOf(desc, fields, metaBottomDepth, desc.defBotDepth, 0);
+    return header;
+}
+
+bool isSameStation(const STATIONHDR& a, const STATIONHDR& b)
+{
+    return a.longitude == b.longitude && a.latitude == b.latitude && a.day == b.day && a.month == b.month &&
+           a.year == b.year && std::strcmp(a.station, b.station) == 0 &&
+           std::strcmp(a.cruise, b.cruise) == 0 && std::strcmp(a.type, b.type) == 0;
+}
+
+} // namespace importing

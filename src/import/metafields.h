@@ -1,0 +1,40 @@
+#pragma once
+
+// The metadata of one line of a spreadsheet.
+
+#include <string_view>
+
+#include "collection/stationdata.h"
+#include "import/spreadsheet.h"
+
+namespace importing {
+
+// The fields of the metavariables of one line; empty where the line has no such field.
+struct METAFIELDS {
+    std::array<std::string_view, metaCount> text;
+    int count = 0; // fields of the line, as far as the last metavariable
+};
+
+// Splits off the metavariables. `rest` receives the line behind the last of them and its separator; it is
+// empty with `restExists` false if the line ends there.
+struct METASPLIT {
+    METAFIELDS fields;
+    std::size_t length =
+        0; // bytes up to and with the separator behind the last metavariable; 0: line ends first
+};
+[[nodiscard]] METASPLIT splitMeta(const SPREADSHEETDESC& desc, std::string_view line);
+
+// True if neither a column nor a default labels the stations: then their running number in the file does.
+[[nodiscard]] bool isLabelledByNumber(const SPREADSHEETDESC& desc);
+void labelByNumber(collection::STATIONHDR& header, int runningNumber);
+
+// The header that the fields give. `fileIsUtf8` becomes false with the first label that is not UTF-8. A date
+// that can't be read gives 0/0/0, a position that can't be read MISSING_VALUE: the header check refuses both.
+[[nodiscard]] collection::STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields,
+                                              int runningNumber, bool& fileIsUtf8);
+
+// True if a line with header `b` belongs to the same station as one with header `a`: labels, type, date and
+// position are equal; time of day and bottom depth don't matter.
+[[nodiscard]] bool isSameStation(const collection::STATIONHDR& a, const collection::STATIONHDR& b);
+
+} // namespace importing

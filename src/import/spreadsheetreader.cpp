@@ -1,0 +1,403 @@
+#include "import/spreadsheetreader.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <new>
+#include <vector>
+
+#include "common/limits.h"
+#include "common/text.h"
+#include "common/textcoding.h"
+#include "import/fieldscan.h"
+#include "import/headercheck.h"
+#include "import/linereader.h"
+#include "import/metafields.h"
+
+namespace importing {
+namespace {
+
+using collection::STATIONDATA;
+using collection::STATIONHDR;
+using collection::VARINFO;
+using common::format;
+using common::MISSING_VALUE;
+
+constexpr std::string_view caption = "NVQ Data Import";
+constexpr std::size_t growth = 500;             // levels by which the sample buffers grow
+constexpr int mostCells = common::maxCells - 1; // of a station that is read
+constexpr int mostBottleLevels = 250;
+
+// One field of a line that is wanted.
+struct STEP {
+    int column;
+    int target;  // variable of the collection
+    bool isFlag; // the quality flag of the target, else its value
+};
+
+// The samples of one variable of the station being read.
+struct SAMPLES {
+    std::vector<float> values; // as many as there is room for; unused ones are missing
+    std::vector<std::uint8_t> flags;
+    int count = 0; // non-missing values
+};
+
+// What is to be read, and what stands in every line.
+struct PLAN {
+    std::vector<STEP> steps; // by column, the value in front of its flag
+    std::vector<std::pair<int, float>> defaults;
+    int firstColumn = 0; // of the steps
+};
+
+PLAN planOf(std::span<const VARINFO> sources, std::span<const VARINFO> targets)
+{
+    PLAN plan;
+    for (std::size_t v = 1; v < targets.size(); ++v) {
+        const int target = static_cast<int>(v);
+        const int number = targets[v].assocSource;
+        if (number == -1 && v < sources.size()) plan.defaults.emplace_back(target, sources[v].defaultValue);
+        if (number < 1 || number >= static_cast<int>(sources.size())) continue;
+        const VARINFO& source = sources[static_cast<std::size_t>(number)];
+        plan.steps.push_back({source.column, target, false});
+        if (source.qfColumn > 0) plan.steps.push_back({source.qfColumn, target, true});
+    }
+    std::stable_sort(plan.steps.begin(), plan.steps.end(),
+                     [](const STEP& a, const STEP& b) { return a.column < b.column; });
+    if (!plan.steps.empty()) plan.firstColumn = plan.steps.front().column;
+    return plan;
+}
+
+} // namespace
+
+struct RSpreadsheetReader::State {
+    State(const SPREADSHEETHEADER& h, std::span<const VARINFO> t, KEYVARIABLES k, common::RUser& u)
+        : header(h), desc(header.desc), targets(t), keys(k), user(u), plan(planOf(header.sources, targets)),
+          samples(targets.size()),
+          lastMeta(*std::max_element(desc.metaColumn.begin(), desc.metaColumn.end())),
+          fileIsUtf8(header.fileIsUtf8)
+    {
+        // Lines of one station begin with the same bytes: then nothing of their metadata is read again.
+        comparesBytes = desc.sepChars != ' ' && lastMeta >= 0 && plan.firstColumn > lastMeta;
+    }
+
+    // --- lines
+    bool takeLine();
+    bool parseLine();
+    bool skipToData();
+    void noteRest();
+    [[nodiscard]] bool sameBytes() const
+    {
+        return metaLength > 0 && line.size() >= metaLength &&
+               std::memcmp(line.data(), metaBytes.data(), metaLength) == 0;
+    }
+
+    // --- samples
+    void growTo(std::size_t levels);
+    void clearSamples();
+    void storeLine();
+    void storeFields(const char* p, int column);
+    void storeBlankSeparated();
+    void storeField(const STEP& step, const char*& p, const char* end);
+
+    // --- stations
+    std::int64_t readStation(STATIONDATA& station);
+    bool readLevels();
+    void moveSamples(STATIONDATA& station);
+    void tooManyLevels();
+
+    const SPREADSHEETHEADER header;
+    const SPREADSHEETDESC& desc;
+    const std::span<const VARINFO> targets;
+    const KEYVARIABLES keys;
+    common::RUser& user;
+    const PLAN plan;
+
+    std::string path;
+    RLineReader lines;
+    std::string_view line; // the line in hand; empty if there is none
+    bool hasLine = false;  // a line is in hand that was parsed and belongs to the next station
+    ReadCode failure = readEnd;
+    std::int64_t lineStart = 0; // bytes of the file in front of the line in hand
+    std::int64_t counted = 0;   // bytes that were returned
+
+    STATIONHDR lineHeader{}; // of the line in hand
+    STATIONHDR stationHeader{};
+    std::string metaBytes;      // what the line in hand, or one before it of the same station, begins with
+    std::size_t metaLength = 0; // 0: not to be compared
+    bool comparesBytes = false;
+
+    std::vector<SAMPLES> samples; // by target; index 0 is not used
+    std::size_t room = 0;         // levels in the buffers
+    std::int64_t levels = 0;      // of the station being read, also beyond the limit
+    const int lastMeta;
+    bool fileIsUtf8;
+    bool begun = false, refused = false;
+    int stationsRead = 0;
+};
+
+// Takes a line into hand. False at the end of the file, at a line that is too short, and after an error.
+bool RSpreadsheetReader::State::takeLine()
+{
+    lineStart = lines.bytesRead();
+    hasLine = false;
+    line = {};
+    switch (lines.next(line)) {
+    case RLineReader::Result::line:
+        return true;
+    case RLineReader::Result::end:
+        return false;
+    default:
+        failure = readBadData;
+        return false;
+    }
+}
+
+// Reads the metadata of the line in hand. False if the line has too few fields, which ends the file.
+bool RSpreadsheetReader::State::parseLine()
+{
+    const METASPLIT split = splitMeta(desc, line);
+    if (split.fields.count < std::max(1, std::min(desc.nMeta, lastMeta + 1))) {
+        noteRest();
+        return false;
+    }
+    lineHeader = headerOf(desc, split.fields, stationsRead + 1, fileIsUtf8);
+    metaLength = comparesBytes ? split.length : 0;
+    metaBytes.assign(line.substr(0, metaLength));
+    return true;
+}
+
+// The line in hand ended the reading: says so unless nothing but blank lines follows.
+void RSpreadsheetReader::State::noteRest()
+{
+    const int number = lines.lineNumber();
+    bool blank = common::trimBlanks(line).empty();
+    std::string_view following;
+    while (blank && lines.next(following) == RLineReader::Result::line)
+        blank = common::trimBlanks(following).empty();
+    line = {};
+    if (!blank)
+        user.note(format("%s:%d: the line has fewer than %d fields; it and what follows is not read",
+                         path.c_str(), number, std::max(1, desc.nMeta)));
+}
+
+bool RSpreadsheetReader::State::skipToData()
+{
+    begun = true;
+    while (lines.lineNumber() < desc.firstDataLine - 1) {
+        if (!takeLine()) return false;
+    }
+    return takeLine() && parseLine();
+}
+
+void RSpreadsheetReader::State::growTo(std::size_t wanted)
+{
+    if (wanted <= room) return;
+    const std::size_t size = std::max(wanted, room + std::max(growth, room));
+    for (std::size_t v = 1; v < samples.size(); ++v) {
+        samples[v].values.resize(size, MISSING_VALUE);
+        samples[v].flags.resize(size, collection::flagUnknown);
+    }
+    room = size;
+}
+
+void RSpreadsheetReader::State::clearSamples()
+{
+    const auto used = static_cast<std::ptrdiff_t>(std::min<std::int64_t>(levels, common::maxLevels));
+    for (std::size_t v = 1; v < samples.size(); ++v) {
+        std::fill(samples[v].values.begin(), samples[v].values.begin() + used, MISSING_VALUE);
+        std::fill(samples[v].flags.begin(), samples[v].flags.begin() + used, collection::flagUnknown);
+        samples[v].count = 0;
+    }
+    levels = 0;
+}
+
+inline void RSpreadsheetReader::State::storeField(const STEP& step, const char*& p, const char* end)
+{
+    SAMPLES& sample = samples[static_cast<std::size_t>(step.target)];
+    const auto level = static_cast<std::size_t>(levels);
+    if (step.isFlag) {
+        int flag = 0;
+        if (sample.values[level] != MISSING_VALUE && scanInt(p, end, desc.sepChars, flag))
+            sample.flags[level] = static_cast<std::uint8_t>(flag & 0xFF);
+        return;
+    }
+    float value = 0;
+    if (!scanFloat(p, end, desc.sepChars, value)) return;
+    if (value == desc.missingValue || value == MISSING_VALUE) return;
+    sample.values[level] = value;
+    ++sample.count;
+}
+
+// Stores the wanted fields of a line from `p` on, where `column` begins.
+void RSpreadsheetReader::State::storeFields(const char* p, int column)
+{
+    const char* const end = line.data() + line.size();
+    const char separator = desc.sepChars;
+    const char* field = p;
+    for (const STEP& step : plan.steps) {
+        while (column < step.column) {
+            while (p != end && *p != separator) ++p;
+            if (p == end) return;
+            field = ++p;
+            ++column;
+        }
+        p = field; // two targets may share a column
+        storeField(step, p, end);
+    }
+}
+
+// The same where runs of blanks divide the fields.
+void RSpreadsheetReader::State::storeBlankSeparated()
+{
+    std::array<std::string_view, maxColumns> fields;
+    const int count = common::splitFields(line, ' ', fields);
+    for (const STEP& step : plan.steps) {
+        if (step.column >= count) return;
+        const std::string_view field = fields[static_cast<std::size_t>(step.column)];
+        const char* p = field.data();
+        storeField(step, p, field.data() + field.size());
+    }
+}
+
+// Adds the line in hand to the station as its next level.
+void RSpreadsheetReader::State::storeLine()
+{
+    if (levels < common::maxLevels) {
+        growTo(static_cast<std::size_t>(levels) + 1);
+        for (const auto& [target, value] : plan.defaults) {
+            SAMPLES& sample = samples[static_cast<std::size_t>(target)];
+            sample.values[static_cast<std::size_t>(levels)] = value;
+            if (value != MISSING_VALUE) ++sample.count;
+        }
+        if (desc.sepChars == ' ') {
+            storeBlankSeparated();
+        } else if (metaLength > 0) {
+            storeFields(line.data() + metaLength, lastMeta + 1);
+        } else {
+            storeFields(line.data(), 0);
+        }
+    }
+    ++levels;
+}
+
+// Reads the levels of the station that the line in hand begins. False after an error.
+bool RSpreadsheetReader::State::readLevels()
+{
+    clearSamples();
+    stationHeader = lineHeader;
+    for (;;) {
+        storeLine();
+        if (!takeLine()) return failure == readEnd;
+        if (sameBytes()) continue;
+        if (!parseLine()) return true;
+        if (!isSameStation(stationHeader, lineHeader)) break;
+    }
+    hasLine = true;
+    return true;
+}
+
+// Moves the samples into the station's blocks, variable by variable.
+void RSpreadsheetReader::State::moveSamples(STATIONDATA& station)
+{
+    const int count = static_cast<int>(levels);
+    int total = 0;
+    for (std::size_t v = 1; v < samples.size(); ++v) {
+        if (v > 1 && samples[v].count == 0) continue;
+        if (total + count > mostCells) {
+            user.about(format("Variable %d and following omitted!", static_cast<int>(v)),
+                       format("Too many data points for Station %s %s",
+                              common::labelToUtf8(stationHeader.cruise).c_str(),
+                              common::labelToUtf8(stationHeader.station).c_str()));
+            break;
+        }
+        std::copy_n(samples[v].values.data(), count, station.values.get() + total);
+        std::copy_n(samples[v].flags.data(), count, station.flags.get() + total);
+        station.offset[v] = total;
+        station.levelCount[v] = static_cast<std::int16_t>(v == 1 ? count : samples[v].count);
+        total += count;
+    }
+    station.header.valueCount = total;
+}
+
+void RSpreadsheetReader::State::tooManyLevels()
+{
+    user.about("Station not stored!", format("Too many data points for Station %s %s",
+                                             common::labelToUtf8(stationHeader.cruise).c_str(),
+                                             common::labelToUtf8(stationHeader.station).c_str()));
+}
+
+std::int64_t RSpreadsheetReader::State::readStation(STATIONDATA& station)
+{
+    for (;;) {
+        if (!begun) hasLine = skipToData();
+        if (!hasLine) return failure;
+        std::string fault;
+        if (!checkHeader(lineHeader, fault)) {
+            user.about(caption,
+                       format("Line %d: %s\nImport will be aborted.", lines.lineNumber(), fault.c_str()));
+            hasLine = false;
+            refused = true;
+            return readEnd;
+        }
+        if (!readLevels()) return failure;
+        ++stationsRead;
+        // The line in hand was compared under the number of the station that it ended.
+        if (isLabelledByNumber(desc)) labelByNumber(lineHeader, stationsRead + 1);
+        if (levels <= common::maxLevels) break;
+        tooManyLevels();
+    }
+    station.clear();
+    station.header = stationHeader;
+    moveSamples(station);
+    if (station.header.type[0] == '*' || station.header.type[0] == '\0')
+        common::copyText(station.header.type, levels <= mostBottleLevels ? "B" : "C");
+    applyConversions(station, header.sources, targets, keys);
+    const std::int64_t consumed = (hasLine ? lineStart : lines.bytesRead()) - counted;
+    counted += consumed;
+    return consumed;
+}
+
+RSpreadsheetReader::RSpreadsheetReader(const SPREADSHEETHEADER& header, std::span<const VARINFO> targets,
+                                       KEYVARIABLES keys, common::RUser& user)
+    : state_(std::make_unique<State>(header, targets, keys, user))
+{
+}
+
+RSpreadsheetReader::~RSpreadsheetReader() = default;
+
+bool RSpreadsheetReader::open(const std::string& path)
+{
+    state_->path = path;
+    return state_->lines.open(path);
+}
+
+std::int64_t RSpreadsheetReader::size() const
+{
+    return state_->lines.size();
+}
+
+std::int64_t RSpreadsheetReader::readStation(STATIONDATA& station)
+{
+    try {
+        return state_->readStation(station);
+    } catch (const std::bad_alloc&) {
+        return readNoMemory;
+    }
+}
+
+int RSpreadsheetReader::lineNumber() const
+{
+    return state_->lines.lineNumber() + (state_->failure != readEnd ? 1 : 0);
+}
+
+std::string_view RSpreadsheetReader::currentLine() const
+{
+    return state_->line;
+}
+
+bool RSpreadsheetReader::refusedHeader() const
+{
+    return state_->refused;
+}
+
+} // namespace importing

@@ -1,0 +1,367 @@
+#include "app/commandfile.h"
+
+#include <set>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "common/text.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::string optionalText(const std::optional<int>& number)
+{
+    return number ? std::to_string(*number) : "all";
+}
+
+// Writes down what it is asked for.
+class RRecorder : public app::RCommandTarget {
+public:
+    std::vector<std::string> calls;
+    std::set<int> refused;
+    bool good = true, abort = false;
+    std::string wrong;
+
+    bool isAllowed(int id) override { return !refused.contains(id); }
+    bool isAborted() override { return abort; }
+    bool openCollection(const std::string& path) override { return keep("open " + path); }
+    bool loadConfiguration(const std::string& path) override { return keep("cfg " + path); }
+    bool exportGraphics(int window, const std::string& path, int dpi) override
+    {
+        return keep(common::format("graphics %d %s %d", window, path.c_str(), dpi));
+    }
+    bool exportData(const std::string& path) override { return keep("data " + path); }
+    void quit() override { calls.emplace_back("quit"); }
+    std::string setMode(int mode) override { return tell(common::format("mode %d", mode)); }
+    std::string useLayout(std::string_view text) override { return tell("layout " + std::string(text)); }
+    std::string setWindow(const app::WINDOWVARIABLES& v) override
+    {
+        return tell(common::format("window %d %s|%s|%s", v.window, v.x.c_str(), v.y.c_str(),
+                                   v.z ? v.z->c_str() : "none"));
+    }
+    std::string setRange(const app::WINDOWRANGES& r) override
+    {
+        const double zMin = r.z ? r.z->first : 0, zMax = r.z ? r.z->second : 0;
+        return tell(common::format("range %d %g %g %g %g %g %g", r.window, double(r.x.first),
+                                   double(r.x.second), double(r.y.first), double(r.y.second), zMin, zMax));
+    }
+    std::string fullRange(std::optional<int> window) override { return tell("full " + optionalText(window)); }
+    std::string setStyle(const app::WINDOWSTYLE& s) override
+    {
+        return tell(common::format("style %d %d %g", s.window, s.style, double(s.dotSize.value_or(-1))));
+    }
+    std::string setPalette(int window, std::string_view name) override
+    {
+        return tell(common::format("palette %d ", window) + std::string(name));
+    }
+    std::string setDomain(const app::DOMAINCHOICE& d) override
+    {
+        return tell(common::format("domain %g %g %g %g %d %g %g", d.lonMin, d.lonMax, d.latMin, d.latMax,
+                                   d.projection.value_or(-1), d.pole ? d.pole->first : -999,
+                                   d.pole ? d.pole->second : -999));
+    }
+    std::string plotStation(std::optional<int> number) override
+    {
+        return tell("plot " + optionalText(number));
+    }
+    std::string setImportOverwrite(bool overwrite) override
+    {
+        return tell(overwrite ? "overwrite yes" : "overwrite no");
+    }
+
+private:
+    bool keep(const std::string& call)
+    {
+        calls.push_back(call);
+        return good;
+    }
+    std::string tell(const std::string& call)
+    {
+        calls.push_back(call);
+        return wrong;
+    }
+};
+
+struct RRun {
+    RRecorder recorder;
+    std::vector<std::string> notes;
+    bool complete = false;
+
+    void run(std::string_view content)
+    {
+        complete = app::runCommands(content, "run.cmd", recorder,
+                                    [this](std::string_view note) { notes.emplace_back(note); });
+    }
+};
+
+RRun run(std::string_view content)
+{
+    RRun result;
+    result.run(content);
+    return result;
+}
+
+TEST(CommandFile, RunsTheFiveCommands)
+{
+    const RRun r = run("open_collection /data/a.var\nload_cfg /data/b.cfg\n"
+                       "export_graphics -1, /out/c.png , 300\nexport_data out.txt\nquit\n");
+    EXPECT_TRUE(r.complete);
+    EXPECT_THAT(r.recorder.calls, ElementsAre("open /data/a.var", "cfg /data/b.cfg",
+                                              "graphics -1 /out/c.png 300", "data out.txt", "quit"));
+    EXPECT_THAT(r.notes, IsEmpty());
+}
+
+TEST(CommandFile, EmptyUnknownAndCommentLinesAreIgnored)
+{
+    const RRun r = run("\n   \n# open_collection x.var\nhello world\n\t\n");
+    EXPECT_TRUE(r.complete);
+    EXPECT_THAT(r.recorder.calls, IsEmpty());
+    EXPECT_THAT(r.notes, IsEmpty());
+}
+
+TEST(CommandFile, EmptyFileIsComplete)
+{
+    EXPECT_TRUE(run("").complete);
+}
+
+TEST(CommandFile, CommentIsCutAndBlanksTrimmed)
+{
+    const RRun r = run("open_collection   /data/a.var   # the first one\n");
+    EXPECT_THAT(r.recorder.calls, ElementsAre("open /data/a.var"));
+}
+
+TEST(CommandFile, BothSeparatorsWorkInPaths)
+{
+    const RRun r = run("open_collection \\data\\a.var\nexport_graphics 0,out\\b.eps,1\n");
+    EXPECT_THAT(r.recorder.calls, ElementsAre("open /data/a.var", "graphics 0 out/b.eps 1"));
+}
+
+TEST(CommandFile, KeywordMayStandAnywhere)
+{
+    const RRun r = run("please open_collection a.var\n...export_data b.txt\n");
+    EXPECT_THAT(r.recorder.calls, ElementsAre("open a.var", "data b.txt"));
+}
+
+TEST(CommandFile, TwoKeywords_OnlyTheFirstInTableOrderRuns)
+{
+    const RRun r = run("quit export_data b.txt\nload_cfg open_collection a.var\n");
+    EXPECT_THAT(r.recorder.calls, ElementsAre("data b.txt", "open a.var"));
+}
+
+TEST(CommandFile, RefusedKeywordGivesWayToTheNext)
+{
+    RRun r;
+    r.recorder.refused = {40403};
+    r.run("export_data b.txt quit\n");
+    EXPECT_TRUE(r.complete);
+    EXPECT_THAT(r.recorder.calls, ElementsAre("quit"));
+    EXPECT_THAT(r.notes, IsEmpty());
+}
+
+TEST(CommandFile, RefusedCommandIsSkippedAndNoted)
+{
+    RRun r;
+    r.recorder.refused = {40007};
+    r.run("export_graphics -1,a.png,100\nexport_data b.txt\n");
+    EXPECT_TRUE(r.complete);
+    EXPECT_THAT(r.recorder.calls, ElementsAre("data b.txt"));
+    EXPECT_THAT(r.notes, ElementsAre("run.cmd:1: export_graphics isn't possible now, line skipped"));
+}
+
+TEST(CommandFile, GateIsAskedWithTheRowsId)
+{
+    RRun r;
+    r.recorder.refused = {40209, 40016};
+    r.run("load_cfg a\nquit\nopen_collection a.var\n");
+    EXPECT_THAT(r.recorder.calls, ElementsAre("open a.var"));
+}
+
+TEST(CommandFile, GraphicsWithTwoFields_SkippedAsANumberThatDoesNotRead)
+{
+    const RRun r = run("export_graphics 1,a.png\nexport_graphics\nexport_graphics x,a.png,10\nquit\n");
+    EXPECT_TRUE(r.complete);
+    EXPECT_THAT(r.recorder.calls, ElementsAre("quit"));
+    ASSERT_EQ(r.notes.size(), 3u);
+    EXPECT_EQ(r.notes[0],
+              "run.cmd:1: export_graphics: resolution \"\" doesn't read as a number, line skipped");
+    EXPECT_EQ(r.notes[2], "run.cmd:3: export_graphics: window \"x\" doesn't read as a number, line skipped");
+}
+
+TEST(CommandFile, GraphicsWithManyFields_OnlyTheFirstThreeCount)
+{
+    std::string line = "export_graphics 0,a.png,90";
+    for (int i = 0; i < 200; ++i) line += ",7";
+    EXPECT_THAT(run(line).recorder.calls, ElementsAre("graphics 0 a.png 90"));
+}
+
+TEST(CommandFile, PathsThatLookLikeNumbersStayWhole)
+{
+    EXPECT_THAT(run("export_graphics 0,./1.50,100\nopen_collection 12.50\n").recorder.calls,
+                ElementsAre("graphics 0 ./1.50 100", "open 12.50"));
+}
+
+TEST(CommandFile, FailingCommandEndsTheFile)
+{
+    RRun r;
+    r.recorder.good = false;
+    r.run("# first\nopen_collection a.var\nexport_data b.txt\n");
+    EXPECT_FALSE(r.complete);
+    EXPECT_THAT(r.recorder.calls, ElementsAre("open a.var"));
+    EXPECT_THAT(r.notes, ElementsAre("run.cmd:2: open_collection failed"));
+}
+
+TEST(CommandFile, QuitGoesOnToTheNextLine)
+{
+    EXPECT_THAT(run("quit\nopen_collection a.var").recorder.calls, ElementsAre("quit", "open a.var"));
+}
+
+TEST(CommandFile, AbortLeavesTheFileBehindTheCommand)
+{
+    RRun r;
+    r.recorder.abort = true;
+    r.run("open_collection a.var\nquit\n");
+    EXPECT_FALSE(r.complete);
+    EXPECT_THAT(r.recorder.calls, ElementsAre("open a.var"));
+}
+
+TEST(CommandFile, CarriageReturnsAndTheByteOrderMarkAreCut)
+{
+    const RRun r = run("\xef\xbb\xbfset_mode MAP\r\nopen_collection a.var\r\n");
+    EXPECT_THAT(r.recorder.calls, ElementsAre("mode -1", "open a.var"));
+}
+
+TEST(CommandFile, LastLineWithoutAnEndRuns)
+{
+    EXPECT_THAT(run("quit").recorder.calls, ElementsAre("quit"));
+}
+
+TEST(CommandFile, FirstWordsAreLookedAtBeforeKeywords)
+{
+    const RRun r = run("use_layout open_collection\nplot_station all quit\n");
+    EXPECT_EQ(r.recorder.calls.at(0), "layout open_collection");
+    EXPECT_FALSE(r.complete); // "all quit" is no station
+}
+
+TEST(CommandFile, FirstWordOnly_OtherLinesKeepTheirMeaning)
+{
+    EXPECT_THAT(run("export_data set_mode.txt\nset_modes MAP\n").recorder.calls,
+                ElementsAre("data set_mode.txt"));
+}
+
+TEST(CommandFile, SetMode)
+{
+    EXPECT_THAT(run("set_mode MAP\nset_mode  STATION \nset_mode scatter\nset_mode SECTION\nset_mode SURFACE")
+                    .recorder.calls,
+                ElementsAre("mode -1", "mode 0", "mode 1", "mode 2", "mode 3"));
+    const RRun r = run("set_mode PIE\nquit\n");
+    EXPECT_FALSE(r.complete);
+    EXPECT_THAT(r.notes, ElementsAre("run.cmd:1: set_mode: there is no mode \"PIE\""));
+    EXPECT_THAT(run("set_mode").notes, ElementsAre("run.cmd:1: set_mode needs 1 fields, not 0"));
+}
+
+TEST(CommandFile, SetWindow)
+{
+    const RRun r = run("set_window 1,Salinity,-Temperature,Depth [m]\nset_window 2, 3 , 1\n");
+    EXPECT_THAT(r.recorder.calls,
+                ElementsAre("window 1 Salinity|-Temperature|Depth [m]", "window 2 3|1|none"));
+    EXPECT_FALSE(run("set_window 1,2").complete);
+    EXPECT_FALSE(run("set_window 1,2,3,4,5").complete);
+    EXPECT_THAT(run("set_window one,2,3").notes,
+                ElementsAre("run.cmd:1: set_window: window \"one\" doesn't read as a number"));
+}
+
+TEST(CommandFile, SetRange)
+{
+    EXPECT_THAT(run("set_range 1,30,40,-2,30\nset_range 2,0,1,0,1,-5,5.5").recorder.calls,
+                ElementsAre("range 1 30 40 -2 30 0 0", "range 2 0 1 0 1 -5 5.5"));
+    EXPECT_THAT(run("set_range 1,40,30,0,1").notes,
+                ElementsAre("run.cmd:1: set_range: x minimum must be below x maximum"));
+    EXPECT_THAT(run("set_range 1,0,1,nan,1").notes,
+                ElementsAre("run.cmd:1: set_range: y minimum \"nan\" doesn't read as a number"));
+    EXPECT_FALSE(run("set_range 1,0,1,0,1,5").complete);
+    EXPECT_FALSE(run("set_range 1,0,1e30,0,1").complete);
+    EXPECT_FALSE(run("set_range 1,0,,0,1").complete);
+}
+
+TEST(CommandFile, FullRange)
+{
+    EXPECT_THAT(run("full_range\nfull_range 3\n").recorder.calls, ElementsAre("full all", "full 3"));
+    EXPECT_FALSE(run("full_range x").complete);
+}
+
+TEST(CommandFile, SetStyle)
+{
+    EXPECT_THAT(run("set_style 1,0\nset_style 2,4,1.5").recorder.calls,
+                ElementsAre("style 1 0 -1", "style 2 4 1.5"));
+    EXPECT_FALSE(run("set_style 1,0,-1").complete);
+}
+
+TEST(CommandFile, SetPalette)
+{
+    EXPECT_THAT(run("set_palette 0,Viridis.pal\n").recorder.calls, ElementsAre("palette 0 Viridis.pal"));
+}
+
+TEST(CommandFile, SetDomain)
+{
+    EXPECT_THAT(run("set_domain -40,20,-60.5,70\nset_domain 0,360,40,90,1\nset_domain 0,360,-90,90,5,-30,45")
+                    .recorder.calls,
+                ElementsAre("domain -40 20 -60.5 70 -1 -999 -999", "domain 0 360 40 90 1 -999 -999",
+                            "domain 0 360 -90 90 5 -30 45"));
+    EXPECT_FALSE(run("set_domain 0,360,-90").complete);
+    EXPECT_FALSE(run("set_domain 0,360,-90,90,5,10").complete);
+}
+
+TEST(CommandFile, PlotStation)
+{
+    EXPECT_THAT(run("plot_station 12\nplot_station ALL\n").recorder.calls,
+                ElementsAre("plot 12", "plot all"));
+    EXPECT_FALSE(run("plot_station").complete);
+    EXPECT_FALSE(run("plot_station 1 2").complete);
+}
+
+TEST(CommandFile, SetImport)
+{
+    EXPECT_THAT(run("set_import overwrite=yes\nset_import overwrite = no").recorder.calls,
+                ElementsAre("overwrite yes", "overwrite no"));
+    EXPECT_FALSE(run("set_import overwrite").complete);
+    EXPECT_FALSE(run("set_import mode=1").complete);
+    EXPECT_FALSE(run("set_import overwrite=maybe").complete);
+}
+
+TEST(CommandFile, WhatATargetFindsWrongEndsTheFile)
+{
+    RRun r;
+    r.recorder.wrong = "there is no window 9";
+    r.run("\nfull_range 9\nquit\n");
+    EXPECT_FALSE(r.complete);
+    EXPECT_THAT(r.notes, ElementsAre("run.cmd:2: full_range: there is no window 9"));
+    EXPECT_THAT(r.recorder.calls, ElementsAre("full 9"));
+}
+
+TEST(CommandFile, LinesUpToOneMebibyte)
+{
+    std::string path(app::longestCommandLine - 16, 'a');
+    EXPECT_THAT(run("open_collection " + path + "\n").recorder.calls, ElementsAre("open " + path));
+    const RRun r = run("open_collection " + path + "a\nquit\n");
+    EXPECT_FALSE(r.complete);
+    EXPECT_THAT(r.notes, ElementsAre("run.cmd:1: the line is longer than 1 MiB"));
+}
+
+TEST(CommandFile, ZeroBytesAreOrdinaryBytes)
+{
+    const std::string_view text("a\0b\nquit\0", 9);
+    EXPECT_THAT(run(text).recorder.calls, ElementsAre("quit"));
+}
+
+TEST(CommandFile, CutAtEveryLengthItNeverCrashes)
+{
+    const std::string text =
+        "set_window 1,a,b,c\r\nset_range 1,0,1,0,1,0,1 # x\nset_domain 0,360,-90,90,5,1,2\n"
+        "open_collection a\nexport_graphics -1,b.png,100\nplot_station all\nquit\n";
+    for (std::size_t n = 0; n <= text.size(); ++n) (void)run(std::string_view(text).substr(0, n));
+}
+
+} // namespace
