@@ -23,11 +23,11 @@ CDTSCAN DrawCdtFile(QPainter* p, std::FILE* ps, const std::string& path, const M
 struct BASEMAPCONTEXT {
     const common::INSTALLATION& installation;
     common::RUser& user;
-    bool onCanvas = true; // false for printing and bitmap export: the outline clips
-    bool colors = true;   // colour ramps for bathymetry and topography; else grey steps
-    std::string title;    // the main window's title, for the stamp; empty for none
+    bool onCanvas = true;   // false for printing and bitmap export: the outline clips
+    bool colors = true;     // colour ramps for bathymetry and topography; else grey steps
+    std::string title = {}; // the main window's title, for the stamp; empty for none
     // Damaged files that were told of already: each is told once while a context lives.
-    mutable std::vector<std::string> told;
+    mutable std::vector<std::string> told = {};
 };
 [[nodiscard]] std::string layerPath(const BASEMAPCONTEXT& context, const MAPWINDOW& map, int kind,
                                     const LAYERENTRY& entry);

@@ -5,6 +5,7 @@
 
 #include "common/text.h"
 #include "graphics/basemap.h"
+#include "graphics/drawingpen.h"
 #include "graphics/gridpath.h"
 #include "graphics/mappath.h"
 
@@ -37,10 +38,9 @@ GRIDAXIS overlay(double low, double high)
 
 class RPainterSink {
 public:
-    explicit RPainterSink(QPainter& p) : p_(p), grid_{pixels(usrSys().x), pixels(usrSys().y)}
+    explicit RPainterSink(QPainter& p)
+        : p_(p), grid_{pixels(usrSys().x), pixels(usrSys().y)}, line_(currentPen(drawState().penWidth))
     {
-        const DRAWSTATE& state = drawState();
-        line_ = QPen(state.currentColor, state.penWidth, Qt::PenStyle(state.penStyle));
     }
     [[nodiscard]] const GRID& grid() const { return grid_; }
 
@@ -86,18 +86,32 @@ private:
 };
 
 class RPostScriptSink {
+    static constexpr double tolerance = 0.75; // grid steps, 0.03 mm on a page
+
 public:
     RPostScriptSink(std::FILE* ps, const MAPGEOMETRY& map)
-        : grid_{overlay(map.umin, map.umax), overlay(map.vmin, map.vmax)}, writer_(ps)
+        : grid_{overlay(map.umin, map.umax), overlay(map.vmin, map.vmax)}, writer_(ps),
+          straight_(map.id == projectionDefault)
     {
     }
     [[nodiscard]] const GRID& grid() const { return grid_; }
-    void fill(const RGridPath& ring) { writer_.fill(ring); }
-    void stroke(const RGridPath& line) { writer_.stroke(line); }
+    // The pieces of a polygon that was cut for the file meet along meridians and parallels: straight in the
+    // default projection, where they stay as they are, but curves in any other.
+    void fill(RGridPath& ring)
+    {
+        if (straight_) ring.simplify(tolerance, true);
+        writer_.fill(ring);
+    }
+    void stroke(RGridPath& line)
+    {
+        line.simplify(tolerance, false);
+        writer_.stroke(line);
+    }
 
 private:
     GRID grid_;
     RGridPathWriter writer_;
+    bool straight_;
 };
 
 template <class Sink>

@@ -1,5 +1,6 @@
 #include "graphics/gridpath.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 
@@ -17,6 +18,15 @@ bool isOnTheWay(GRIDPOINT a, GRIDPOINT b, GRIDPOINT c)
     return dx * ey == dy * ex && dx * ex + dy * ey >= 0;
 }
 
+// Square of the distance of w from the stretch between a and b.
+double strayed(GRIDPOINT w, GRIDPOINT a, GRIDPOINT b)
+{
+    const double dx = b.x - a.x, dy = b.y - a.y, px = w.x - a.x, py = w.y - a.y;
+    const double length = dx * dx + dy * dy;
+    const double t = length > 0 ? std::clamp((px * dx + py * dy) / length, 0.0, 1.0) : 0;
+    return (px - t * dx) * (px - t * dx) + (py - t * dy) * (py - t * dy);
+}
+
 } // namespace
 
 void RGridPath::add(GRIDPOINT w)
@@ -32,6 +42,41 @@ void RGridPath::add(GRIDPOINT w)
 void RGridPath::close()
 {
     while (points_.size() > 1 && points_.front() == points_.back()) points_.pop_back();
+}
+
+void RGridPath::simplify(double tolerance, bool ring)
+{
+    if (points_.size() < 4) return;
+    if (ring) points_.push_back(points_.front());
+    needed_.assign(points_.size(), 0);
+    markNeeded(0, points_.size() - 1, tolerance);
+    if (ring) points_.pop_back();
+    const auto count = std::count(needed_.begin(), needed_.begin() + std::ptrdiff_t(points_.size()), 1);
+    if (ring && count < 3) return;
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < points_.size(); ++i)
+        if (needed_[i]) points_[kept++] = points_[i];
+    points_.resize(kept);
+}
+
+void RGridPath::markNeeded(std::size_t first, std::size_t last, double tolerance)
+{
+    needed_[first] = needed_[last] = 1;
+    spans_.assign(1, {first, last});
+    while (!spans_.empty()) {
+        const auto span = spans_.back();
+        spans_.pop_back();
+        double most = tolerance * tolerance;
+        std::size_t at = 0;
+        for (std::size_t i = span.first + 1; i < span.second; ++i) {
+            const double d = strayed(points_[i], points_[span.first], points_[span.second]);
+            if (d > most) most = d, at = i;
+        }
+        if (at == 0) continue;
+        needed_[at] = 1;
+        spans_.emplace_back(span.first, at);
+        spans_.emplace_back(at, span.second);
+    }
 }
 
 void RGridPathWriter::fill(const RGridPath& ring)

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace graphics {
@@ -20,12 +21,19 @@ public:
     void add(GRIDPOINT w);
     // Takes the ends of a ring together, whose last point leads back to its first.
     void close();
+    // Leaves out points from which the way that remains strays by at most `tolerance` (Douglas and Peucker,
+    // 1973). A ring keeps at least three points if it has them.
+    void simplify(double tolerance, bool ring);
     [[nodiscard]] const std::vector<GRIDPOINT>& points() const { return points_; }
     // True if a filled ring of these points covers nothing.
     [[nodiscard]] bool isFlat() const { return points_.size() < 3; }
 
 private:
+    void markNeeded(std::size_t first, std::size_t last, double tolerance);
+
     std::vector<GRIDPOINT> points_;
+    std::vector<char> needed_;                               // scratch of simplify
+    std::vector<std::pair<std::size_t, std::size_t>> spans_; // the same
 };
 
 // Collects paths as PostScript text and writes it in large pieces.

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "graphics/sincos.h"
+
 namespace graphics {
 
 namespace {
@@ -144,10 +146,22 @@ RMapPaths::RMapPaths(const MAPGEOMETRY& map) : map_(map)
     views_ = viewsOf(map, centre_);
 }
 
+// True if all of the bounds is surely behind the horizon: their middle is further below it than they reach.
+bool RMapPaths::isHidden(const RECT2D& bounds) const
+{
+    if (map_.id != projectionOblique) return false;
+    const SINCOS pole = sinCosDegrees(map_.lat0), p = sinCosDegrees((bounds.ymin + bounds.ymax) / 2);
+    const double cosL = sinCosDegrees((bounds.xmin + bounds.xmax) / 2 - centre_).cosine;
+    const double below =
+        -std::asin(std::clamp(p.sine * pole.sine + cosL * pole.cosine * p.cosine, -1.0, 1.0));
+    return below / degree > (bounds.xmax - bounds.xmin + bounds.ymax - bounds.ymin) / 2;
+}
+
 void RMapPaths::eachView(std::span<const float> lon, std::span<const float> lat, const Visit& visit)
 {
     if (lon.empty()) return;
     const RECT2D bounds = boundsOf(lon, lat);
+    if (isHidden(bounds)) return;
     for (const RECT2D& view : views_) {
         const double first = std::ceil((view.xmin - bounds.xmax) / 360);
         const double last = std::floor((view.xmax - bounds.xmin) / 360);
@@ -212,14 +226,13 @@ void RMapPaths::project()
         }
         return;
     }
-    const double s0 = std::sin(map_.lat0 * degree), c0 = std::cos(map_.lat0 * degree);
+    const SINCOS pole = sinCosDegrees(map_.lat0);
     depth_.resize(plane_.size());
     for (std::size_t i = 0; i < plane_.size(); ++i) {
-        const double l = degree * std::clamp(plane_[i].x - centre_, -behind, behind);
-        const double p = degree * plane_[i].y;
-        const double cosP = std::cos(p), sinP = std::sin(p), cosL = std::cos(l);
-        plane_[i] = {std::sin(l) * cosP, sinP * c0 - cosL * s0 * cosP};
-        depth_[i] = sinP * s0 + cosL * c0 * cosP;
+        const SINCOS l = sinCosDegrees(std::clamp(plane_[i].x - centre_, -behind, behind));
+        const SINCOS p = sinCosDegrees(plane_[i].y);
+        plane_[i] = {l.sine * p.cosine, p.sine * pole.cosine - l.cosine * pole.sine * p.cosine};
+        depth_[i] = p.sine * pole.sine + l.cosine * pole.cosine * p.cosine;
     }
 }
 

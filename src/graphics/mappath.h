@@ -28,6 +28,7 @@ public:
 
 private:
     using Visit = std::function<void(const RECT2D& view, double turn, bool whole)>;
+    [[nodiscard]] bool isHidden(const RECT2D& bounds) const;
     void eachView(std::span<const float> lon, std::span<const float> lat, const Visit& visit);
     void load(std::span<const float> lon, std::span<const float> lat, double turn);
     void finishRing(const PATH2D& ring, const Emit& emit);

@@ -4,7 +4,7 @@
 
 #include "graphics/palette.h"
 #include "graphics/preparewindow.h"
-#include "pictures.h"
+#include "plotpictures.h"
 #include "plotfixture.h"
 
 namespace {
