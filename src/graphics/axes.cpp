@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "graphics/gridpen.h"
 #include "graphics/textsize.h"
 
 namespace graphics {
@@ -13,8 +14,7 @@ constexpr double ticWidths = 1.25;  // length of a major tic in widths of a "W"
 constexpr double xTitleTics = 1.1;  // from the tics' ends to the x title, in tics
 constexpr double yTitleTics = 1.95; // from the frame to the y title, in tics, and the widest number
 constexpr float axisTitleScale = 1.2f, plotTitleScale = 1.3f;
-constexpr double ticTolerance = 2;       // pixels that a tic may lie outside the plot
-constexpr double gridMillimetres = 0.05; // as PostScript draws it
+constexpr double ticTolerance = 2; // pixels that a tic may lie outside the plot
 
 // One axis of the current user system as the drawing of its tics sees it.
 struct AXIS {
@@ -40,9 +40,12 @@ float userOutside(const USRAXIS& axis, bool horizontal, double pixels)
     return static_cast<float>(axis.userMin + outside / axis.pixelsPerUnit);
 }
 
+// The last value of an axis falls on the pixel behind the frame.
 double pixelOf(const AXIS& axis, double value)
 {
-    return axis.horizontal ? pixelX(value) : pixelY(value);
+    const double pixel = axis.horizontal ? pixelX(value) : pixelY(value);
+    const auto [low, high] = std::minmax(axis.along.lowPx, axis.along.highPx);
+    return std::clamp<double>(pixel, low, high);
 }
 
 double ticLength(QPainter* p, float fontSize)
@@ -72,18 +75,6 @@ void drawTics(QPainter* p, const AXIS& axis, const std::vector<double>& values, 
 {
     const double frame = axis.across.lowPx, outward = axis.horizontal ? length : -length;
     for (const double value : values) drawLine(p, axis, pixelOf(axis, value), frame, frame + outward);
-}
-
-// A line thinner than a pixel is a pixel of less weight, as a page shows it.
-QPen gridPen(QPainter* p)
-{
-    QPen pen = p->pen();
-    const double pixels = 0.1 * gridMillimetres * drawState().device.pixelsPerCm;
-    QColor color = pen.color();
-    color.setAlphaF(static_cast<float>(std::clamp(pixels, 0.35, 1.0)));
-    pen.setColor(color);
-    pen.setWidthF(std::max(1.0, pixels));
-    return pen;
 }
 
 void drawGrid(QPainter* p, const AXIS& axis, const std::vector<double>& values)
@@ -145,6 +136,18 @@ private:
 };
 
 } // namespace
+
+QPen gridPen(QPainter* p)
+{
+    constexpr double lightest = 0.35;
+    QPen pen = p->pen();
+    const double pixels = 0.1 * thicknesses()[0].millimetres * drawState().device.pixelsPerCm;
+    QColor color = pen.color();
+    color.setAlphaF(static_cast<float>(std::clamp(pixels, lightest, 1.0)));
+    pen.setColor(color);
+    pen.setWidthF(std::max(1.0, pixels));
+    return pen;
+}
 
 TICS FitTics(float a, float b, float length, float fontSize, bool across)
 {

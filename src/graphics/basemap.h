@@ -4,52 +4,59 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <functional>
-#include <span>
 #include <string>
+#include <vector>
 
-#include "common/files.h"
 #include "common/user.h"
+#include "graphics/cdt.h"
 #include "graphics/datawindow.h"
 #include "graphics/drawing.h"
+#include "graphics/etopo.h"
 
 namespace graphics {
 
-// One polygon of a `.cdt` file, degrees.
-struct CDTRECORD {
-    std::span<const float> lon, lat; // n points, 1 to 1500
-    int outline = 0;                 // the first `outline` points are stroked
-    [[nodiscard]] bool closed() const { return lon.front() == lon.back() && lat.front() == lat.back(); }
-};
-// Calls visit for each record until it returns false, or a record is impossible in both byte orders, or the
-// file ends. Returns the number of records visited, -1 if the file can't be opened.
-int readCdtFile(const std::string& path, const std::function<bool(const CDTRECORD&)>& visit);
-
-// One file in the window `map`, with the drawing state's current colour, pen and line style.
-void DrawCdtFile(QPainter* p, std::FILE* ps, const std::string& path, const MAPGEOMETRY& map, bool fill,
-                 bool line);
+// One file in the window `map`, with the drawing state's current colour, pen and line style. A file that
+// can't be opened draws nothing. Returns what was read, with the damage that was found.
+CDTSCAN DrawCdtFile(QPainter* p, std::FILE* ps, const std::string& path, const MAPGEOMETRY& map, bool fill,
+                    bool line);
 
 struct BASEMAPCONTEXT {
     const common::INSTALLATION& installation;
     common::RUser& user;
-    bool onCanvas = true; // false for printing and bitmap export: the outline clips
+    bool onCanvas = true;   // false for printing and bitmap export: the outline clips
+    bool colors = true;     // colour ramps for bathymetry and topography; else grey steps
+    std::string title = {}; // the main window's title, for the stamp; empty for none
+    // Damaged files that were told of already: each is told once while a context lives.
+    mutable std::vector<std::string> told = {};
 };
 [[nodiscard]] std::string layerPath(const BASEMAPCONTEXT& context, const MAPWINDOW& map, int kind,
                                     const LAYERENTRY& entry);
 // Colours of entry i of n of a kind; `ramp`: colour ramps, else greys. Result as palette index, -1 none.
 [[nodiscard]] int automaticFill(int kind, int i, int n, bool topography, bool ramp);
 [[nodiscard]] int automaticLine(int kind, int i, int n, bool ramp);
+// Fill colour in force of entry i of a kind.
+[[nodiscard]] int layerFillColor(const MAPWINDOW& map, int kind, int i, bool ramp);
 
+// All entries of a kind: for each its fill, then its line. ESC ends it at the next entry.
 void DrawLayerKind(QPainter* p, std::FILE* ps, const BASEMAPCONTEXT& context, const MAPWINDOW& map, int kind,
                    bool ramp);
-// The map's parts on the painter, in their order.
+// The first coastline entry with its line only.
+void DrawCoastLine(QPainter* p, std::FILE* ps, const BASEMAPCONTEXT& context, const MAPWINDOW& map);
+// The bathymetry layer nearest to, but not deeper than `depth` metres, filled in the mask colour over a
+// field.
+void DrawBathymetryOverlay(QPainter* p, std::FILE* ps, const BASEMAPCONTEXT& context, const MAPWINDOW& map,
+                           double depth);
+// The map's parts on the painter, in their order; stations go between front and top. BaseMapBack puts the map
+// into its box (SetupMapWindow) and sets user system, plot rectangle, palette and clip.
 void BaseMapBack(QPainter* p, const BASEMAPCONTEXT& context, MAPWINDOW& map);
 void BaseMapFront(QPainter* p, const BASEMAPCONTEXT& context, MAPWINDOW& map);
 void BaseMapTop(QPainter* p, const BASEMAPCONTEXT& context, MAPWINDOW& map);
-// The same in three PostScript blocks.
+// The same in three PostScript blocks. PsBaseMap1 puts the map into its box, whose origin holds the page's
+// offset already.
 void PsBaseMap1(std::FILE* ps, const BASEMAPCONTEXT& context, MAPWINDOW& map);
 void PsBaseMap2(std::FILE* ps, const BASEMAPCONTEXT& context, MAPWINDOW& map);
 void PsBaseMap3(std::FILE* ps, const BASEMAPCONTEXT& context, MAPWINDOW& map);
+// One box for each bathymetry and topography entry, right of the map. `fontSize` is the window's, in points.
 void DrawMapColorBar(QPainter* p, std::FILE* ps, const MAPWINDOW& map, float fontSize);
 
 // The overlay grid of PostScript base map geometry: whole numbers 0 to 5000 across each axis of the map.
@@ -63,20 +70,5 @@ void endOverlayGrid(std::FILE* ps, const MAPGEOMETRY& map); // back to the windo
 void ClipToMap(QPainter* p, std::FILE* ps, const MAPGEOMETRY& map, bool frame);
 // Fills the area of the window outside the projection with white.
 void EraseOutsideMap(QPainter* p, const MAPGEOMETRY& map);
-
-// --- gridded relief
-struct ETOPOHEADER {
-    char magic[8];
-    std::int32_t reserved1;
-    float cellsPerLon;
-    std::int32_t cellsPerRow; // 1 to 6999
-    float southEdge;          // south edge of the data plus 90, degrees
-    float cellsPerLat;
-    std::int32_t reserved2;
-    bool swap; // of the file; not stored
-};
-[[nodiscard]] common::FilePtr OpenEtopo(const std::string& path, ETOPOHEADER& header); // null if it isn't one
-// Height in metres at a position in degrees; 0 where the file holds none.
-[[nodiscard]] float EtopoHeight(std::FILE* file, const ETOPOHEADER& header, double lon, double lat);
 
 } // namespace graphics

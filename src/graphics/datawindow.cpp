@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "common/files.h"
 #include "common/text.h"
 #include "graphics/layouts.h"
 
@@ -13,14 +12,6 @@ namespace {
 
 constexpr std::array<const char*, modeCount + 1> modeNames = {"MAP", "STATION", "SCATTER", "SECTION",
                                                               "SURFACE"};
-
-LAYERENTRY layer(const char* name, int lineColor)
-{
-    LAYERENTRY entry;
-    common::copyText(entry.name, name);
-    entry.lineColor = lineColor;
-    return entry;
-}
 
 // --- default variables
 
@@ -187,18 +178,6 @@ bool setWindowVariables(GRAPHICSSETUP& setup, int number, int x, int y, int z)
     window.toDraw = window.exists;
     window.complete = 0;
     return true;
-}
-
-void setDefaultLayers(MAPWINDOW& map, const common::INSTALLATION& installation)
-{
-    const bool fine = common::fileExists(installation.coast + "GlobHR/World.cdt");
-    map.layerSet = fine ? "GlobHR/" : "GlobLR/";
-    for (auto& layers : map.layers) layers.clear();
-    for (const char* const depth : {"Backgrd.cdt", "6000m.cdt", "5000m.cdt", "4000m.cdt", "3000m.cdt",
-                                    "2000m.cdt", "1000m.cdt", "500m.cdt"}) {
-        map.layers[layerBathymetry].push_back(layer(depth, -1));
-    }
-    map.layers[layerCoastlines].push_back(layer("World.cdt", 0));
 }
 
 void setDefaultSetup(GRAPHICSSETUP& setup, const collection::RCollection& collection,

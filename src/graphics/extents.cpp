@@ -5,7 +5,7 @@
 
 #include "graphics/mapplot.h"
 #include "graphics/preparewindow.h"
-#include "graphics/textwidth.h"
+#include "graphics/textsize.h"
 
 namespace graphics {
 
@@ -18,16 +18,11 @@ constexpr double ticLength = 1.25 * widthOfW, ticsToYLabel = 1.95 * ticLength; /
 constexpr double xLabelDistance = 1.75;                                        // base font sizes
 constexpr double zLabelHeight = 1.03;                                          // of the plot's height
 
-double cm(double points)
-{
-    return points * static_cast<double>(fontSettings().factor) / pointsPerCm;
-}
-
 // Of the numbers of an axis, in font sizes.
 double widestNumber(const TICS& tics, float high)
 {
-    const double step = static_cast<double>(tics.major), end = static_cast<double>(high) + step / 100;
-    const double first = static_cast<double>(tics.start);
+    const double step = tics.major, end = high + step / 100;
+    const double first = tics.start;
     double widest = textWidth(axisNumber(first, step));
     constexpr int most = 100;
     for (int i = 1; i < most && (end - first - i * step) * step > 0; ++i) {
@@ -38,20 +33,20 @@ double widestNumber(const TICS& tics, float high)
 
 double colorBarRoom(const DATAWINDOW& w, double font)
 {
-    const double barFont = cm(std::max(barShare * font, smallestBarFont));
-    const double least = leastBar * static_cast<double>(w.xLen);
+    const double barFont = textCm(std::max(barShare * font, smallestBarFont));
+    const double least = leastBar * w.xLen;
     const double numbers = widestNumber(ChooseTics(w.zMin, w.zMax), w.zMax) + 0.5;
     return std::max(barGap, least) + 1.075 * std::max(barWidth, least) + numbers * barFont;
 }
 
 double stampRoom(double font)
 {
-    return cm(font) * (stampGap + stampShare * labelHeight);
+    return textCm(font) * (stampGap + stampShare * labelHeight);
 }
 
 EXTENT plotArea(float x, float y, float width, float height)
 {
-    const auto d = [](float value) { return static_cast<double>(value); };
+    const auto d = [](float value) { return value; };
     return {d(x), d(y), d(x) + d(width), d(y) + d(height)};
 }
 
@@ -60,17 +55,17 @@ EXTENT plainExtent(const DATAWINDOW& w)
     EXTENT e = plotArea(w.xOrg, w.yOrg, w.xLen, w.yLen);
     const double font = static_cast<double>(baseFontSize(w.xLen, w.yLen));
     const float axisFont = static_cast<float>(axisShare * font);
-    const double axis = cm(axisShare * font), label = labelHeight * cm(font);
+    const double axis = textCm(axisShare * font), label = labelHeight * textCm(font);
     double right = stampRoom(font);
     if (w.axisColor >= 0) {
         const TICS x = FitTics(w.xMin, w.xMax, w.xLen, axisFont, false);
         const TICS y = FitTics(w.yMin, w.yMax, w.yLen, axisFont, true);
         e.left -= (ticsToYLabel + widestNumber(y, w.yMax)) * axis + label / 2;
-        e.bottom -= xLabelDistance * cm(font) + label;
+        e.bottom -= xLabelDistance * textCm(font) + label;
         right = std::max(right, widestNumber(x, w.xMax) / 2 * axis);
     }
     if (w.zVar != 0) {
-        e.top += (zLabelHeight - 1) * static_cast<double>(w.yLen) + label;
+        e.top += (zLabelHeight - 1) * w.yLen + label;
         if (w.colorBar) right = std::max(right, colorBarRoom(w, font));
     } else {
         e.top += labelHeight * axis / 2;
@@ -83,13 +78,13 @@ EXTENT mapExtent(const MAPWINDOW& map)
 {
     const double widestDegrees = textWidth("180\260W");
     const MAPGEOMETRY& g = map.geometry;
-    const double font = static_cast<double>(baseFontSize(g.xlen, g.ylen));
-    const double label = cm(mapShare * font);
+    const double font = static_cast<double>(baseFontSize(map.box.width, map.box.height));
+    const double label = textCm(mapShare * font);
     EXTENT e = plotArea(g.xorg, g.yorg, g.xlen, g.ylen);
     double right = std::max(widestDegrees / 2 * label, stampRoom(font));
     if (map.colorBar) {
-        const double bar = std::max(barGap, leastBar * static_cast<double>(g.xlen));
-        right = std::max(right, 2.075 * bar + textWidth("6000 m ") * 0.75 * cm(font));
+        const double bar = std::max(barGap, leastBar * g.xlen);
+        right = std::max(right, 2.075 * bar + textWidth("6000 m ") * 0.75 * textCm(font));
     }
     e.left -= (ticLength + widestDegrees) * label;
     e.bottom -= (ticLength + labelHeight) * label;
@@ -116,9 +111,8 @@ EXTENT grow(const EXTENT& e, double by)
 EXTENT clampToCanvas(const EXTENT& e)
 {
     const DEVICE& device = drawState().device;
-    return {std::max(e.left, 0.0), std::max(e.bottom, 0.0),
-            std::min(e.right, static_cast<double>(device.widthCm)),
-            std::min(e.top, static_cast<double>(device.heightCm))};
+    return {std::max(e.left, 0.0), std::max(e.bottom, 0.0), std::min<double>(e.right, device.widthCm),
+            std::min<double>(e.top, device.heightCm)};
 }
 
 EXTENT windowExtent(const PLOTCONTEXT& context, int number)
@@ -140,7 +134,7 @@ EXTENT usedExtent(const PLOTCONTEXT& context)
 QRect toPixels(const EXTENT& e)
 {
     const DEVICE& device = drawState().device;
-    const double ppcm = static_cast<double>(device.pixelsPerCm);
+    const double ppcm = device.pixelsPerCm;
     const auto px = [ppcm](double length) { return static_cast<int>(std::floor(length * ppcm)); };
     const QRect rect(QPoint(px(e.left), device.heightPx - 1 - px(e.top)),
                      QPoint(px(e.right), device.heightPx - 1 - px(e.bottom)));

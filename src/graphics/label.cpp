@@ -66,11 +66,11 @@ struct LAYOUT {
     double fontHeight = 0, start = 0; // start: of the text inside the box
 };
 
-QString characterText(const LABELCHARACTER& character)
+// Where no symbol font is installed, its letters are those of the text font.
+LABELCHARACTER inInstalledFont(const LABELCHARACTER& character)
 {
-    const bool greek = character.font == symbolFont && !symbolFontInstalled();
-    const char32_t code = greek ? symbolToUnicode(character.code) : character.code;
-    return QString::fromUcs4(&code, 1);
+    if (character.font != symbolFont || symbolFontInstalled()) return character;
+    return {symbolToUnicode(character.code), textFont, character.script};
 }
 
 LAYOUT measure(const QPaintDevice* device, std::string_view text, double points)
@@ -83,12 +83,14 @@ LAYOUT measure(const QPaintDevice* device, std::string_view text, double points)
     layout.lineHeight = layout.fontHeight * lineSpacing;
     layout.start = wide * (fontSettings().italic ? italicMargin : margin);
     double x = 0;
-    for (const LABELCHARACTER& character : parseLabel(text)) {
+    for (const LABELCHARACTER& parsed : parseLabel(text)) {
+        const LABELCHARACTER character = inInstalledFont(parsed);
         const RLabelFonts::FONT& font = fonts.of(character);
         const double shift = character.script < 0   ? subscriptShift
                              : character.script > 0 ? superscriptShift
                                                     : 0;
-        PLACEDCHARACTER placed{characterText(character), font.font, x, shift * layout.lineHeight};
+        PLACEDCHARACTER placed{QString::fromUcs4(&character.code, 1), font.font, x,
+                               shift * layout.lineHeight};
         x += font.metrics.horizontalAdvance(placed.text);
         if (character.code != U' ') layout.characters.push_back(std::move(placed));
     }

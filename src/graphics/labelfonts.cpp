@@ -24,11 +24,6 @@ QFont::Weight weightOf(int index)
     return weights[static_cast<std::size_t>(std::clamp(index, 0, 3))];
 }
 
-QString fromBytes(const std::string& text)
-{
-    return QString::fromStdString(text);
-}
-
 // A family of that name whose letters are the symbols: not a substitute under the same request.
 bool holdsSymbolCodes(const QString& family)
 {
@@ -36,13 +31,11 @@ bool holdsSymbolCodes(const QString& family)
     return QRawFont::fromFont(QFont(family)).supportsCharacter(QLatin1Char('s'));
 }
 
-QStringList familiesOf(int fontIndex)
+QString familyOf(int fontIndex)
 {
     const FONTSETTINGS& settings = fontSettings();
-    const QString standard = fromBytes(settings.family);
-    if (fontIndex != symbolFont) return {standard};
-    if (symbolFontInstalled()) return {fromBytes(settings.symbolFamily), standard};
-    return {QStringLiteral("Standard Symbols PS"), standard};
+    const bool symbols = fontIndex == symbolFont && symbolFontInstalled();
+    return QString::fromStdString(symbols ? settings.symbolFamily : settings.family);
 }
 
 // Points on this device in pixels, so that a text is as high in canvas centimetres on every device.
@@ -86,7 +79,7 @@ bool symbolFontInstalled()
     const std::string& family = fontSettings().symbolFamily;
     const auto found = known.find(family);
     if (found != known.end()) return found->second;
-    return known[family] = holdsSymbolCodes(fromBytes(family));
+    return known[family] = holdsSymbolCodes(QString::fromStdString(family));
 }
 
 QFont labelFont(const QPaintDevice* device, int fontIndex, double points)
@@ -96,7 +89,7 @@ QFont labelFont(const QPaintDevice* device, int fontIndex, double points)
     double size = settings.factor * state.fontScale * points;
     if (state.printing) size *= 0.8;
     if (fontIndex == symbolFont) size *= symbolEnlargement;
-    QFont font(familiesOf(fontIndex));
+    QFont font(familyOf(fontIndex));
     const double dotsPerInch = device ? device->logicalDpiY() : screenDotsPerInch();
     font.setPointSizeF(std::max(pixelsOf(size) * 72.0 / dotsPerInch, 0.1));
     font.setWeight(weightOf(settings.weight));

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "graphics/axes.h"
+#include "graphics/gridpen.h"
 #include "graphics/mapgraticule.h"
 #include "graphics/textsize.h"
 
@@ -37,7 +38,7 @@ struct DEGREEAXIS {
     std::vector<std::string> labels; // of the tics
 };
 
-// Width of the labels along the axis in cm must be below their distance.
+// Room in cm that each label takes along the axis.
 double neededCm(const DEGREEAXIS& axis, float fontSize, bool across)
 {
     double needed = across ? labelHeight : 0;
@@ -47,20 +48,31 @@ double neededCm(const DEGREEAXIS& axis, float fontSize, bool across)
     return textCm(needed * fontSize);
 }
 
+// The tics that get a label. Steps that were thinned count from 0, so that the equator keeps its label.
+std::vector<double> labelledTics(const MAPTICS& all, double lo, double hi, float length, bool latitude)
+{
+    MAPTICS t = all;
+    FitLabels(t.first, t.last, t.major, t.start, static_cast<float>(lo), static_cast<float>(hi), length);
+    std::vector<double> tics = ticValues(0, t.major, lo, hi);
+    const auto isPole = [&](double value) { return latitude && std::abs(value) >= 90; };
+    tics.erase(std::remove_if(tics.begin(), tics.end(), isPole), tics.end());
+    if (tics.empty() && all.first <= all.last) tics.push_back(all.start + all.first * double{all.major});
+    return tics;
+}
+
 DEGREEAXIS degreeAxis(double lo, double hi, float length, bool latitude, float fontSize)
 {
-    const float a = static_cast<float>(lo), b = static_cast<float>(hi);
-    MAPTICS t = ChooseMapTics(a, b, latitude);
-    FitLabels(t.first, t.last, t.major, t.start, a, b, length);
-    DEGREEAXIS axis{lo, hi, t.start, t.minor, {}, {}};
-    for (int i = t.first; i <= t.last; ++i) {
-        axis.tics.push_back(t.start + i * double{t.major});
-        axis.labels.push_back(latitude ? latitudeLabel(axis.tics.back()) : longitudeLabel(axis.tics.back()));
+    const MAPTICS t = ChooseMapTics(static_cast<float>(lo), static_cast<float>(hi), latitude);
+    DEGREEAXIS axis{lo, hi, t.start, t.minor, labelledTics(t, lo, hi, length, latitude), {}};
+    for (const double value : axis.tics) {
+        axis.labels.push_back(latitude ? latitudeLabel(value) : longitudeLabel(value));
     }
-    const double spacing = t.major * length / (hi - lo);
-    const double every = std::ceil(neededCm(axis, fontSize, latitude) / spacing);
+    if (axis.tics.size() < 2) return axis;
+    const double spacing = (axis.tics[1] - axis.tics[0]) * length / (hi - lo);
+    const auto every =
+        static_cast<std::size_t>(std::ceil(std::min(neededCm(axis, fontSize, latitude) / spacing, 1e3)));
     for (std::size_t i = 0; every > 1 && i < axis.labels.size(); ++i) {
-        if (i % static_cast<std::size_t>(std::min(every, 1000.0)) != 0) axis.labels[i].clear();
+        if (i % every != 0) axis.labels[i].clear();
     }
     return axis;
 }
@@ -116,6 +128,7 @@ void paintBorder(QPainter* p, const DEGREEAXIS& lon, const DEGREEAXIS& lat, doub
 void paintGridLines(QPainter* p, const DEGREEAXIS& lon, const DEGREEAXIS& lat)
 {
     const USRSYS& u = usrSys();
+    p->setPen(gridPen(p));
     for (const double x : lon.tics) {
         p->drawLine(QPointF(pixelX(x), u.y.lowPx), QPointF(pixelX(x), u.y.highPx));
     }
@@ -194,6 +207,8 @@ int pointsFor(float from, float to)
 
 void drawLines(QPainter* p, std::FILE* ps, const GRATICULE& g)
 {
+    const RDrawStateGuard guard(p);
+    if (p) drawState().currentColor = gridPen(p).color();
     for (const GRATICULEPIECE& piece : g.parallels) {
         DrawParallel(p, ps, piece.at, piece.from, piece.to, pointsFor(piece.from, piece.to), gridThickness);
     }

@@ -66,13 +66,13 @@ bool sees(const MAPGEOMETRY& m, double lon, double lat)
     return m.id != projectionOblique || IsVisible(lon, lat);
 }
 
-// Cuts the line from `from` to `to` into the pieces that `visible` allows, found in steps of a degree at
-// most; each piece reaches one step further, which the projection draws onto the horizon.
+// Cuts the line from `from` to `to` into the pieces that `visible` allows, found in steps of a quarter
+// degree at most; each piece reaches one step further, which the projection draws onto the horizon.
 template <typename Visible>
 void addVisiblePieces(std::vector<GRATICULEPIECE>& pieces, double at, double from, double to,
                       const Visible& visible)
 {
-    const int steps = std::max(60, static_cast<int>(std::ceil(to - from)));
+    const int steps = std::max(120, static_cast<int>(std::ceil(4 * (to - from))));
     const double step = (to - from) / steps;
     int begin = -1;
     for (int i = 0; i <= steps + 1; ++i) {
@@ -132,24 +132,28 @@ DIRECTION directionAt(const MAPGEOMETRY& m, double lon, double lat, bool alongPa
     return upright(std::atan2(dv, du) * degreesARadian);
 }
 
-// The point of the box opposite to that of `lorg`: a label turned by 180 degrees keeps its place with it.
-int opposite(int lorg)
-{
-    constexpr std::array<int, 10> table = {0, 2, 1, 6, 5, 4, 3, 8, 7, 9};
-    return table[static_cast<std::size_t>(lorg)];
-}
-
 // A row of labels along a parallel, or a column of them along a meridian.
 struct LABELROW {
     double at;
     int lorg;
 };
 
+// An inner row stands beside its meridians, running along them from the row upward.
+constexpr int besideMeridian = 6, belowEdge = 1, aboveEdge = 2, leftOfEdge = 7, centred = 0;
+
+// A label that was turned by 180 degrees: where it stood before, but that one beside a meridian changes the
+// side. Those are the meridians that bend to the west further north, and so away from it.
+int turnedOrigin(int lorg)
+{
+    constexpr std::array<int, 10> table = {0, 2, 1, 6, 5, 4, 4, 8, 7, 9};
+    return table[static_cast<std::size_t>(lorg)];
+}
+
 double nearest(const std::vector<double>& values, double target, double otherwise)
 {
     double best = otherwise;
     for (const double v : values) {
-        if (&v == values.data() || std::abs(v - target) < std::abs(best - target)) best = v;
+        if (&v == values.data() || std::abs(v - target) <= std::abs(best - target)) best = v;
     }
     return best;
 }
@@ -157,16 +161,12 @@ double nearest(const std::vector<double>& values, double target, double otherwis
 // The longitude at which the latitudes stand.
 LABELROW latitudeColumn(const MAPGEOMETRY& m, const std::vector<double>& meridians)
 {
-    constexpr int centred = 0, leftOfEdge = 7;
     if (m.id == projectionOblique && lonSpan(m) > 300) {
         const double target = m.lonMin + 0.75 * (m.lon0 - m.lonMin);
         return {nearest(meridians, target, m.lonMin), centred};
     }
     return {m.lonMin, wholeCircle(m) ? centred : leftOfEdge};
 }
-
-// An inner row stands beside its meridians, running along them from the row upward.
-constexpr int besideMeridian = 6, belowEdge = 1, aboveEdge = 2;
 
 LABELROW rowAt(const MAPGEOMETRY& m, double lat)
 {
@@ -216,14 +216,20 @@ DEGREELABEL labelAt(const MAPGEOMETRY& m, double lon, double lat, int lorg, bool
     label.u = static_cast<float>(at.u);
     label.v = static_cast<float>(at.v);
     label.angle = static_cast<float>(direction.angle);
-    label.lorg = direction.turned ? opposite(lorg) : lorg;
-    label.inside = lorg == 0 || lorg == besideMeridian;
+    label.lorg = direction.turned ? turnedOrigin(lorg) : lorg;
+    label.inside = lorg == centred || lorg == besideMeridian;
     return label;
 }
 
 // --- labels must not cover each other
 
 using CORNERS = std::array<POINT, 4>; // cm
+
+POINT onPaper(const MAPGEOMETRY& m, double u, double v)
+{
+    return {(u - m.umin) * m.xlen / (double{m.umax} - m.umin),
+            (v - m.vmin) * m.ylen / (double{m.vmax} - m.vmin)};
+}
 
 // Fractions of a label's box from its lower left corner to the point of `lorg`.
 POINT fractions(int lorg)
@@ -233,17 +239,17 @@ POINT fractions(int lorg)
     return table[static_cast<std::size_t>(lorg)];
 }
 
-CORNERS boxOf(const MAPGEOMETRY& m, const DEGREELABEL& label, float fontSize)
+// `margin` in font sizes makes it larger, or smaller if negative.
+CORNERS boxOf(const MAPGEOMETRY& m, const DEGREELABEL& label, float fontSize, double margin = 0)
 {
     const double size = textCm(fontSize);
-    const double w = textWidth(label.text) * size, h = labelHeight * size;
+    const double w = textWidth(label.text) * size, h = labelHeight * size, d = margin * size;
     const POINT f = fractions(label.lorg);
-    const double x = (label.u - m.umin) * m.xlen / (double{m.umax} - m.umin);
-    const double y = (label.v - m.vmin) * m.ylen / (double{m.vmax} - m.vmin);
+    const POINT at = onPaper(m, label.u, label.v);
     const double c = std::cos(label.angle / degreesARadian), s = std::sin(label.angle / degreesARadian);
     const auto corner = [&](double fx, double fy) {
-        const double dx = (fx - f.u) * w, dy = (fy - f.v) * h;
-        return POINT{x + c * dx - s * dy, y + s * dx + c * dy};
+        const double dx = (fx - f.u) * w + (fx - 0.5) * 2 * d, dy = (fy - f.v) * h + (fy - 0.5) * 2 * d;
+        return POINT{at.u + c * dx - s * dy, at.v + s * dx + c * dy};
     };
     return {corner(0, 0), corner(1, 0), corner(1, 1), corner(0, 1)};
 }
@@ -266,6 +272,12 @@ bool overlap(const CORNERS& a, const CORNERS& b)
     return !sideParts(a, b) && !sideParts(b, a);
 }
 
+bool holds(const CORNERS& box, const POINT& p)
+{
+    return !sideParts(box, {p, p, p, p});
+}
+
+// The places that labels take.
 class RLabelSpace {
 public:
     RLabelSpace(const MAPGEOMETRY& m, float fontSize) : map_(m), fontSize_(fontSize) {}
@@ -278,6 +290,13 @@ public:
         taken_.push_back(box);
         return true;
     }
+    [[nodiscard]] bool covers(double lon, double lat) const
+    {
+        const POINT at = projected(lon, lat);
+        const POINT point = onPaper(map_, at.u, at.v);
+        return std::any_of(taken_.begin(), taken_.end(),
+                           [&](const CORNERS& box) { return holds(box, point); });
+    }
 
 private:
     const MAPGEOMETRY& map_;
@@ -285,33 +304,98 @@ private:
     std::vector<CORNERS> taken_;
 };
 
-// Every n-th of the meridians' labels, so that there is about one a centimetre.
+// The map's edge on paper, to keep labels beside it off it.
+class REdge {
+public:
+    explicit REdge(const MAPGEOMETRY& m)
+    {
+        std::vector<float> u(361), v(361);
+        const int n = MapOutline(u, v, m.id, m.lonMin, m.lonMax, m.latMin, m.latMax);
+        for (std::size_t i = 0; i < static_cast<std::size_t>(n); ++i)
+            points_.push_back(onPaper(m, u[i], v[i]));
+    }
+    [[nodiscard]] bool cuts(const CORNERS& box) const
+    {
+        const auto inside =
+            std::count_if(box.begin(), box.end(), [&](const POINT& p) { return encloses(p); });
+        return inside > 0 && inside < static_cast<std::ptrdiff_t>(box.size());
+    }
+    // Ray cast to the right.
+    [[nodiscard]] bool encloses(const POINT& p) const
+    {
+        bool inside = false;
+        for (std::size_t i = 0, j = points_.size() - 1; i < points_.size(); j = i++) {
+            const POINT &a = points_[i], &b = points_[j];
+            if ((a.v > p.v) == (b.v > p.v)) continue;
+            if (p.u < a.u + (p.v - a.v) / (b.v - a.v) * (b.u - a.u)) inside = !inside;
+        }
+        return inside;
+    }
+
+private:
+    std::vector<POINT> points_;
+};
+
+constexpr double innerMargin = -0.15; // font sizes; a box may touch the edge, the letters in it may not
+
+// Moves a label that ends at the edge along its direction, until the edge doesn't cut its letters.
+void moveOffEdge(DEGREELABEL& label, const MAPGEOMETRY& m, const REdge& edge, float fontSize)
+{
+    const double size = textCm(fontSize), angle = label.angle / degreesARadian;
+    const double outward = label.lorg == leftOfEdge ? -1 : 1;
+    constexpr double step = 0.1, furthest = 2.5, halfLetter = 0.45; // font sizes
+    const double du = -std::sin(angle) * halfLetter * size, dv = std::cos(angle) * halfLetter * size;
+    for (double moved = 0; moved < furthest; moved += step) {
+        const POINT end = onPaper(m, label.u, label.v);
+        const bool cut = edge.encloses({end.u + du, end.v + dv}) || edge.encloses({end.u - du, end.v - dv});
+        if (!cut && moved > 0) return;
+        const double shift = outward * step * size;
+        label.u += static_cast<float>(shift * std::cos(angle) * (double{m.umax} - m.umin) / m.xlen);
+        label.v += static_cast<float>(shift * std::sin(angle) * (double{m.vmax} - m.vmin) / m.ylen);
+    }
+}
+
+// Every n-th of the meridians' labels, so that there is about one a centimetre: of the rim if they stand
+// around it, else of the map's width, across which a globe shows half of its meridians.
 std::size_t labelStride(const MAPGEOMETRY& m)
 {
-    const double step = meridianStep(m);
-    int first = 0, last = static_cast<int>(lonSpan(m) / step);
+    const bool globe = m.id == projectionOblique && wholeCircle(m);
+    const double span = globe ? 180 : lonSpan(m), step = meridianStep(m);
+    const bool rim = m.id == projectionNorthPolar || m.id == projectionSouthPolar;
+    const double length = rim ? m.xlen * 3.14 * span / 360 : m.xlen;
+    int first = 0, last = static_cast<int>(span / step);
     float major = static_cast<float>(step);
-    FitLabels(first, last, major, static_cast<float>(m.lonMin), static_cast<float>(m.lonMin),
-              static_cast<float>(m.lonMax), m.xlen);
+    FitLabels(first, last, major, 0, 0, static_cast<float>(span), static_cast<float>(length));
     return static_cast<std::size_t>(std::max(1.0, std::round(major / step)));
 }
 
-void addLabels(GRATICULE& g, const MAPGEOMETRY& m, float fontSize, const std::vector<double>& meridians,
-               const std::vector<double>& parallels)
+void addLatitudes(std::vector<DEGREELABEL>& labels, RLabelSpace& space, const MAPGEOMETRY& m, float fontSize,
+                  const LABELROW& column, const std::vector<double>& parallels)
 {
-    RLabelSpace space(m, fontSize);
-    const LABELROW column = latitudeColumn(m, meridians), row = longitudeRow(m, parallels);
+    const REdge edge(m);
+    const double margin = 0.02 * latSpan(m);
     for (const double lat : parallels) {
-        if (!sees(m, column.at, lat)) continue;
+        const bool onEdge = lat - m.latMin < margin || m.latMax - lat < margin;
+        if (!sees(m, column.at, lat) || (column.lorg == centred && onEdge)) continue;
         DEGREELABEL label = labelAt(m, column.at, lat, column.lorg, true, latitudeLabel(lat));
-        if (space.take(label)) g.labels.push_back(std::move(label));
+        if (column.lorg == leftOfEdge) moveOffEdge(label, m, edge, fontSize);
+        if (column.lorg == centred && edge.cuts(boxOf(m, label, fontSize, innerMargin))) continue;
+        if (space.take(label)) labels.push_back(std::move(label));
     }
+}
+
+void addLongitudes(std::vector<DEGREELABEL>& labels, RLabelSpace& space, const MAPGEOMETRY& m, float fontSize,
+                   const LABELROW& row, const std::vector<double>& meridians)
+{
+    const REdge edge(m);
+    const bool atEdge = row.lorg != besideMeridian;
     const std::size_t stride = labelStride(m);
     for (std::size_t i = 0; i < meridians.size(); i += stride) {
-        if (!sees(m, meridians[i], row.at)) continue;
-        const bool atEdge = row.lorg != besideMeridian;
-        DEGREELABEL label = labelAt(m, meridians[i], row.at, row.lorg, atEdge, longitudeLabel(meridians[i]));
-        if (space.take(label)) g.labels.push_back(std::move(label));
+        const double lon = meridians[i];
+        if (!sees(m, lon, row.at)) continue;
+        DEGREELABEL label = labelAt(m, lon, row.at, row.lorg, atEdge, longitudeLabel(lon));
+        if (!atEdge && edge.cuts(boxOf(m, label, fontSize, innerMargin))) continue;
+        if (space.take(label)) labels.push_back(std::move(label));
     }
 }
 
@@ -321,13 +405,16 @@ GRATICULE makeGraticule(const MAPGEOMETRY& m, float fontSize)
 {
     GRATICULE g;
     const std::vector<double> meridians = meridianValues(m), parallels = parallelValues(m);
+    RLabelSpace space(m, fontSize);
+    addLatitudes(g.labels, space, m, fontSize, latitudeColumn(m, meridians), parallels);
+    addLongitudes(g.labels, space, m, fontSize, longitudeRow(m, parallels), meridians);
+    const auto free = [&](double lon, double lat) { return sees(m, lon, lat) && !space.covers(lon, lat); };
     for (const double lon : meridians) {
-        addVisiblePieces(g.meridians, lon, m.latMin, m.latMax, [&](double lat) { return sees(m, lon, lat); });
+        addVisiblePieces(g.meridians, lon, m.latMin, m.latMax, [&](double lat) { return free(lon, lat); });
     }
     for (const double lat : parallels) {
-        addVisiblePieces(g.parallels, lat, m.lonMin, m.lonMax, [&](double lon) { return sees(m, lon, lat); });
+        addVisiblePieces(g.parallels, lat, m.lonMin, m.lonMax, [&](double lon) { return free(lon, lat); });
     }
-    addLabels(g, m, fontSize, meridians, parallels);
     return g;
 }
 

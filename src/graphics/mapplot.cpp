@@ -44,8 +44,7 @@ void setMapUserSystem(MAPWINDOW& map)
 // The projected place of a station; false if it is hidden behind the globe.
 bool placeOf(const SELECTEDSTATION& station, float& x, float& y)
 {
-    if (!IsVisible(static_cast<double>(station.longitude), static_cast<double>(station.latitude)))
-        return false;
+    if (!IsVisible(station.longitude, station.latitude)) return false;
     x = station.longitude;
     y = station.latitude;
     ProjectPoint(x, y);
@@ -62,8 +61,8 @@ bool setPixels(SELECTEDSTATION& station)
 {
     float x = 0, y = 0;
     const bool visible = placeOf(station, x, y);
-    station.pixelX = visible ? storedPixel(pixelX(static_cast<double>(x))) : std::int16_t{-1};
-    station.pixelY = visible ? storedPixel(pixelY(static_cast<double>(y))) : std::int16_t{-1};
+    station.pixelX = visible ? storedPixel(pixelX(x)) : std::int16_t{-1};
+    station.pixelY = visible ? storedPixel(pixelY(y)) : std::int16_t{-1};
     return true;
 }
 
@@ -94,7 +93,7 @@ private:
     {
         float x = 0, y = 0;
         if (!placeOf(station, x, y)) return;
-        const int px = pixelX(static_cast<double>(x)), py = pixelY(static_cast<double>(y));
+        const int px = pixelX(x), py = pixelY(y);
         if (px < 0 || px >= width_ || py < 0) return;
         const std::size_t place =
             static_cast<std::size_t>(py) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(px);
@@ -239,8 +238,8 @@ bool gridPlace(const MAPGEOMETRY& map, const SELECTEDSTATION& station, int& x, i
 {
     float u = 0, v = 0;
     if (!placeOf(station, u, v)) return false;
-    x = overlayX(map, static_cast<double>(u));
-    y = overlayY(map, static_cast<double>(v));
+    x = overlayX(map, u);
+    y = overlayY(map, v);
     return true;
 }
 
@@ -254,8 +253,7 @@ void writePsMarks(std::FILE* ps, PLOTCONTEXT& context)
         if (!gridPlace(context.setup.map.geometry, station, x, y)) continue;
         WritePsColor(ps, cycle.color);
         const bool open = !cycle.fill;
-        std::fprintf(ps, "/fill? %s def %d %d %g %s\n", open ? "false" : "true", x, y,
-                     static_cast<double>(markSize) * 10,
+        std::fprintf(ps, "/fill? %s def %d %d %g %s\n", open ? "false" : "true", x, y, markSize * 10,
                      symbols()[static_cast<std::size_t>(cycle.symbol - 1)].procedure);
     }
     std::fputs("/fill? true def\n", ps);

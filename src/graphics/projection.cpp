@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include "common/text.h"
+#include "graphics/sincos.h"
 
 namespace graphics {
 
@@ -27,15 +28,15 @@ double asinDegrees(double sine)
 
 PAIR polar(double d, double lat, bool north)
 {
-    const double p = degree * (north ? std::max(lat, polarGap) : std::min(lat, -polarGap));
-    const double v = std::cos(d * degree) * std::cos(p);
-    return {std::sin(d * degree) * std::cos(p), north ? -v : v};
+    const double cosP = sinCosDegrees(north ? std::max(lat, polarGap) : std::min(lat, -polarGap)).cosine;
+    const SINCOS l = sinCosDegrees(d);
+    return {l.sine * cosP, (north ? -l.cosine : l.cosine) * cosP};
 }
 
 PAIR equatorial(double d, double lat)
 {
-    const double l = degree * std::clamp(d, -equatorialLimit, equatorialLimit);
-    return {std::cos(lat * degree) * std::sin(l), std::sin(lat * degree)};
+    const SINCOS p = sinCosDegrees(lat);
+    return {p.cosine * sinCosDegrees(std::clamp(d, -equatorialLimit, equatorialLimit)).sine, p.sine};
 }
 
 // The polynomials stand for the iterative solution of Mollweide's equation. x and y in degrees.
@@ -71,11 +72,11 @@ PAIR oblique(double d, double lat)
 // The globe turned so that its axis lies in the equator, then Mollweide with exchanged axes.
 PAIR obliqueMollweide(double d, double lat)
 {
-    const double l = (d + 180) * degree, p = lat * degree;
-    const double east = std::sin(l) * std::cos(p), north = std::sin(p);
+    const SINCOS l = sinCosDegrees(d + 180), p = sinCosDegrees(lat);
+    const double east = l.sine * p.cosine, north = p.sine;
     const double a = std::abs(east) < 1e-8 && std::abs(north) < 1e-8 ? 0.0 : std::atan2(east, north);
     const double x = a / degree + 90;
-    const PAIR w = mollweide(x > 180 ? x - 360 : x, asinDegrees(-std::cos(p) * std::cos(l)));
+    const PAIR w = mollweide(x > 180 ? x - 360 : x, asinDegrees(-p.cosine * l.cosine));
     return {-w.y, w.x};
 }
 

@@ -11,11 +11,13 @@ namespace graphics {
 namespace {
 
 constexpr float axisFontScale = 0.9f, stampFontScale = 0.65f; // of the window's base font size
-constexpr double xLabelPoints = 1.75;                         // below the frame, in base font sizes
+constexpr double xLabelPoints = 2.0;                          // below the frame, in base font sizes
 constexpr double zLabelHeight = 1.03;                         // of the window's height, above its origin
 constexpr double ticsToYLabel = 1.95 * 1.25 * widthOfW;       // in sizes of the numbers' font
 constexpr double labelOverhang = 0.8;                         // cm that a label may be longer than its axis
 constexpr float smallestLabel = 0.6f;                         // of its proper size
+
+constexpr float stampBesideBar = 7; // points that fit between a plot and its colour bar
 
 // An automatic label: an annotation that the window makes for itself.
 struct AUTOLABEL {
@@ -192,6 +194,13 @@ void drawScreen(QPainter* p, const FRAME& frame, bool labels)
     drawLabels(p, nullptr, list, frame.window.axisColor);
 }
 
+float stampSize(const FRAME& frame)
+{
+    const float size = stampFontScale * frame.fontSize;
+    const bool bar = frame.window.zVar != 0 && frame.window.colorBar != 0;
+    return bar ? std::min(size, stampBesideBar) : size;
+}
+
 FRAME frameOf(const FRAMECONTEXT& context, const DATAWINDOW& w)
 {
     const float fontSize = baseFontSize(w.xLen, w.yLen);
@@ -209,7 +218,7 @@ void DrawWindowFrame(QPainter* p, std::FILE* ps, const FRAMECONTEXT& context, in
     if (drawable) {
         const FRAME frame = frameOf(context, window);
         const bool wanted = labels && window.axisColor >= 0 && window.autoLabels != 0;
-        DrawStamp(p, ps, context.windowTitle, stampFontScale * frame.fontSize, std::max(window.axisColor, 0));
+        DrawStamp(p, ps, context.windowTitle, stampSize(frame), std::max(window.axisColor, 0));
         if (ps) drawPage(ps, frame, wanted);
         if (p) drawScreen(p, frame, wanted);
     }

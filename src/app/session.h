@@ -1,0 +1,138 @@
+#pragma once
+
+// What the program does with the open collection, without a window: opening by kind, importing, closing,
+// pictures and data out. The window owns one session, tests make their own.
+
+#include <array>
+#include <bitset>
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "app/filekind.h"
+#include "app/gate.h"
+#include "app/histories.h"
+#include "app/settings.h"
+#include "collection/rcollection.h"
+#include "collection/sidefiles.h"
+#include "common/installation.h"
+#include "common/user.h"
+#include "graphics/plots.h"
+#include "import/importspreadsheet.h"
+#include "selection/criteria.h"
+
+namespace app {
+
+// What a session asks of whoever shows it.
+class RSessionView {
+public:
+    virtual ~RSessionView() = default;
+    virtual void showIdle() {}    // nothing is open any more
+    virtual void showPicture() {} // the picture is to be drawn anew
+    virtual void captionChanged(const std::string&) {}
+    virtual void statusChanged() {} // the state's own text belongs in the status line
+    virtual void recentFilesChanged() {}
+    virtual void requestClose() {}                          // of the program
+    [[nodiscard]] virtual int askResolution() { return 0; } // dots per inch, 0 if nobody tells
+};
+
+enum RunMode : int { interactiveRun = 1, commandFileRun = 2 };
+
+enum class OpenResult : int { ok = 0, failed = 1, noTemporaryFile = 6 };
+
+class RSession {
+public:
+    RSession(common::RUser& user, RSessionView& view);
+    ~RSession();
+    RSession(const RSession&) = delete;
+    RSession& operator=(const RSession&) = delete;
+
+    // --- what all of the program looks at
+    common::INSTALLATION installation;
+    SETTINGS settings;
+    ATMHISTORIES histories;
+    collection::RCollection collection;
+    collection::STATIONDATA currentStation;
+    graphics::GRAPHICSSETUP setup;
+    graphics::MAPCACHE mapCache;
+    collection::LASTFILES lastFiles;
+    int state = stateIdle;
+    int runMode = interactiveRun;
+    bool stale = true;
+    bool importOverwrite = false; // a collection that an import would replace may be replaced
+    const std::string title, version;
+
+    // --- opening and closing
+    // The path is relative to the current directory, which becomes the collection's.
+    [[nodiscard]] OpenResult open(const std::string& path);
+    // False if the user cancelled, which `force` ignores.
+    bool close(bool force);
+    // A file of the command line or a drop: `argument` says what it is taken for, relative paths are against
+    // `directory`.
+    [[nodiscard]] OpenResult openArgument(const std::string& argument, const std::string& directory);
+    // False, after a message.
+    [[nodiscard]] bool loadConfiguration(const std::string& path);
+
+    // --- pictures
+    // The map and the windows of the mode in `painter`; all of them if `full`, else those that need it.
+    void draw(QPainter* painter, bool full, std::function<void()> repaint);
+    // Everything is to be drawn anew.
+    void invalidate();
+    // False if nothing was written, after a message if there is something to say. window: -1 the canvas, 0
+    // the map, else a data window of the mode.
+    [[nodiscard]] bool exportGraphics(const std::string& path, int window, int dpi);
+    [[nodiscard]] bool exportData(const std::string& path);
+
+    // --- the view; each gives back what is wrong, empty if nothing is
+    [[nodiscard]] std::string setMode(int mode);
+    [[nodiscard]] std::string useLayout(std::string_view menuText);
+    [[nodiscard]] std::string setWindow(int window, std::string_view x, std::string_view y,
+                                        std::optional<std::string_view> z);
+    [[nodiscard]] std::string setRange(int window, int axis, float low, float high); // axis 0 x, 1 y, 2 z
+    [[nodiscard]] std::string fullRange(std::optional<int> window);
+    [[nodiscard]] std::string setStyle(int window, int style, std::optional<float> dotSize);
+    [[nodiscard]] std::string setPalette(int window, std::string_view name); // window 0: the map
+    [[nodiscard]] std::string setDomain(double lonMin, double lonMax, double latMin, double latMax,
+                                        std::optional<int> projection,
+                                        std::optional<std::pair<double, double>> pole);
+    [[nodiscard]] std::string plotStation(std::optional<int> number); // none: all
+
+    // --- for the gate and the status line
+    [[nodiscard]] GATESTATE gateState() const;
+    [[nodiscard]] bool isAllowed(int commandId, int window) const;
+    [[nodiscard]] std::string statusText() const;
+    [[nodiscard]] graphics::PLOTCONTEXT plotContext();
+
+private:
+    using Header = importing::SPREADSHEETHEADER;
+    [[nodiscard]] OpenResult openKind(FileKind kind, const std::string& path);
+    [[nodiscard]] OpenResult openCollection(const std::string& path);
+    [[nodiscard]] OpenResult importAsNew(const std::string& path);
+    [[nodiscard]] OpenResult importIntoOpen(const std::string& path);
+    [[nodiscard]] bool setNames(const std::string& path);
+    [[nodiscard]] bool mayReplace();
+    [[nodiscard]] OpenResult openFiles();
+    [[nodiscard]] importing::IMPORTRESULT runImport(const std::string& path, std::optional<Header> header);
+    void becomeReady(const std::string& path);
+    void setDefaults();
+    void abandon();
+    void listChanged();
+    void viewChanged();
+
+    [[nodiscard]] std::string openFault() const;
+    [[nodiscard]] std::string windowFault(int window) const;
+    [[nodiscard]] int variableNamed(std::string_view text) const;
+    void findRanges();
+    void findRangesOf(int window);
+    [[nodiscard]] bool writeGraphics(const std::string& path, int window, int dpi);
+
+    common::RUser& user_;
+    RSessionView& view_;
+    selection::RSelectionStages stages_;
+    collection::STATIONDATA scratch_; // for plots and imports
+    // Windows whose axes have their ranges, by mode and window number.
+    std::array<std::bitset<common::maxDataWindows + 1>, graphics::modeCount> ranged_;
+};
+
+} // namespace app
