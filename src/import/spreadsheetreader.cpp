@@ -341,6 +341,8 @@ std::int64_t RSpreadsheetReader::State::readStation(STATIONDATA& station)
         }
         if (!readLevels()) return failure;
         ++stationsRead;
+        // The line in hand was compared under the number of the station that it ended.
+        if (isLabelledByNumber(desc)) labelByNumber(lineHeader, stationsRead + 1);
         if (levels <= common::maxLevels) break;
         tooManyLevels();
     }

@@ -78,11 +78,23 @@ std::optional<int> numericLabel(std::string_view label)
     return number;
 }
 
-// The lengths of the bounds bind too, so that "9" comes before "10" between bounds of one and two digits. The
-// default upper bound admits any label, also one that begins behind "z".
+bool isDigits(std::string_view text)
+{
+    return !text.empty() &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+// Byte by byte, but of two labels of digits the shorter one comes first, so that 9 stands before 10.
+bool isBelow(std::string_view a, std::string_view b)
+{
+    if (a.size() != b.size() && isDigits(a) && isDigits(b)) return a.size() < b.size();
+    return a < b;
+}
+
+// The lengths of the bounds bind too. The default upper bound admits any label, also one behind "z".
 bool isBetweenLabels(std::string_view label, std::string_view from, std::string_view to)
 {
-    return label >= from && (label <= to || to == collection::lastLabelBound) &&
+    return !isBelow(label, from) && (!isBelow(to, label) || to == collection::lastLabelBound) &&
            label.size() >= from.size() && label.size() <= to.size();
 }
 

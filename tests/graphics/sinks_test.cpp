@@ -9,7 +9,7 @@
 
 #include "graphics/drawing.h"
 #include "graphics/palette.h"
-#include "graphics/pictures.h"
+#include "graphics/scenes.h"
 
 namespace {
 
@@ -141,7 +141,7 @@ PAIR bothPictures(const Scene& scene, const std::string& name, bool smooth = tru
 {
     PAIR pair;
     pair.painter = painted(scene);
-    const std::string file = pageFile(written(scene));
+    const std::string file = pageFile(pageText(scene));
     EXPECT_EQ(complaints(file), "");
     pair.page = rendered(file, smooth);
     keepPictures(pair.painter, pair.page, name);
