@@ -4,8 +4,9 @@
 
 #include "graphics/palette.h"
 #include "graphics/preparewindow.h"
-#include "plotpictures.h"
+#include "pictures.h"
 #include "plotfixture.h"
+#include "plotpictures.h"
 
 namespace {
 
@@ -29,7 +30,7 @@ struct POINTSFIXTURE : RPlotFixture {
     DATAWINDOW& window() { return setup.window(1); }
     std::string marks(const PLOTDATA& data)
     {
-        return written([&](std::FILE* ps) { PlotMarks(nullptr, ps, c, data, window(), options); });
+        return written([&](QPainter* p, std::FILE* ps) { PlotMarks(p, ps, c, data, window(), options); });
     }
     PLOTCONTEXT c;
     PLOTOPTIONS options;
