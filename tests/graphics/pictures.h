@@ -1,46 +1,73 @@
 #pragma once
 
-// Pictures of both sinks, for comparing them: a painter's image, and a PostScript page as Ghostscript shows
-// it.
+// What tests look for in pictures and in PostScript text.
 
 #include <cstdio>
-#include <functional>
-#include <optional>
 #include <string>
+#include <string_view>
 
 #include <QImage>
 #include <QPainter>
 
+#include "common/files.h"
+#include "graphics/drawing.h"
+
 namespace testing_support {
 
-// Draws into one of the sinks.
-using Scene = std::function<void(QPainter*, std::FILE*)>;
-
-// A device of `width` by `height` cm becomes the drawing state's, at `dpi`.
-void useDevice(float widthCm, float heightCm, double dpi);
-
-// The scene on a white image with the device of the drawing state.
-[[nodiscard]] QImage painted(const Scene& scene);
-
-// What the scene writes, as text.
-[[nodiscard]] std::string written(const Scene& scene);
-
-[[nodiscard]] std::string preamblePath();
-[[nodiscard]] bool haveGhostscript();
-
-struct PAGE {
-    bool landscape = false;
-    double scale = 1;
-    std::string family = "Helvetica-Bold";
+// A white canvas of the reference size with a painter on it.
+class RTestCanvas {
+public:
+    RTestCanvas() : RTestCanvas(graphics::drawState().device) {}
+    explicit RTestCanvas(const graphics::DEVICE& device)
+        : image(device.widthPx, device.heightPx, QImage::Format_RGB32)
+    {
+        image.fill(Qt::white);
+        painter.begin(&image);
+    }
+    QImage image;
+    QPainter painter;
 };
-// A complete file around a page's text.
-[[nodiscard]] std::string pageFile(const std::string& content, const PAGE& page = {});
-// Ghostscript's messages for a file, "" if it has none, its operand stack is empty at the end and its
-// dictionary stack is as it was.
-[[nodiscard]] std::string complaints(const std::string& file);
-// The page from its lower left corner as Ghostscript draws it, as large as the device of the drawing state
-// and at its resolution. smooth: with soft edges, so that areas are true; otherwise every pixel that is
-// touched is painted. Null on failure.
-[[nodiscard]] QImage rendered(const std::string& file, bool smooth = true);
+
+// What a routine writes to its stream.
+template <typename Write>
+std::string written(Write write)
+{
+    std::FILE* const file = std::tmpfile();
+    write(file);
+    const long size = std::ftell(file);
+    std::string text(static_cast<std::size_t>(size), '\0');
+    std::rewind(file);
+    text.resize(std::fread(text.data(), 1, text.size(), file));
+    std::fclose(file);
+    return text;
+}
+
+inline int countOf(std::string_view text, std::string_view part)
+{
+    int n = 0;
+    for (std::size_t at = text.find(part); at != std::string_view::npos;
+         at = text.find(part, at + part.size()))
+        ++n;
+    return n;
+}
+
+// Pixels of `area` that aren't `color`.
+inline int pixelsOtherThan(const QImage& image, const QRect& area, QRgb color)
+{
+    int n = 0;
+    const QRect inside = area.intersected(image.rect());
+    for (int y = inside.top(); y <= inside.bottom(); ++y) {
+        for (int x = inside.left(); x <= inside.right(); ++x) {
+            n += (image.pixel(x, y) & RGB_MASK) != (color & RGB_MASK) ? 1 : 0;
+        }
+    }
+    return n;
+}
+
+inline int pixelsOf(const QImage& image, const QRect& area, QRgb color)
+{
+    const QRect inside = area.intersected(image.rect());
+    return inside.width() * inside.height() - pixelsOtherThan(image, inside, color);
+}
 
 } // namespace testing_support
