@@ -10,7 +10,7 @@
 
 #include "graphics/drawing.h"
 #include "graphics/palette.h"
-#include "graphics/pictures.h"
+#include "graphics/plotpictures.h"
 #include "graphics/projection.h"
 #include "graphics/scenes.h"
 

@@ -10,7 +10,7 @@
 #include "graphics/labelfonts.h"
 #include "graphics/labeltext.h"
 #include "graphics/palette.h"
-#include "graphics/pictures.h"
+#include "graphics/plotpictures.h"
 #include "graphics/scenes.h"
 
 namespace {

@@ -6,7 +6,7 @@
 
 #include "graphics/drawing.h"
 #include "graphics/palette.h"
-#include "graphics/pictures.h"
+#include "graphics/plotpictures.h"
 #include "graphics/scenes.h"
 #include "temporarydirectory.h"
 

@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "graphics/palette.h"
+#include "graphics/plotfixture.h"
+#include "graphics/plotpictures.h"
 #include "graphics/preparewindow.h"
-#include "pictures.h"
-#include "plotfixture.h"
-#include "plotpictures.h"
+#include "graphics/scenes.h"
 
 namespace {
 
