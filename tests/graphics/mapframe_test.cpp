@@ -16,9 +16,9 @@ namespace {
 
 using testing_support::inkCovered;
 using testing_support::inkIn;
+using testing_support::pageText;
 using testing_support::painted;
 using testing_support::useDevice;
-using testing_support::pageText;
 
 struct MAPDOMAIN {
     const char* name;

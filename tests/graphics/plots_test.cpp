@@ -7,19 +7,19 @@
 #include "common/text.h"
 #include "graphics/mapplot.h"
 #include "graphics/palette.h"
+#include "graphics/plotfixture.h"
 #include "graphics/plotpictures.h"
 #include "graphics/preparewindow.h"
 #include "graphics/scenes.h"
-#include "plotfixture.h"
 
 namespace {
 
 using namespace graphics;
 using testing_support::countOf;
+using testing_support::pageText;
 using testing_support::pixelsOtherThan;
 using testing_support::RPlotFixture;
 using testing_support::RTestCanvas;
-using testing_support::pageText;
 
 QRect plotOf(const DATAWINDOW& w)
 {

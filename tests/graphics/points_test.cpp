@@ -3,18 +3,18 @@
 #include <gtest/gtest.h>
 
 #include "graphics/palette.h"
+#include "graphics/plotfixture.h"
 #include "graphics/plotpictures.h"
 #include "graphics/preparewindow.h"
 #include "graphics/scenes.h"
-#include "plotfixture.h"
 
 namespace {
 
 using namespace graphics;
 using testing_support::countOf;
+using testing_support::pageText;
 using testing_support::RPlotFixture;
 using testing_support::RTestCanvas;
-using testing_support::pageText;
 
 // A SCATTER window of 0 to 10 by 0 to 10.
 struct POINTSFIXTURE : RPlotFixture {

@@ -15,9 +15,9 @@ namespace {
 
 using testing_support::inkCovered;
 using testing_support::inkIn;
+using testing_support::pageText;
 using testing_support::painted;
 using testing_support::useDevice;
-using testing_support::pageText;
 
 class WindowFrame : public testing::Test {
 protected:
