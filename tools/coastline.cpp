@@ -6,6 +6,7 @@
 
 #include <shapefil.h>
 
+#include "common/files.h"
 #include "common/text.h"
 
 namespace tools {
@@ -96,7 +97,8 @@ bool touchesDateLine(const POLYGON& polygon)
 
 std::optional<std::vector<POLYGON>> readLand(const RGeos& geos, const std::string& path, std::string& error)
 {
-    const std::unique_ptr<SHPInfo, ShapeFileCloser> file(SHPOpen(path.c_str(), "rb"));
+    const std::unique_ptr<SHPInfo, ShapeFileCloser> file(
+        common::fileExists(path) ? SHPOpen(path.c_str(), "rb") : nullptr);
     int count = 0, type = 0;
     if (file) SHPGetInfo(file.get(), &count, &type, nullptr, nullptr);
     if (!file || type != SHPT_POLYGON) {

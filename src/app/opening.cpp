@@ -208,7 +208,7 @@ void RSession::becomeReady(const std::string& path)
     setDefaults();
     lastFiles = {};
     lastFiles.configName = collection.path;
-    if (runMode == runInteractive)
+    if (runMode == interactiveRun)
         static_cast<void>(collection::readLastFiles(collection.path, collection.directory, lastFiles));
     collection.configName = lastFiles.configName;
     currentStation.clear();
@@ -236,7 +236,9 @@ bool RSession::close(bool force)
     static_cast<void>(collection::writeLastFiles(collection.path, collection.directory, lastFiles));
     abandon();
     currentStation.clear();
+    const graphics::PSSETTINGS postScript = setup.postScript; // the user's, not the collection's
     setup = graphics::GRAPHICSSETUP{};
+    setup.postScript = postScript;
     mapCache = {};
     lastFiles = {};
     state = stateIdle;

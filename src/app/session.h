@@ -37,7 +37,7 @@ public:
     [[nodiscard]] virtual int askResolution() { return 0; } // dots per inch, 0 if nobody tells
 };
 
-enum RunMode : int { runInteractive = 1, runCommandFile = 2 };
+enum RunMode : int { interactiveRun = 1, commandFileRun = 2 };
 
 enum class OpenResult : int { ok = 0, failed = 1, noTemporaryFile = 6 };
 
@@ -58,7 +58,7 @@ public:
     graphics::MAPCACHE mapCache;
     collection::LASTFILES lastFiles;
     int state = stateIdle;
-    int runMode = runInteractive;
+    int runMode = interactiveRun;
     bool stale = true;
     bool importOverwrite = false; // a collection that an import would replace may be replaced
     const std::string title, version;

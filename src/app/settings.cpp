@@ -244,18 +244,6 @@ void RSettingsFile::setValue(std::string_view key, float number)
     setValue(key, std::string_view(common::formatG(number)));
 }
 
-float defaultFontScale(int screenHeight, int lineHeight)
-{
-    const float factor =
-        static_cast<float>(screenHeight) * 0.013f / static_cast<float>(std::max(lineHeight, 1));
-    return std::max(factor, 0.85f);
-}
-
-int defaultTextFontSize(float fontScale)
-{
-    return std::max(static_cast<int>(8.0f * fontScale), 8);
-}
-
 std::string settingsPath(const std::string& home)
 {
     return common::replaceAll(home + "/", "//", "/") + ".nvq";

@@ -61,15 +61,11 @@ struct SETTINGS {
     std::string browserCommand = "xdg-open", viewerCommand = "xdg-open";
     std::string fontName = "Arial";
     std::string psFontName = "Helvetica-BoldOblique", nativePsFontName = "Helvetica";
-    float fontScaleFac = 0.85f;
+    float fontScaleFac = 0.85f; // size factor of all text on the canvas
     int fontWeight = 3, fontItalic = 1, fontUnderline = 0, fontStrikeOut = 0;
-    int txtFontPtSize = 8;
+    int txtFontPtSize = 8;                                // of the text window
     std::array<std::string, recentFileCount> recentFiles; // the newest first, empty ones behind the last
 };
-
-// Size factor of all text on the canvas: 0.013 screen heights for a line, at least 0.85. Both in pixels.
-[[nodiscard]] float defaultFontScale(int screenHeight, int lineHeight);
-[[nodiscard]] int defaultTextFontSize(float fontScale); // points, at least 8
 
 [[nodiscard]] std::string settingsPath(const std::string& home); // home directory with or without "/"
 

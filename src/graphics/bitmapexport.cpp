@@ -37,22 +37,22 @@ DEVICE scaledDevice(const DEVICE& device, int dpi)
     const double pixelsPerCm = dpi / cmPerInch;
     DEVICE scaled = device;
     scaled.pixelsPerCm = static_cast<float>(pixelsPerCm);
-    scaled.widthPx = static_cast<int>(std::lround(static_cast<double>(device.widthCm) * pixelsPerCm));
-    scaled.heightPx = static_cast<int>(std::lround(static_cast<double>(device.heightCm) * pixelsPerCm));
+    scaled.widthPx = static_cast<int>(std::lround(device.widthCm * pixelsPerCm));
+    scaled.heightPx = static_cast<int>(std::lround(device.heightCm * pixelsPerCm));
     return scaled;
 }
 
 bool isTooLarge(const DEVICE& device, int dpi)
 {
-    const double width = static_cast<double>(device.widthCm) * dpi / cmPerInch;
-    const double height = static_cast<double>(device.heightCm) * dpi / cmPerInch;
+    const double width = device.widthCm * dpi / cmPerInch;
+    const double height = device.heightCm * dpi / cmPerInch;
     return width > longestSide || height > longestSide || width * height > mostPixels;
 }
 
 void tellTooLarge(const DEVICE& device, int dpi, common::RUser& user)
 {
-    const double width = static_cast<double>(device.widthCm) / cmPerInch;
-    const double height = static_cast<double>(device.heightCm) / cmPerInch;
+    const double width = device.widthCm / cmPerInch;
+    const double height = device.heightCm / cmPerInch;
     const double most =
         std::min(std::sqrt(mostPixels / (width * height)), longestSide / std::max(width, height));
     user.about(caption, common::format("A picture at %d dots per inch would be too large.\n\nThe highest "

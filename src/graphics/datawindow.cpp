@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "common/files.h"
 #include "common/text.h"
 #include "graphics/layouts.h"
 

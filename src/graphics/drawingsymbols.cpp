@@ -156,39 +156,6 @@ QImage symbolStamp(const QPainter& p, const SHAPE& shape, int reach)
     return stamp;
 }
 
-// The stamp as runs of opaque pixels around its centre; none if it has soft edges.
-std::vector<QRect> stampRuns(const QImage& stamp, int reach)
-{
-    std::vector<QRect> runs;
-    for (int row = 0; row < stamp.height(); ++row) {
-        const auto* pixel = reinterpret_cast<const QRgb*>(stamp.constScanLine(row));
-        for (int column = 0; column < stamp.width();) {
-            const int begin = column;
-            while (column < stamp.width() && qAlpha(pixel[column]) == 255) ++column;
-            if (column > begin) runs.emplace_back(begin - reach, row - reach, column - begin, 1);
-            if (column < stamp.width() && qAlpha(pixel[column]) != 0) return {};
-            if (column == begin) ++column;
-        }
-    }
-    return runs;
-}
-
-void paintRuns(QPainter& p, const std::vector<QRect>& runs, const std::vector<QPoint>& pixels)
-{
-    constexpr std::size_t batch = 8192;
-    std::vector<QRect> pieces;
-    pieces.reserve(batch + runs.size());
-    p.setPen(Qt::NoPen);
-    p.setBrush(drawState().currentColor);
-    for (const QPoint& at : pixels) {
-        for (const QRect& run : runs) pieces.push_back(run.translated(at));
-        if (pieces.size() < batch) continue;
-        p.drawRects(pieces.data(), static_cast<int>(pieces.size()));
-        pieces.clear();
-    }
-    if (!pieces.empty()) p.drawRects(pieces.data(), static_cast<int>(pieces.size()));
-}
-
 bool takesStamps(const QPainter& p)
 {
     return p.paintEngine() && p.paintEngine()->type() == QPaintEngine::Raster &&
@@ -201,11 +168,6 @@ void paintMany(QPainter& p, const SHAPE& shape, std::span<const float> x, std::s
     const QRect device(0, 0, p.device()->width(), p.device()->height());
     const std::vector<QPoint> pixels = distinctPixels(x, y, device.adjusted(-reach, -reach, reach, reach));
     const QImage stamp = symbolStamp(p, shape, reach);
-    const std::vector<QRect> runs = stampRuns(stamp, reach);
-    if (!runs.empty()) {
-        paintRuns(p, runs, pixels);
-        return;
-    }
     for (const QPoint& at : pixels) p.drawImage(at - QPoint(reach, reach), stamp);
 }
 
@@ -222,15 +184,18 @@ void paintSymbols(QPainter& p, std::span<const float> x, std::span<const float> 
     const DRAWSTATE& state = drawState();
     const SHAPE shape =
         symbolShape(symbol, static_cast<double>(size) * state.symbolScale * state.device.pixelsPerCm);
-    QPen pen = currentPen(state.penWidth);
-    if (symbol == 1 && shape.radius == 0) pen = QPen(state.currentColor, 1); // the smallest dots
-    p.setPen(pen);
+    // A filled symbol has its size whatever the pen, and so has the smallest dot.
+    const bool ownSize = (symbol <= 5 && state.fill) || (symbol == 1 && shape.radius == 0);
+    p.setPen(ownSize ? QPen(state.currentColor, 1) : currentPen(state.penWidth));
     p.setBrush(state.fill ? QBrush(state.currentColor) : QBrush(Qt::NoBrush));
+    const Qt::BGMode mode = p.backgroundMode();
+    p.setBackgroundMode(Qt::TransparentMode); // in the other one circles come out crooked
     if (x.size() >= bulkCount && takesStamps(p)) {
         paintMany(p, shape, x, y);
     } else {
         paintOneByOne(p, shape, x, y);
     }
+    p.setBackgroundMode(mode);
     p.setBrush(Qt::NoBrush);
     p.setPen(currentPen(state.penWidth));
 }

@@ -16,13 +16,14 @@ constexpr double axisShare = 0.9, stampShare = 0.65, stampGap = 0.25, barShare =
 constexpr double smallestBarFont = 5.5;
 constexpr double ticLength = 1.25 * widthOfW, ticsToYLabel = 1.95 * ticLength; // sizes of the numbers' font
 constexpr double xLabelDistance = 1.75;                                        // base font sizes
+constexpr double descent = 0.2;                                                // of brackets, font sizes
 constexpr double zLabelHeight = 1.03;                                          // of the plot's height
 
 // Of the numbers of an axis, in font sizes.
 double widestNumber(const TICS& tics, float high)
 {
-    const double step = static_cast<double>(tics.major), end = static_cast<double>(high) + step / 100;
-    const double first = static_cast<double>(tics.start);
+    const double step = tics.major, end = high + step / 100;
+    const double first = tics.start;
     double widest = textWidth(axisNumber(first, step));
     constexpr int most = 100;
     for (int i = 1; i < most && (end - first - i * step) * step > 0; ++i) {
@@ -34,7 +35,7 @@ double widestNumber(const TICS& tics, float high)
 double colorBarRoom(const DATAWINDOW& w, double font)
 {
     const double barFont = textCm(std::max(barShare * font, smallestBarFont));
-    const double least = leastBar * static_cast<double>(w.xLen);
+    const double least = leastBar * w.xLen;
     const double numbers = widestNumber(ChooseTics(w.zMin, w.zMax), w.zMax) + 0.5;
     return std::max(barGap, least) + 1.075 * std::max(barWidth, least) + numbers * barFont;
 }
@@ -46,11 +47,11 @@ double stampRoom(double font)
 
 EXTENT plotArea(float x, float y, float width, float height)
 {
-    const auto d = [](float value) { return static_cast<double>(value); };
+    const auto d = [](float value) { return value; };
     return {d(x), d(y), d(x) + d(width), d(y) + d(height)};
 }
 
-EXTENT plainExtent(const DATAWINDOW& w)
+EXTENT plainExtent(const DATAWINDOW& w, bool colorBar)
 {
     EXTENT e = plotArea(w.xOrg, w.yOrg, w.xLen, w.yLen);
     const double font = static_cast<double>(baseFontSize(w.xLen, w.yLen));
@@ -61,12 +62,12 @@ EXTENT plainExtent(const DATAWINDOW& w)
         const TICS x = FitTics(w.xMin, w.xMax, w.xLen, axisFont, false);
         const TICS y = FitTics(w.yMin, w.yMax, w.yLen, axisFont, true);
         e.left -= (ticsToYLabel + widestNumber(y, w.yMax)) * axis + label / 2;
-        e.bottom -= xLabelDistance * textCm(font) + label;
+        e.bottom -= (xLabelDistance + descent) * textCm(font) + label;
         right = std::max(right, widestNumber(x, w.xMax) / 2 * axis);
     }
     if (w.zVar != 0) {
-        e.top += (zLabelHeight - 1) * static_cast<double>(w.yLen) + label;
-        if (w.colorBar) right = std::max(right, colorBarRoom(w, font));
+        e.top += (zLabelHeight - 1) * w.yLen + label;
+        if (colorBar) right = std::max(right, colorBarRoom(w, font));
     } else {
         e.top += labelHeight * axis / 2;
     }
@@ -78,17 +79,17 @@ EXTENT mapExtent(const MAPWINDOW& map)
 {
     const double widestDegrees = textWidth("180\260W");
     const MAPGEOMETRY& g = map.geometry;
-    const double font = static_cast<double>(baseFontSize(g.xlen, g.ylen));
+    const double font = static_cast<double>(baseFontSize(map.box.width, map.box.height));
     const double label = textCm(mapShare * font);
     EXTENT e = plotArea(g.xorg, g.yorg, g.xlen, g.ylen);
     double right = std::max(widestDegrees / 2 * label, stampRoom(font));
     if (map.colorBar) {
-        const double bar = std::max(barGap, leastBar * static_cast<double>(g.xlen));
+        const double bar = std::max(barGap, leastBar * g.xlen);
         right = std::max(right, 2.075 * bar + textWidth("6000 m ") * 0.75 * textCm(font));
     }
-    e.left -= (ticLength + widestDegrees) * label;
-    e.bottom -= (ticLength + labelHeight) * label;
-    e.top += labelHeight / 2 * label;
+    e.left -= (ticLength + widestDegrees / 2 + 2 * descent) * label;
+    e.bottom -= (ticLength + labelHeight / 2) * label;
+    e.top += (labelHeight / 2 + 2 * descent) * label;
     e.right += right;
     return e;
 }
@@ -111,15 +112,15 @@ EXTENT grow(const EXTENT& e, double by)
 EXTENT clampToCanvas(const EXTENT& e)
 {
     const DEVICE& device = drawState().device;
-    return {std::max(e.left, 0.0), std::max(e.bottom, 0.0),
-            std::min(e.right, static_cast<double>(device.widthCm)),
-            std::min(e.top, static_cast<double>(device.heightCm))};
+    return {std::max(e.left, 0.0), std::max(e.bottom, 0.0), std::min<double>(e.right, device.widthCm),
+            std::min<double>(e.top, device.heightCm)};
 }
 
 EXTENT windowExtent(const PLOTCONTEXT& context, int number)
 {
     if (number == 0) return mapExtent(context.setup.map);
-    return plainExtent(context.setup.window(number));
+    const DATAWINDOW& window = context.setup.window(number);
+    return plainExtent(window, window.colorBar && context.setup.mode != modeStation); // profiles have no bar
 }
 
 EXTENT usedExtent(const PLOTCONTEXT& context)
@@ -135,7 +136,7 @@ EXTENT usedExtent(const PLOTCONTEXT& context)
 QRect toPixels(const EXTENT& e)
 {
     const DEVICE& device = drawState().device;
-    const double ppcm = static_cast<double>(device.pixelsPerCm);
+    const double ppcm = device.pixelsPerCm;
     const auto px = [ppcm](double length) { return static_cast<int>(std::floor(length * ppcm)); };
     const QRect rect(QPoint(px(e.left), device.heightPx - 1 - px(e.top)),
                      QPoint(px(e.right), device.heightPx - 1 - px(e.bottom)));

@@ -122,21 +122,19 @@ HISTOGRAM::iterator medianOf(CUTBOX& box)
 // A wide box is worth cutting even if few pixels are in it: lines and letters are small and must keep theirs.
 double worth(const CUTBOX& box)
 {
-    return box.width == 0 ? 0
-                          : static_cast<double>(box.width) * box.width *
-                                std::max<double>(1, std::sqrt(static_cast<double>(box.pixels)));
+    return box.width == 0 ? 0 : box.width * box.width * std::max<double>(1, std::sqrt(box.pixels));
 }
 
 QRgb meanColor(const CUTBOX& box)
 {
     double red = 0, green = 0, blue = 0;
     for (auto c = box.first; c != box.last; ++c) {
-        const auto weight = static_cast<double>(c->pixels);
+        const auto weight = c->pixels;
         red += weight * qRed(c->color);
         green += weight * qGreen(c->color);
         blue += weight * qBlue(c->color);
     }
-    const auto n = static_cast<double>(box.pixels);
+    const auto n = box.pixels;
     return qRgb(qRound(red / n), qRound(green / n), qRound(blue / n));
 }
 

@@ -35,8 +35,21 @@ constexpr auto extraCodes = std::to_array<EXTRACODE>({
     {U'Ž', 0220},      {U'Ÿ', 0221}, {U'ł', 0222}, {U'Ł', 0223}, {U'€', 0224}, {U'ı', 0225}, {U'−', '-'},
 });
 
-// Small figures of Unicode, which PostScript fonts lack, as marked ones.
+// Small figures of Unicode, which few fonts have, are drawn as marked ones.
 constexpr std::u32string_view lowered = U"₀₁₂₃₄₅₆₇₈₉₊₋", raised = U"⁰¹²³⁴⁵⁶⁷⁸⁹⁺⁻", figures = U"0123456789+-";
+
+struct SCRIPTFIGURE {
+    char32_t figure = 0;
+    int script = 0; // 0: the character is none
+};
+SCRIPTFIGURE scriptFigure(char32_t character)
+{
+    if (const std::size_t at = lowered.find(character); at != std::u32string_view::npos)
+        return {figures[at], -1};
+    if (const std::size_t at = raised.find(character); at != std::u32string_view::npos)
+        return {figures[at], 1};
+    return {};
+}
 
 constexpr std::u32string_view plainUmlauts = U"aAoOuU", umlauts = U"äÄöÖüÜ";
 
@@ -103,7 +116,8 @@ private:
     static int codeIn(int font, char32_t character)
     {
         if (font == textFont) return textCode(character);
-        return character < 0x100 ? static_cast<int>(character) : unicodeToSymbol(character);
+        const bool printable = character >= 0x20 && character < 0x100 && character != 0x7F;
+        return printable ? static_cast<int>(character) : unicodeToSymbol(character);
     }
     void put(std::string_view mark, int code)
     {
@@ -124,10 +138,8 @@ void addPlain(RPsLabel& out, std::string_view mark, char32_t character, bool ann
         out.add({}, plainUmlauts[umlaut]);
     } else if (annotation && mark.empty() && character == U'ß') {
         out.sequence("\\373");
-    } else if (const std::size_t low = lowered.find(character); low != std::u32string_view::npos) {
-        out.add("~_", figures[low]);
-    } else if (const std::size_t high = raised.find(character); high != std::u32string_view::npos) {
-        out.add("~^", figures[high]);
+    } else if (const SCRIPTFIGURE small = scriptFigure(character); small.script != 0) {
+        out.add(small.script < 0 ? "~_" : "~^", small.figure);
     } else {
         out.add(mark, character);
     }
@@ -195,6 +207,8 @@ std::vector<LABELCHARACTER> parseLabel(std::string_view text)
         } else if (next == U'"' && umlautOf(third) != 0) {
             result.push_back({umlautOf(third), font, 0});
             i += 2;
+        } else if (const SCRIPTFIGURE small = scriptFigure(label[i]); font == textFont && small.script != 0) {
+            result.push_back({small.figure, font, small.script});
         } else {
             result.push_back({label[i], font, 0});
         }

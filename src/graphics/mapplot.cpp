@@ -7,6 +7,7 @@
 
 #include "common/text.h"
 #include "common/textcoding.h"
+#include "graphics/extents.h"
 #include "graphics/palette.h"
 #include "graphics/preparewindow.h"
 #include "selection/selectedlist.h"
@@ -44,8 +45,7 @@ void setMapUserSystem(MAPWINDOW& map)
 // The projected place of a station; false if it is hidden behind the globe.
 bool placeOf(const SELECTEDSTATION& station, float& x, float& y)
 {
-    if (!IsVisible(static_cast<double>(station.longitude), static_cast<double>(station.latitude)))
-        return false;
+    if (!IsVisible(station.longitude, station.latitude)) return false;
     x = station.longitude;
     y = station.latitude;
     ProjectPoint(x, y);
@@ -62,8 +62,8 @@ bool setPixels(SELECTEDSTATION& station)
 {
     float x = 0, y = 0;
     const bool visible = placeOf(station, x, y);
-    station.pixelX = visible ? storedPixel(pixelX(static_cast<double>(x))) : std::int16_t{-1};
-    station.pixelY = visible ? storedPixel(pixelY(static_cast<double>(y))) : std::int16_t{-1};
+    station.pixelX = visible ? storedPixel(pixelX(x)) : std::int16_t{-1};
+    station.pixelY = visible ? storedPixel(pixelY(y)) : std::int16_t{-1};
     return true;
 }
 
@@ -94,7 +94,7 @@ private:
     {
         float x = 0, y = 0;
         if (!placeOf(station, x, y)) return;
-        const int px = pixelX(static_cast<double>(x)), py = pixelY(static_cast<double>(y));
+        const int px = pixelX(x), py = pixelY(y);
         if (px < 0 || px >= width_ || py < 0) return;
         const std::size_t place =
             static_cast<std::size_t>(py) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(px);
@@ -166,18 +166,13 @@ void paintNoStationText(QPainter* p, const MAPGEOMETRY& map)
               (map.vmin + map.vmax) / 2, 0, size);
 }
 
-// --- the finished map
-
-QRect plotArea(const MAPWINDOW& map)
-{
-    return {QPoint(map.plotRect[0], map.plotRect[1]), QPoint(map.plotRect[2], map.plotRect[3])};
-}
+// --- the map with its dots, without what BaseMapTop draws on and around it
 
 void storePicture(QPainter* p, PLOTCONTEXT& context)
 {
     if (!context.mapCache || !context.onCanvas) return;
     context.user.status("Storing pixmap...");
-    context.mapCache->area = plotArea(context.setup.map);
+    context.mapCache->area = toPixels(windowExtent(context, 0));
     if (const auto* const image = dynamic_cast<const QImage*>(p->device())) {
         context.mapCache->picture = image->copy(context.mapCache->area);
     } else if (const auto* const pixmap = dynamic_cast<const QPixmap*>(p->device())) {
@@ -189,7 +184,7 @@ bool restorePicture(QPainter* p, const PLOTCONTEXT& context)
 {
     if (!context.onCanvas || !drawState().usePixmap || !context.mapCache) return false;
     const MAPCACHE& cache = *context.mapCache;
-    if (cache.picture.isNull() || cache.area != plotArea(context.setup.map)) return false;
+    if (cache.picture.isNull() || cache.area != toPixels(windowExtent(context, 0))) return false;
     p->drawImage(cache.area.topLeft(), cache.picture);
     return true;
 }
@@ -214,8 +209,8 @@ void drawFullMap(QPainter* p, PLOTCONTEXT& context)
     paintStationLabels(p, context);
     const bool none = context.collection.selectedStationCount == 0 && context.collection.stationCount > 0;
     if (none) paintNoStationText(p, map.geometry);
-    BaseMapTop(p, baseMap, map);
     storePicture(p, context);
+    BaseMapTop(p, baseMap, map);
     map.toDraw = 0;
     map.complete = 1;
     if (none) context.user.about(mapCaption, noStationText);
@@ -239,8 +234,8 @@ bool gridPlace(const MAPGEOMETRY& map, const SELECTEDSTATION& station, int& x, i
 {
     float u = 0, v = 0;
     if (!placeOf(station, u, v)) return false;
-    x = overlayX(map, static_cast<double>(u));
-    y = overlayY(map, static_cast<double>(v));
+    x = overlayX(map, u);
+    y = overlayY(map, v);
     return true;
 }
 
@@ -254,8 +249,7 @@ void writePsMarks(std::FILE* ps, PLOTCONTEXT& context)
         if (!gridPlace(context.setup.map.geometry, station, x, y)) continue;
         WritePsColor(ps, cycle.color);
         const bool open = !cycle.fill;
-        std::fprintf(ps, "/fill? %s def %d %d %g %s\n", open ? "false" : "true", x, y,
-                     static_cast<double>(markSize) * 10,
+        std::fprintf(ps, "/fill? %s def %d %d %g %s\n", open ? "false" : "true", x, y, markSize * 10,
                      symbols()[static_cast<std::size_t>(cycle.symbol - 1)].procedure);
     }
     std::fputs("/fill? true def\n", ps);

@@ -57,8 +57,7 @@ PAGEGEOMETRY pageGeometry(const PSSETTINGS& settings, const EXTENT& region, doub
     const PAGE& from = settings.landscape ? landscapePage : portraitPage;
     PAGEGEOMETRY page{settings.landscape, from.scale, from.xOffset, from.yOffset};
     if (settings.fitToPage) return fitted(page, from.area, region);
-    page.scale /= std::max(canvasWidth / static_cast<double>(referenceWidth),
-                           canvasHeight / static_cast<double>(referenceHeight));
+    page.scale /= std::max(canvasWidth / referenceWidth, canvasHeight / referenceHeight);
     return page;
 }
 

@@ -50,7 +50,7 @@ struct PASS {
 
 void openPsPoints(const PASS& pass, float size)
 {
-    const double dot = static_cast<double>(size) * dotShare;
+    const double dot = size * dotShare;
     std::fprintf(pass.ps,
                  "\n%%%%PS-OBJECT: NVQ_ScatterData begin\ngsave\n"
                  "/d { C %5.3f dotr } bind def /e { %5.3f dotr } bind def\n"
@@ -58,8 +58,7 @@ void openPsPoints(const PASS& pass, float size)
                  "/stroke? false def /fill? true def\n",
                  dot, dot);
     if (pass.numbers) {
-        std::fprintf(pass.ps, "%g SetMyFont /lorg 0 def /fill? false def 0 setgray\n",
-                     static_cast<double>(size) * pointsPerMm);
+        std::fprintf(pass.ps, "%g SetMyFont /lorg 0 def /fill? false def 0 setgray\n", size * pointsPerMm);
         return;
     }
     std::fputs("dousrclip\n0.01 smul setlinewidth\n", pass.ps);
@@ -79,9 +78,9 @@ void plotDot(PASS& pass, std::size_t i, int color)
     if (pass.p) paintDot(*pass.p, pixelX(x), pixelY(y), pass.radius);
     if (!pass.ps) return;
     if (pass.color) {
-        std::fprintf(pass.ps, "%g %g %3d d\n", static_cast<double>(x), static_cast<double>(y), color);
+        std::fprintf(pass.ps, "%g %g %3d d\n", x, y, color);
     } else {
-        std::fprintf(pass.ps, "%g %g e\n", static_cast<double>(x), static_cast<double>(y));
+        std::fprintf(pass.ps, "%g %g e\n", x, y);
     }
 }
 
@@ -91,8 +90,7 @@ void plotNumber(PASS& pass, std::size_t i, float points)
     const std::string text = numberText(pass.data.z[i], pass.decimals);
     if (pass.p) DrawLabel(pass.p, nullptr, text, x, y, 0, points);
     if (pass.ps) {
-        std::fprintf(pass.ps, "(%s) %g %g showstring\n", text.c_str(), static_cast<double>(x),
-                     static_cast<double>(y));
+        std::fprintf(pass.ps, "(%s) %g %g showstring\n", text.c_str(), x, y);
     }
 }
 
@@ -101,7 +99,7 @@ void plotPoint(PASS& pass, std::size_t i, float points)
     int color = 0;
     if (pass.color) {
         if (pass.data.z[i] == MISSING_VALUE) return;
-        if (!pass.numbers) color = ValueToColor(static_cast<double>(pass.data.z[i]));
+        if (!pass.numbers) color = ValueToColor(pass.data.z[i]);
         setPainterColor(pass, color);
     }
     if (pass.numbers) {
@@ -116,7 +114,7 @@ void runPass(PASS& pass, const DATAWINDOW& window, float points, common::RUser& 
     const std::size_t n = pass.data.count(), step = n / 20 + 1;
     for (std::size_t i = 0; i < n; ++i) {
         if ((i + 1) % step == 0) {
-            user.setProgress(100.0 * static_cast<double>(i + 1) / static_cast<double>(n));
+            user.setProgress(100.0 * static_cast<double>(i + 1) / n);
             if (user.abortRequested()) return;
         }
         if (nearWindow(window, pass.data.x[i], pass.data.y[i])) plotPoint(pass, i, points);
@@ -142,7 +140,7 @@ int dotRadius(float size)
 std::string numberText(float value, int decimals)
 {
     const double factor = std::pow(10.0, std::clamp(decimals, 0, 4));
-    const double rounded = std::round(static_cast<double>(value) * factor) / factor;
+    const double rounded = std::round(value * factor) / factor;
     const std::string text = common::format("%20.4f", rounded == 0 ? 0.0 : rounded);
     return std::string(common::trimLabel(text));
 }
@@ -152,7 +150,7 @@ void PlotPoints(QPainter* p, std::FILE* ps, PLOTCONTEXT& context, const PLOTDATA
 {
     const bool numbers = window.style == styleNumbers && color; // without values there are none to write
     PASS pass{p, ps, data, decimalsOf(context.collection, window.zVar), radius, color, numbers};
-    const float points = static_cast<float>(static_cast<double>(size) * pointsPerMm);
+    const float points = static_cast<float>(size * pointsPerMm);
     if (p) {
         SetClip(p, !numbers);
         p->setBrush(drawState().currentColor);

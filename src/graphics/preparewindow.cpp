@@ -35,7 +35,7 @@ void setUserSystem(DATAWINDOW& w)
 
 void openPsWindow(std::FILE* ps, const DATAWINDOW& w)
 {
-    const auto g = [](float value) { return static_cast<double>(value); };
+    const auto g = [](float value) { return value; };
     std::fputs("/frame? true def 0 setgray\n", ps);
     std::fprintf(ps, "%g %g %g %g %g %g %g %g UsrSys\n\n", g(w.xMin), g(w.xMax), g(w.xLen), g(w.xOrg),
                  g(w.yMin), g(w.yMax), g(w.yLen), g(w.yOrg));
@@ -81,8 +81,7 @@ void PrepareWindow(QPainter* p, std::FILE* ps, PLOTCONTEXT& context, int number)
     SetupWindow(context.setup, number);
     LoadPalette(PalettePath(context.installation, common::fieldText(w.palette)));
     if (w.zVar != 0) {
-        SetColorMapping(static_cast<double>(w.zMin), static_cast<double>(w.zMax),
-                        static_cast<double>(w.mapLo), static_cast<double>(w.mapHi));
+        SetColorMapping(w.zMin, w.zMax, w.mapLo, w.mapHi);
     }
     setUserSystem(w);
     if (ps) {
@@ -106,7 +105,7 @@ FRAMECONTEXT frameContext(const PLOTCONTEXT& context)
 
 BASEMAPCONTEXT baseMapContext(const PLOTCONTEXT& context)
 {
-    return {context.installation, context.user, context.onCanvas, true, context.title};
+    return {context.installation, context.user, context.onCanvas, true, context.title, {}};
 }
 
 std::vector<int> windowsToDraw(GRAPHICSSETUP& setup)

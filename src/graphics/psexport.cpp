@@ -138,8 +138,7 @@ PAGEPLAN planPage(PLOTCONTEXT& context, const FRAMECONTEXT& frame)
     const DEVICE& device = drawState().device;
     const EXTENT region = clampToCanvas(grow(usedExtent(context), margin));
     PAGEPLAN plan;
-    plan.page = pageGeometry(settings, region, static_cast<double>(device.widthCm),
-                             static_cast<double>(device.heightCm));
+    plan.page = pageGeometry(settings, region, device.widthCm, device.heightCm);
     EXTENT points = pagePoints(plan.page, region);
     if (settings.showCollectionInfo) {
         const QSizeF stamp = collectionStampSize(frame) * pointsPerCm;

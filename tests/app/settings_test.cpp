@@ -171,14 +171,6 @@ TEST(Settings, ImpossibleNumbersLeaveTheDefaults)
     EXPECT_EQ(settings.txtFontPtSize, 8);
 }
 
-TEST(Settings, FontScaleFollowsTheScreen)
-{
-    EXPECT_FLOAT_EQ(app::defaultFontScale(1080, 20), 0.85f); // 0.702, but at least 0.85
-    EXPECT_FLOAT_EQ(app::defaultFontScale(2160, 16), 2160 * 0.013f / 16);
-    EXPECT_EQ(app::defaultTextFontSize(0.85f), 8);
-    EXPECT_EQ(app::defaultTextFontSize(1.6f), 12);
-}
-
 TEST(Settings, PathStandsInTheHomeDirectory)
 {
     EXPECT_EQ(app::settingsPath("/home/ann"), "/home/ann/.nvq");

@@ -15,8 +15,8 @@ constexpr const char* about =
     "ETOPO5\n"
     "relief at the station, or the deepest level where that lies deeper.\n"
     "\n"
-    "atlantic.txt  the columns along 25.5 W from 74.5 S to 66.5 N\n"
-    "globe.txt     one column every 5 degrees\n";
+    "atlantic_section.txt  the columns along 25.5 W from 74.5 S to 66.5 N\n"
+    "global_means.txt      one column every 5 degrees\n";
 
 bool write(const std::string& path, const std::string& text)
 {
@@ -43,8 +43,8 @@ int main(int argc, char** argv)
     const std::string directory = std::string(argv[3]) + "/";
     const bool written =
         makeDirectory(directory) && write(directory + "README.txt", about) &&
-        write(directory + "atlantic.txt",
+        write(directory + "atlantic_section.txt",
               spreadsheet(*climatology, *relief, meridian(-25.5, -74.5, 66.5), "Gridded mean 25.5 W")) &&
-        write(directory + "globe.txt", spreadsheet(*climatology, *relief, globe(5), "Gridded mean globe"));
+        write(directory + "global_means.txt", spreadsheet(*climatology, *relief, globe(5), "Gridded mean globe"));
     return written ? 0 : fail(name, directory + ": can't be written");
 }

@@ -1,0 +1,101 @@
+#include "app/sessioncommands.h"
+
+#include "common/files.h"
+
+namespace app {
+namespace {
+
+constexpr std::int64_t largestCommandFile = 256 << 20; // bytes
+
+// Run mode 2 for as long as a command file lasts.
+class RRunModeGuard {
+public:
+    explicit RRunModeGuard(RSession& session) : session_(session) { session_.runMode = commandFileRun; }
+    ~RRunModeGuard()
+    {
+        session_.runMode = interactiveRun;
+        session_.importOverwrite = false;
+    }
+    RRunModeGuard(const RRunModeGuard&) = delete;
+    RRunModeGuard& operator=(const RRunModeGuard&) = delete;
+
+private:
+    RSession& session_;
+};
+
+} // namespace
+
+bool RSessionCommands::openCollection(const std::string& path)
+{
+    if (!path.empty()) return session_.open(path) == OpenResult::ok;
+    user_.note("open_collection names no collection");
+    return false;
+}
+
+bool RSessionCommands::loadConfiguration(const std::string& path)
+{
+    return session_.loadConfiguration(path);
+}
+
+bool RSessionCommands::exportGraphics(int window, const std::string& path, int dpi)
+{
+    return session_.exportGraphics(path, window, dpi);
+}
+
+std::string RSessionCommands::setWindow(const WINDOWVARIABLES& variables)
+{
+    return session_.setWindow(variables.window, variables.x, variables.y, variables.z);
+}
+
+std::string RSessionCommands::setRange(const WINDOWRANGES& ranges)
+{
+    std::string wrong = session_.setRange(ranges.window, 0, ranges.x.first, ranges.x.second);
+    if (wrong.empty()) wrong = session_.setRange(ranges.window, 1, ranges.y.first, ranges.y.second);
+    if (wrong.empty() && ranges.z)
+        wrong = session_.setRange(ranges.window, 2, ranges.z->first, ranges.z->second);
+    return wrong;
+}
+
+std::string RSessionCommands::setStyle(const WINDOWSTYLE& style)
+{
+    return session_.setStyle(style.window, style.style, style.dotSize);
+}
+
+std::string RSessionCommands::setPalette(int window, std::string_view name)
+{
+    return session_.setPalette(window, name);
+}
+
+std::string RSessionCommands::setDomain(const DOMAINCHOICE& domain)
+{
+    return session_.setDomain(domain.lonMin, domain.lonMax, domain.latMin, domain.latMax, domain.projection,
+                              domain.pole);
+}
+
+std::string RSessionCommands::plotStation(std::optional<int> number)
+{
+    return session_.plotStation(number);
+}
+
+std::string RSessionCommands::setImportOverwrite(bool overwrite)
+{
+    session_.importOverwrite = overwrite;
+    return {};
+}
+
+bool executeCommandFile(const std::string& path, RSession& session, RSessionView& view, common::RUser& user)
+{
+    const RRunModeGuard guard(session);
+    const std::optional<std::string> content =
+        path.empty() ? std::nullopt : common::readFile(path, largestCommandFile);
+    if (!content) {
+        user.note(path.empty() ? "no command file is named behind -x"
+                               : "command file " + path + " could not be read");
+        return false;
+    }
+    user.setAbort(false);
+    RSessionCommands commands(session, view, user);
+    return runCommands(*content, path, commands, [&user](std::string_view note) { user.note(note); });
+}
+
+} // namespace app

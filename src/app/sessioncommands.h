@@ -1,0 +1,51 @@
+#pragma once
+
+// The commands of a command file, carried out on a session.
+
+#include "app/commandfile.h"
+#include "app/session.h"
+
+namespace app {
+
+class RSessionCommands final : public RCommandTarget {
+public:
+    RSessionCommands(RSession& session, RSessionView& view, common::RUser& user)
+        : session_(session), view_(view), user_(user)
+    {
+    }
+
+    [[nodiscard]] bool isAllowed(int commandId) override { return session_.isAllowed(commandId, 0); }
+    [[nodiscard]] bool isAborted() override { return user_.abortRequested(); }
+    [[nodiscard]] bool openCollection(const std::string& path) override;
+    [[nodiscard]] bool loadConfiguration(const std::string& path) override;
+    [[nodiscard]] bool exportGraphics(int window, const std::string& path, int dpi) override;
+    [[nodiscard]] bool exportData(const std::string& path) override { return session_.exportData(path); }
+    void quit() override { view_.requestClose(); }
+
+    [[nodiscard]] std::string setMode(int mode) override { return session_.setMode(mode); }
+    [[nodiscard]] std::string useLayout(std::string_view text) override { return session_.useLayout(text); }
+    [[nodiscard]] std::string setWindow(const WINDOWVARIABLES& variables) override;
+    [[nodiscard]] std::string setRange(const WINDOWRANGES& ranges) override;
+    [[nodiscard]] std::string fullRange(std::optional<int> window) override
+    {
+        return session_.fullRange(window);
+    }
+    [[nodiscard]] std::string setStyle(const WINDOWSTYLE& style) override;
+    [[nodiscard]] std::string setPalette(int window, std::string_view name) override;
+    [[nodiscard]] std::string setDomain(const DOMAINCHOICE& domain) override;
+    [[nodiscard]] std::string plotStation(std::optional<int> number) override;
+    [[nodiscard]] std::string setImportOverwrite(bool overwrite) override;
+
+private:
+    RSession& session_;
+    RSessionView& view_;
+    common::RUser& user_;
+};
+
+// Runs a command file in run mode 2. False, after a line on standard error through `user`, if the file can't
+// be read or was left at a line. Afterwards the run mode is 1 again, and import settings of the file are
+// forgotten.
+[[nodiscard]] bool executeCommandFile(const std::string& path, RSession& session, RSessionView& view,
+                                      common::RUser& user);
+
+} // namespace app
