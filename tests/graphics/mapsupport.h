@@ -201,7 +201,7 @@ public:
         image.fill(Qt::white);
         return image;
     }
-    [[nodiscard]] QImage paint(graphics::MAPWINDOW& m, bool onCanvas = true)
+    QImage paint(graphics::MAPWINDOW& m, bool onCanvas = true)
     {
         QImage image = paper();
         QPainter p(&image);
