@@ -297,9 +297,12 @@ int RAppWindow::askResolution()
 
 void RAppWindow::requestClose()
 {
-    QCloseEvent event;
+    if (isVisible()) {
+        close();
+        return;
+    }
+    QCloseEvent event; // a window that was never shown gets none from the toolkit
     QApplication::sendEvent(this, &event);
-    if (event.isAccepted()) hide();
 }
 
 void RAppWindow::closeEvent(QCloseEvent* event)

@@ -333,6 +333,17 @@ TEST(ImportSpreadsheet, UpdateDropsMissingStationsSilently)
     EXPECT_EQ(run.labels(), Labels{"1"});
 }
 
+TEST(ImportSpreadsheet, MergeAndUpdateAreRefusedForAnEmptyCollection)
+{
+    for (const ImportMode mode : {ImportMode::merge, ImportMode::update}) {
+        RImports run;
+        run.import(cast("1", 3), mode);
+        EXPECT_EQ(run.user().messages,
+                  Labels{"Collection is empty ...: Merge/Update not possible for empty collections."});
+        EXPECT_EQ(run.result.end, ImportEnd::failed);
+    }
+}
+
 TEST(ImportSpreadsheet, UndoTakesTheNewStationsBack)
 {
     RImports run;
