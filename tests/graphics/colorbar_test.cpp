@@ -7,7 +7,7 @@
 #include "common/text.h"
 #include "graphics/drawing.h"
 #include "graphics/palette.h"
-#include "graphics/pictures.h"
+#include "graphics/plotpictures.h"
 #include "graphics/scenes.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include "graphics/axes.h"
 #include "graphics/drawing.h"
 #include "graphics/palette.h"
-#include "graphics/pictures.h"
+#include "graphics/plotpictures.h"
 #include "graphics/scenes.h"
 
 namespace {
