@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "common/text.h"
-#include "plotfixture.h"
+#include "graphics/plotfixture.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include "common/text.h"
 #include "graphics/extents.h"
 #include "graphics/pagegeometry.h"
+#include "graphics/plotfixture.h"
+#include "graphics/plotpictures.h"
 #include "graphics/plots.h"
 #include "graphics/preparewindow.h"
-#include "pictures.h"
-#include "plotfixture.h"
-#include "plotpictures.h"
+#include "graphics/scenes.h"
 
 namespace {
 

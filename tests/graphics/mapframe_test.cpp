@@ -16,9 +16,9 @@ namespace {
 
 using testing_support::inkCovered;
 using testing_support::inkIn;
+using testing_support::pageText;
 using testing_support::painted;
 using testing_support::useDevice;
-using testing_support::written;
 
 struct MAPDOMAIN {
     const char* name;
@@ -70,7 +70,7 @@ protected:
     }
     static std::string page(const MAPGEOMETRY& m, bool grid = true, bool labels = true, int color = 0)
     {
-        return written(
+        return pageText(
             [&](QPainter*, std::FILE* ps) { DrawMapFrame(nullptr, ps, m, 9, color, grid, labels); });
     }
     static int count(const std::string& text, const std::string& part)
@@ -308,7 +308,7 @@ TEST_F(MapFrame, PainterAndPageShowTheSame)
             }
             DrawMapFrame(p, ps, m, 9, 0, true, true);
         };
-        const std::string file = testing_support::pageFile(written(scene));
+        const std::string file = testing_support::pageFile(pageText(scene));
         EXPECT_EQ(testing_support::complaints(file), "") << d.name;
         const QImage screen = painted(scene), paper = testing_support::rendered(file, false);
         ASSERT_FALSE(paper.isNull());

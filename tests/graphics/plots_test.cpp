@@ -7,19 +7,19 @@
 #include "common/text.h"
 #include "graphics/mapplot.h"
 #include "graphics/palette.h"
+#include "graphics/plotfixture.h"
+#include "graphics/plotpictures.h"
 #include "graphics/preparewindow.h"
-#include "pictures.h"
-#include "plotfixture.h"
-#include "plotpictures.h"
+#include "graphics/scenes.h"
 
 namespace {
 
 using namespace graphics;
 using testing_support::countOf;
+using testing_support::pageText;
 using testing_support::pixelsOtherThan;
 using testing_support::RPlotFixture;
 using testing_support::RTestCanvas;
-using testing_support::written;
 
 QRect plotOf(const DATAWINDOW& w)
 {
@@ -37,7 +37,7 @@ struct STATIONFIXTURE : RPlotFixture {
     }
     std::string postScript()
     {
-        return written([&](QPainter*, std::FILE* ps) { WriteStationWindows(ps, c); });
+        return pageText([&](QPainter*, std::FILE* ps) { WriteStationWindows(ps, c); });
     }
     void onlyWindow(int number)
     {
@@ -226,7 +226,7 @@ struct SCATTERFIXTURE : RPlotFixture {
     }
     std::string postScript()
     {
-        return written([&](QPainter*, std::FILE* ps) { WriteDataWindows(ps, c); });
+        return pageText([&](QPainter*, std::FILE* ps) { WriteDataWindows(ps, c); });
     }
     PLOTCONTEXT c;
 };
@@ -289,7 +289,7 @@ TEST(ScatterPlot, EscWhileLoadingDrawsNothing)
     switchMode(f.setup, modeScatter);
     refreshSelection(c);
     f.user().abortAfter = 1;
-    EXPECT_EQ(written([&](QPainter*, std::FILE* ps) { WriteDataWindows(ps, c); }), "");
+    EXPECT_EQ(pageText([&](QPainter*, std::FILE* ps) { WriteDataWindows(ps, c); }), "");
     EXPECT_EQ(f.user().busy, 0);
 }
 
@@ -304,7 +304,7 @@ struct MAPFIXTURE : RPlotFixture {
     std::string postScript()
     {
         refreshSelection(c);
-        return written([&](QPainter*, std::FILE* ps) { WriteMapWindow(ps, c); });
+        return pageText([&](QPainter*, std::FILE* ps) { WriteMapWindow(ps, c); });
     }
     int dots(const QImage& image)
     {

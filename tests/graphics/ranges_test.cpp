@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "plotfixture.h"
+#include "graphics/plotfixture.h"
 #include "selection/criteria.h"
 
 namespace {
