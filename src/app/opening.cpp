@@ -87,15 +87,16 @@ bool RSession::setNames(const std::string& path)
 OpenResult RSession::openCollection(const std::string& path)
 {
     if (!setNames(path)) return OpenResult::failed;
-    if (!common::fileExists(collection.path + ".var")) {
-        user_.about(openingTitle, "Collection " + collection.path + ".var not found!");
+    const std::string file = collection.path + ".var"; // the files may turn out to have another name
+    if (!common::fileExists(file)) {
+        user_.about(openingTitle, "Collection \"" + file + "\" does not exist!");
         abandon();
         return OpenResult::failed;
     }
     collection.writable = collection::filesAreWritable(collection.path, collection.directory, false);
     if (!collection.writable) user_.about(openingTitle, collection::writeProtectedText);
     const OpenResult result = openFiles();
-    if (result == OpenResult::ok) becomeReady(collection.path + ".var");
+    if (result == OpenResult::ok) becomeReady(file);
     return result;
 }
 
@@ -160,7 +161,7 @@ OpenResult RSession::importAsNew(const std::string& path)
     }
     if (const OpenResult opened = openFiles(); opened != OpenResult::ok) return opened;
     const importing::IMPORTRESULT result = runImport(source, std::move(header));
-    const bool good = result.end == importing::ImportEnd::done;
+    const bool good = result.end == importing::ImportEnd::done && result.stationsStored > 0;
     if (!good && (replaces || result.stationsStored == 0)) {
         abandon();
         return OpenResult::failed;
