@@ -29,19 +29,30 @@ POINTS goodPoints(std::span<const float> x, std::span<const float> y, float miss
     return good;
 }
 
+// The pixels of a line, without steps that stay on a pixel: a coast on a small map has a dozen of them a
+// pixel.
 std::vector<QPoint> pixels(const POINTS& points)
 {
-    std::vector<QPoint> result(points.x.size());
-    for (std::size_t i = 0; i < result.size(); ++i) result[i] = pathPixel(points.x[i], points.y[i]);
+    std::vector<QPoint> result;
+    result.reserve(points.x.size());
+    for (std::size_t i = 0; i < points.x.size(); ++i) {
+        const QPoint at = pathPixel(points.x[i], points.y[i]);
+        if (result.empty() || at != result.back()) result.push_back(at);
+    }
     return result;
+}
+
+void strokePixels(QPainter& p, const std::vector<QPoint>& line)
+{
+    if (line.size() == 1) p.drawPoint(line.front()); // an island smaller than a pixel
+    if (line.size() > 1) p.drawPolyline(line.data(), static_cast<int>(line.size()));
 }
 
 void strokeCurve(QPainter& p, const POINTS& points, int thickness)
 {
     if (points.x.size() < 2) return;
-    const std::vector<QPoint> line = pixels(points);
     p.setPen(currentPen(LineWidth(thickness)));
-    p.drawPolyline(line.data(), static_cast<int>(line.size()));
+    strokePixels(p, pixels(points));
     p.setPen(currentPen(drawState().penWidth));
 }
 
@@ -58,10 +69,11 @@ void paintPath(QPainter& p, const POINTS& points, int mode)
     const std::vector<QPoint> path = pixels(points);
     if (mode & pathFill) {
         p.setBrush(drawState().currentColor);
-        p.drawPolygon(path.data(), static_cast<int>(path.size()));
+        if (path.size() > 1) p.drawPolygon(path.data(), static_cast<int>(path.size()));
+        if (path.size() == 1) p.drawPoint(path.front());
         p.setBrush(Qt::NoBrush);
     }
-    if (mode & pathLine) p.drawPolyline(path.data(), static_cast<int>(path.size()));
+    if (mode & pathLine) strokePixels(p, path);
 }
 
 void writePath(std::FILE* ps, const POINTS& points, int mode)

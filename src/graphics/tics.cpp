@@ -20,7 +20,7 @@ double finite(double value)
 
 float toFloat(double value)
 {
-    return static_cast<float>(std::clamp<double>(value, -FLT_MAX, FLT_MAX));
+    return static_cast<float>(std::clamp<double>(value, -FLT_MAX, FLT_MAX)) + 0.0f; // never a negative zero
 }
 
 // A quotient this close to an integer is that integer. Limits come as floats: where a float has fewer digits

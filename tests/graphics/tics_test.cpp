@@ -66,6 +66,13 @@ TEST(ChooseTics, AQuotientThatIsAnIntegerButForRoundingIsThatInteger)
     EXPECT_FLOAT_EQ(ChooseTics(0, 1000.01f).hi, 1100);
 }
 
+TEST(ChooseTics, ZeroHasNoSign)
+{
+    EXPECT_FALSE(std::signbit(ChooseTics(-2, 30).start));
+    EXPECT_FALSE(std::signbit(ChooseTics(-0.1f, -30).lo));
+    EXPECT_FALSE(std::signbit(ChooseMapTics(-1, 30, false).start));
+}
+
 TEST(ChooseTics, LimitsThatAreNotFiniteCountAsZero)
 {
     const float infinite = std::numeric_limits<float>::infinity();

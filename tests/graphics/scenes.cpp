@@ -1,4 +1,4 @@
-#include "graphics/pictures.h"
+#include "graphics/scenes.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -51,7 +51,7 @@ QImage painted(const Scene& scene)
     return image;
 }
 
-std::string written(const Scene& scene)
+std::string pageText(const Scene& scene)
 {
     std::FILE* file = std::tmpfile();
     if (!file) return {};

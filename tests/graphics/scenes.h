@@ -5,7 +5,6 @@
 
 #include <cstdio>
 #include <functional>
-#include <optional>
 #include <string>
 
 #include <QImage>
@@ -23,7 +22,7 @@ void useDevice(float widthCm, float heightCm, double dpi);
 [[nodiscard]] QImage painted(const Scene& scene);
 
 // What the scene writes, as text.
-[[nodiscard]] std::string written(const Scene& scene);
+[[nodiscard]] std::string pageText(const Scene& scene);
 
 [[nodiscard]] std::string preamblePath();
 [[nodiscard]] bool haveGhostscript();
