@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QMenuBar>
@@ -36,7 +37,7 @@ protected:
     {
         fs::create_directories(folder.file("home"));
         ::setenv("HOME", folder.file("home").c_str(), 1);
-        ::setenv("TMPDIR", folder.path().c_str(), 1);
+        ::setenv("NVQMPTEMP", folder.path().c_str(), 1);
         writeText(folder.file("cast.txt"), castText(3, 5));
         window = std::make_unique<RAppWindow>(NVQ_BUILD_DIR "/bin/nvqmp", true);
         window->restoreGeometryOfSettings();
@@ -47,6 +48,7 @@ protected:
     ~Window() override
     {
         window.reset();
+        ::unsetenv("NVQMPTEMP");
         fs::current_path("/");
     }
     // By a command file, so that the report of the import needs no answer.
