@@ -211,6 +211,25 @@ TEST_F(Window, CloseWhileBusyIsRefusedAndAsksToAbort)
     window->session().state = app::stateReady;
 }
 
+TEST_F(Window, EscapeOutsideALongOperationIsForgotten)
+{
+    openCast();
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(window.get(), &escape);
+    runLines("export_graphics 0," + folder.file("a.png") + ",30\n");
+    EXPECT_TRUE(common::fileExists(folder.file("a.png")));
+}
+
+TEST_F(Window, BusyProgramTakesNoCommandAtAll)
+{
+    openCast();
+    window->session().state = app::stateBusy;
+    window->processMenuItem(app::cmdExecuteBatchFile); // would open a dialog
+    window->processMenuItem(app::cmdExit);
+    EXPECT_FALSE(window->isClosed());
+    window->session().state = app::stateReady;
+}
+
 TEST_F(Window, BadLineGivesAnExitCode)
 {
     writeText(folder.file("bad.cmd"), "open_collection " + folder.file("none.var") + "\n");
