@@ -222,9 +222,11 @@ std::vector<CDTSHAPE> cdtShapes(const RGeos& geos, std::span<const POLYGON> poly
 std::vector<CDTSHAPE> globeShapes(const CUTRULES& rules)
 {
     std::vector<CDTSHAPE> shapes;
-    for (double y = -90; y < 90; y += rules.tile)
-        for (double x = 0; x < 360; x += rules.tile)
-            appendFill(rectangle({x, y, x + rules.tile, y + rules.tile}), rules, false, shapes);
+    const int rows = int(std::lround(180 / rules.tile)), columns = 2 * rows;
+    for (int i = 0; i < rows * columns; ++i) {
+        const double x = i % columns * rules.tile, y = -90 + i / columns * rules.tile;
+        appendFill(rectangle({x, y, x + rules.tile, y + rules.tile}), rules, false, shapes);
+    }
     return shapes;
 }
 

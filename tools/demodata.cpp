@@ -65,7 +65,8 @@ std::optional<CLIMATOLOGY> readClimatology(const std::string& path, std::string&
 std::vector<PLACE> meridian(double lon, double south, double north)
 {
     std::vector<PLACE> places;
-    for (double lat = south; lat <= north; lat += 1) places.push_back({lon, lat});
+    const int count = int(std::lround(north - south)) + 1;
+    for (int i = 0; i < count; ++i) places.push_back({lon, south + i});
     return places;
 }
 
@@ -73,8 +74,8 @@ std::vector<PLACE> globe(int everyDegrees)
 {
     std::vector<PLACE> places;
     const double half = everyDegrees / 2.0;
-    for (double lat = -90 + half; lat < 90; lat += everyDegrees)
-        for (double lon = -180 + half; lon < 180; lon += everyDegrees) places.push_back({lon, lat});
+    for (int south = -90; south < 90; south += everyDegrees)
+        for (int west = -180; west < 180; west += everyDegrees) places.push_back({west + half, south + half});
     return places;
 }
 

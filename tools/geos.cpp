@@ -172,6 +172,7 @@ std::vector<CHAIN> RGeos::simplified(std::span<const CHAIN> chains, double toler
     const GeometryPtr thin =
         all ? own(handle, GEOSTopologyPreserveSimplify_r(handle, all.get(), tolerance)) : nullptr;
     std::vector<CHAIN> out;
+    out.reserve(chains.size());
     const int count = thin ? GEOSGetNumGeometries_r(handle, thin.get()) : 0;
     for (int i = 0; i < count; ++i)
         out.push_back(pointsOf(handle, GEOSGetGeometryN_r(handle, thin.get(), i)));

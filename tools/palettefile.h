@@ -9,20 +9,13 @@
 #include <string_view>
 #include <vector>
 
-namespace tools {
+#include "rainbow.h"
 
-struct COLOR {
-    double red = 0, green = 0, blue = 0; // 0 to 1
-};
+namespace tools {
 
 inline constexpr int paletteSize = 177;
 inline constexpr int scaleFirst = 33, scaleSteps = 111, scaleBelow = 32, scaleAbove = 144;
 
-// A colour map as points of rising position.
-struct MAPPOINT {
-    double percent = 0; // 0 to 100
-    COLOR color;
-};
 // The text of a packaged colour map: "!" begins a comment, else percent, red, green and blue of 0 to 100 a
 // line; the mapping by percent may be named. Empty, with a message, if it reads otherwise.
 [[nodiscard]] std::optional<std::vector<MAPPOINT>> parseColorMap(std::string_view text, std::string& error);
@@ -30,20 +23,11 @@ struct MAPPOINT {
 // The map's colour at a percentage: linear between neighbours, the end colours beyond the ends.
 [[nodiscard]] COLOR colorAt(std::span<const MAPPOINT> map, double percent);
 
-// The rainbow of the default palette: violet, blue, cyan, green, yellow, orange, red. Its lightness rises to
-// the yellow and falls behind it, and equal steps are equally far in the Oklab space (B. Ottosson, 2020), so
-// that no band stands out.
-[[nodiscard]] std::vector<MAPPOINT> rainbow();
-
 // A whole palette around a scale.
 [[nodiscard]] std::array<COLOR, paletteSize> paletteAround(std::span<const MAPPOINT> scale);
 
 // The file's text: index, red, green and blue a line. A reader multiplies by 255 and truncates; the values
 // are such that it gets the nearest bytes.
 [[nodiscard]] std::string paletteText(std::span<const COLOR> colors);
-
-// Lightness of a colour, and how far two colours are apart, in the Oklab space; black to white is 1.
-[[nodiscard]] double lightness(const COLOR& color);
-[[nodiscard]] double distance(const COLOR& a, const COLOR& b);
 
 } // namespace tools

@@ -185,8 +185,8 @@ private:
     [[nodiscard]] bool putCells(const STATIONDATA& station);
     [[nodiscard]] WriteResult overwriteStation(int number, STATIONDATA& station, const STATIONHDR& old,
                                                const LEVELCOUNTS& oldCounts);
-    [[nodiscard]] int moveRecordsDown(int number);
-    void moveRecordsUp(int number, int count);
+    [[nodiscard]] bool addRecord(const STATIONDATA& station);
+    void cutData(std::int64_t end);
     [[nodiscard]] WriteResult appendStation(STATIONDATA& station, int displaced);
     [[nodiscard]] bool takeOutOfPlace(int number, const STATIONDATA& station);
     void noteMoved(int number, const STATIONHDR& header);

@@ -1,5 +1,6 @@
 #include "collection/stationrecord.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -51,6 +52,22 @@ bool positionsAreNumbers(const STATIONHDR& header)
            std::isfinite(header.bottomDepth) && std::isfinite(header.lastSampleDepth);
 }
 
+// A float is no finite number if all bits of its exponent are set: one more in the exponent's last place then
+// carries into the sign, which was masked out. Two floats at a time; every load passes here.
+bool allFinite(const float* values, std::size_t count)
+{
+    constexpr std::uint64_t exponents = 0x7F8000007F800000, one = 0x0080000000800000;
+    constexpr std::uint64_t signs = 0x8000000080000000;
+    std::uint64_t carried = 0;
+    std::size_t i = 0;
+    for (; i + 1 < count; i += 2) {
+        std::uint64_t pair;
+        std::memcpy(&pair, values + i, sizeof pair);
+        carried |= (pair & exponents) + one;
+    }
+    return (carried & signs) == 0 && (i == count || std::isfinite(values[i]));
+}
+
 } // namespace
 
 bool unpackRecord(const std::byte* record, const RECORDFORM& form, STATIONHDR& header, LEVELCOUNTS& counts)
@@ -94,8 +111,9 @@ void unpackCells(const std::byte* block, std::size_t cells, bool swapBytes, floa
     } else {
         std::memcpy(values, block, cells * sizeof(float));
     }
-    for (std::size_t i = 0; i < cells; ++i) {
-        values[i] = std::abs(values[i]) <= 3.4028235e38f ? values[i] : common::MISSING_VALUE;
+    if (!allFinite(values, cells)) {
+        std::replace_if(
+            values, values + cells, [](float value) { return !std::isfinite(value); }, common::MISSING_VALUE);
     }
     std::memcpy(flags, block + cells * sizeof(float), cells);
 }

@@ -7,6 +7,7 @@
 #include <limits>
 #include <numeric>
 
+#include "collection/recordmove.h"
 #include "collection/stationstreams.h"
 #include "common/byteorder.h"
 #include "common/text.h"
@@ -14,8 +15,7 @@
 namespace collection {
 namespace {
 
-constexpr int bottleLevels = 250;  // a station of more levels is a CTD cast
-constexpr int recordsAMove = 4096; // header records that are moved at once
+constexpr int bottleLevels = 250; // a station of more levels is a CTD cast
 
 using BlockList = std::vector<std::size_t>; // numbers of variables that have a block, ascending
 
@@ -170,6 +170,7 @@ WriteResult RCollection::overwriteStation(int number, STATIONDATA& station, cons
     std::vector<std::byte>& saved = files_->oldBlock;
     saved.resize(static_cast<std::size_t>(bytesACell) * static_cast<std::size_t>(old.valueCount));
     if (!files_->dob.read(old.dataOffset, saved)) return WriteResult::badHeader;
+    const std::int64_t dataEnd = files_->dob.size();
     WriteResult result = WriteResult::dataNotWritten;
     if (putCells(station)) {
         if (putRecord(number, station.header, station.levelCount)) {
@@ -180,6 +181,7 @@ WriteResult RCollection::overwriteStation(int number, STATIONDATA& station, cons
         result = WriteResult::headerNotWritten;
     }
     static_cast<void>(files_->dob.write(old.dataOffset, saved));
+    cutData(dataEnd);
     return result;
 }
 
@@ -195,66 +197,45 @@ WriteResult RCollection::appendStation(STATIONDATA& station, int displaced)
     constexpr int largest = std::numeric_limits<std::int32_t>::max();
     if (end > largest || stationCount == largest) return WriteResult::tooLarge;
     station.header.dataOffset = static_cast<std::int32_t>(end);
-    if (!putCells(station)) return WriteResult::dataNotWritten;
-    if (displaced > 0) {
-        if (!takeOutOfPlace(displaced, station)) return WriteResult::headerNotWritten;
-        noteMoved(displaced, station.header);
-    } else {
-        if (!putRecord(stationCount + 1, station.header, station.levelCount)) {
-            return WriteResult::headerNotWritten;
+    const std::int64_t dataEnd = files_->dob.size();
+    WriteResult result = WriteResult::dataNotWritten;
+    if (putCells(station)) {
+        if (displaced > 0 ? takeOutOfPlace(displaced, station) : addRecord(station)) {
+            station.number = stationCount;
+            if (displaced > 0) noteMoved(displaced, station.header);
+            return WriteResult::ok;
         }
-        ++stationCount;
+        result = WriteResult::headerNotWritten;
     }
-    station.number = stationCount;
-    return WriteResult::ok;
+    cutData(dataEnd);
+    return result;
 }
 
-// Moves the records behind `number` down by one and puts the station's own at the end. It is written first,
-// beyond the table, so that a full disk is noticed before anything moves; a failure moves back what moved.
+bool RCollection::addRecord(const STATIONDATA& station)
+{
+    if (putRecord(stationCount + 1, station.header, station.levelCount)) {
+        ++stationCount;
+        return true;
+    }
+    static_cast<void>(files_->hob.truncate(files_->placeOf(stationCount + 1))); // half a record
+    return false;
+}
+
+// Takes away what a failed write left behind the end of the data.
+void RCollection::cutData(std::int64_t end)
+{
+    if (files_->dob.size() > end) static_cast<void>(files_->dob.truncate(end));
+    files_->form.dataSize = files_->dob.size();
+}
+
+// Moves the records behind `number` down by one and puts the station's own at the end.
 bool RCollection::takeOutOfPlace(int number, const STATIONDATA& station)
 {
-    std::vector<std::byte> removed(static_cast<std::size_t>(files_->form.recordSize()));
-    if (!files_->hob.read(files_->placeOf(number), removed)) return false;
-    if (!putRecord(stationCount + 1, station.header, station.levelCount)) return false;
-    const int moved = moveRecordsDown(number);
-    const bool complete = moved == stationCount - number + 1;
-    if (!complete) {
-        moveRecordsUp(number, moved);
-        static_cast<void>(files_->hob.write(files_->placeOf(number), removed));
-    }
-    return files_->hob.truncate(files_->placeOf(stationCount + 1)) && complete;
-}
-
-// Moves the records number + 1 to stationCount + 1 one place down, through a block of bounded size. Returns
-// how many were moved: fewer if a read or write failed.
-int RCollection::moveRecordsDown(int number)
-{
-    std::vector<std::byte>& block = files_->movedRecords;
-    int at = number;
-    while (at <= stationCount) {
-        const int count = std::min(recordsAMove, stationCount - at + 1);
-        block.resize(static_cast<std::size_t>(count) * static_cast<std::size_t>(files_->form.recordSize()));
-        if (!files_->hob.read(files_->placeOf(at + 1), block)) break;
-        if (!files_->hob.write(files_->placeOf(at), block)) {
-            static_cast<void>(files_->hob.write(files_->placeOf(at + 1), block)); // may be half done
-            break;
-        }
-        at += count;
-    }
-    return at - number;
-}
-
-// Takes back what moveRecordsDown did to the `count` records at `number`.
-void RCollection::moveRecordsUp(int number, int count)
-{
-    std::vector<std::byte>& block = files_->movedRecords;
-    while (count > 0) {
-        const int step = std::min(recordsAMove, count);
-        count -= step;
-        block.resize(static_cast<std::size_t>(step) * static_cast<std::size_t>(files_->form.recordSize()));
-        if (!files_->hob.read(files_->placeOf(number + count), block)) return;
-        if (!files_->hob.write(files_->placeOf(number + count + 1), block)) return;
-    }
+    std::vector<std::byte>& record = files_->record;
+    record.resize(static_cast<std::size_t>(files_->form.recordSize()));
+    packRecord(station.header, &station.levelCount, files_->form, record.data());
+    RRecordMove move(files_->hob, files_->placeOf(1), record.size(), stationCount);
+    return move.replace(number, record);
 }
 
 // The inventory in memory follows a station that moved to the end.

@@ -7,6 +7,7 @@
 
 #include "common/text.h"
 #include "common/textcoding.h"
+#include "graphics/extents.h"
 #include "graphics/palette.h"
 #include "graphics/preparewindow.h"
 #include "selection/selectedlist.h"
@@ -165,18 +166,13 @@ void paintNoStationText(QPainter* p, const MAPGEOMETRY& map)
               (map.vmin + map.vmax) / 2, 0, size);
 }
 
-// --- the finished map
-
-QRect plotArea(const MAPWINDOW& map)
-{
-    return {QPoint(map.plotRect[0], map.plotRect[1]), QPoint(map.plotRect[2], map.plotRect[3])};
-}
+// --- the map with its dots, without what BaseMapTop draws on and around it
 
 void storePicture(QPainter* p, PLOTCONTEXT& context)
 {
     if (!context.mapCache || !context.onCanvas) return;
     context.user.status("Storing pixmap...");
-    context.mapCache->area = plotArea(context.setup.map);
+    context.mapCache->area = toPixels(windowExtent(context, 0));
     if (const auto* const image = dynamic_cast<const QImage*>(p->device())) {
         context.mapCache->picture = image->copy(context.mapCache->area);
     } else if (const auto* const pixmap = dynamic_cast<const QPixmap*>(p->device())) {
@@ -188,7 +184,7 @@ bool restorePicture(QPainter* p, const PLOTCONTEXT& context)
 {
     if (!context.onCanvas || !drawState().usePixmap || !context.mapCache) return false;
     const MAPCACHE& cache = *context.mapCache;
-    if (cache.picture.isNull() || cache.area != plotArea(context.setup.map)) return false;
+    if (cache.picture.isNull() || cache.area != toPixels(windowExtent(context, 0))) return false;
     p->drawImage(cache.area.topLeft(), cache.picture);
     return true;
 }
@@ -213,8 +209,8 @@ void drawFullMap(QPainter* p, PLOTCONTEXT& context)
     paintStationLabels(p, context);
     const bool none = context.collection.selectedStationCount == 0 && context.collection.stationCount > 0;
     if (none) paintNoStationText(p, map.geometry);
-    BaseMapTop(p, baseMap, map);
     storePicture(p, context);
+    BaseMapTop(p, baseMap, map);
     map.toDraw = 0;
     map.complete = 1;
     if (none) context.user.about(mapCaption, noStationText);

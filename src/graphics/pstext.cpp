@@ -8,7 +8,6 @@ namespace graphics {
 namespace {
 
 constexpr int digits = 6; // significant ones of "%g"
-constexpr int lowestExponent = -4;
 constexpr auto powersOfTen = std::to_array<double>({1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9});
 
 int writeSlowly(char* out, double value)

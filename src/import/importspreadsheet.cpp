@@ -113,6 +113,13 @@ bool canImport(const RCollection& collection, common::RUser& user)
     return false;
 }
 
+bool canMerge(const RCollection& collection, ImportMode mode, common::RUser& user)
+{
+    if (mode == ImportMode::addReplace || collection.stationCount > 0) return true;
+    user.about("Collection is empty ...", "Merge/Update not possible for empty collections.");
+    return false;
+}
+
 KEYVARIABLES keyVariables(const RCollection& collection)
 {
     return {collection.getVariableId("Depth [m]"), collection.getVariableId("Salinity [psu]")};
@@ -136,6 +143,7 @@ IMPORTRESULT importSpreadsheet(RCollection& collection, STATIONDATA& station, co
         if (read != HeaderResult::ok) return {ImportEnd::failed, 0, 0};
     }
     if (!settleAssociation(collection, path, options, header, run.state, result, user)) return result;
+    if (!canMerge(collection, run.state.mode, user)) return {ImportEnd::failed, 0, 0};
 
     RSpreadsheetReader reader(header, targetsOf(collection), keyVariables(collection), user);
     if (!reader.open(path) ||

@@ -132,14 +132,22 @@ void setLabels(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int runnin
     std::memcpy(header.type, desc.defType, sizeof header.type);
     if (desc.metaColumn[metaCruise] >= 0) setLabelField(header.cruise, fields.text[metaCruise], fileIsUtf8);
     if (desc.metaColumn[metaType] >= 0) setLabelField(header.type, fields.text[metaType], fileIsUtf8);
-    if (desc.metaColumn[metaStation] >= 0) {
+    if (desc.metaColumn[metaStation] >= 0)
         setLabelField(header.station, fields.text[metaStation], fileIsUtf8);
-    } else if (header.station[0] == '\0') {
-        common::copyText(header.station, common::format("%d", runningNumber));
-    }
+    if (isLabelledByNumber(desc)) labelByNumber(header, runningNumber);
 }
 
 } // namespace
+
+bool isLabelledByNumber(const SPREADSHEETDESC& desc)
+{
+    return desc.metaColumn[metaStation] < 0 && desc.defStation[0] == '\0';
+}
+
+void labelByNumber(STATIONHDR& header, int runningNumber)
+{
+    common::copyText(header.station, common::format("%d", runningNumber));
+}
 
 METASPLIT splitMeta(const SPREADSHEETDESC& desc, std::string_view line)
 {

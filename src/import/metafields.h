@@ -24,9 +24,12 @@ struct METASPLIT {
 };
 [[nodiscard]] METASPLIT splitMeta(const SPREADSHEETDESC& desc, std::string_view line);
 
-// The header that the fields give. `fileIsUtf8` becomes false with the first label that is not UTF-8.
-// `runningNumber` labels the station where neither a column nor a default does. A date that can't be read
-// gives 0/0/0, a position that can't be read MISSING_VALUE: the header check refuses both.
+// True if neither a column nor a default labels the stations: then their running number in the file does.
+[[nodiscard]] bool isLabelledByNumber(const SPREADSHEETDESC& desc);
+void labelByNumber(collection::STATIONHDR& header, int runningNumber);
+
+// The header that the fields give. `fileIsUtf8` becomes false with the first label that is not UTF-8. A date
+// that can't be read gives 0/0/0, a position that can't be read MISSING_VALUE: the header check refuses both.
 [[nodiscard]] collection::STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields,
                                               int runningNumber, bool& fileIsUtf8);
 

@@ -216,8 +216,10 @@ inline void RSpreadsheetReader::State::storeField(const STEP& step, const char*&
     SAMPLES& sample = samples[static_cast<std::size_t>(step.target)];
     const auto level = static_cast<std::size_t>(levels);
     if (step.isFlag) {
-        int flag = 0;
-        if (sample.values[level] != MISSING_VALUE && scanInt(p, end, desc.sepChars, flag))
+        if (sample.values[level] == MISSING_VALUE) return;
+        int flag = p != end ? *p - '0' : -1; // one digit is what nearly all flags are
+        const bool oneDigit = flag >= 0 && flag <= 9 && (p + 1 == end || p[1] == desc.sepChars);
+        if (oneDigit || scanInt(p, end, desc.sepChars, flag))
             sample.flags[level] = static_cast<std::uint8_t>(flag & 0xFF);
         return;
     }
@@ -341,6 +343,8 @@ std::int64_t RSpreadsheetReader::State::readStation(STATIONDATA& station)
         }
         if (!readLevels()) return failure;
         ++stationsRead;
+        // The line in hand was compared under the number of the station that it ended.
+        if (isLabelledByNumber(desc)) labelByNumber(lineHeader, stationsRead + 1);
         if (levels <= common::maxLevels) break;
         tooManyLevels();
     }

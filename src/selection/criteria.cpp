@@ -1,10 +1,8 @@
 #include "selection/criteria.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstring>
-#include <optional>
 
 #include "common/text.h"
 
@@ -68,21 +66,23 @@ bool passesType(const STATIONHDR& header, const SELECTIONCRITERIA& criteria)
     return criteria.stationType[0] == '*' || criteria.stationType[0] == header.type[0];
 }
 
-// The label as an integer, from its first to its last character.
-std::optional<int> numericLabel(std::string_view label)
+bool isDigits(std::string_view text)
 {
-    int number = 0;
-    const char* const end = label.data() + label.size();
-    const auto [stop, error] = std::from_chars(label.data(), end, number);
-    if (error != std::errc{} || stop != end) return std::nullopt;
-    return number;
+    return !text.empty() &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-// The lengths of the bounds bind too, so that "9" comes before "10" between bounds of one and two digits. The
-// default upper bound admits any label, also one that begins behind "z".
+// Byte by byte, but of two labels of digits the shorter one comes first, so that 9 stands before 10.
+bool isBelow(std::string_view a, std::string_view b)
+{
+    if (a.size() != b.size() && isDigits(a) && isDigits(b)) return a.size() < b.size();
+    return a < b;
+}
+
+// The lengths of the bounds bind too. The default upper bound admits any label, also one behind "z".
 bool isBetweenLabels(std::string_view label, std::string_view from, std::string_view to)
 {
-    return label >= from && (label <= to || to == collection::lastLabelBound) &&
+    return !isBelow(label, from) && (!isBelow(to, label) || to == collection::lastLabelBound) &&
            label.size() >= from.size() && label.size() <= to.size();
 }
 
@@ -90,7 +90,7 @@ bool passesLabel(const STATIONHDR& header, const SELECTIONCRITERIA& criteria)
 {
     const std::string_view label = common::fieldText(header.station);
     if (criteria.stationNumberMin >= 0 && criteria.stationNumberMax >= 0) {
-        const std::optional<int> number = numericLabel(label);
+        const std::optional<int> number = collection::numericLabel(label);
         return number && isWithin(*number, criteria.stationNumberMin, criteria.stationNumberMax);
     }
     return isBetweenLabels(label, common::fieldText(criteria.stationLabelFrom),

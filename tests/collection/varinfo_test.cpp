@@ -96,8 +96,9 @@ class FindVariable : public testing::Test {
 protected:
     FindVariable()
         : variables{emptyVariable(0), labelled("Depth [m]"), labelled("Nitrate [~$m~#mol/l]"),
-                    labelled("Depth"), labelled("Temperature [\xB0"
-                                                "C]")}
+                    labelled("Depth"),
+                    labelled("Temperature [\xB0"
+                             "C]")}
     {
     }
     int find(std::string_view text) { return findVariable(variables, 4, text); }

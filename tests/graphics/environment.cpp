@@ -12,6 +12,7 @@ class RGraphicsEnvironment : public testing::Environment {
 public:
     void SetUp() override
     {
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
         if (!QGuiApplication::instance()) application_ = std::make_unique<QGuiApplication>(argc_, argv_);
     }
     void TearDown() override { application_.reset(); }
