@@ -162,6 +162,9 @@ public:
         graphics::LoadPalette("");
         graphics::drawState() = {};
     }
+    ~RMapWorld() { graphics::drawState() = before_; }
+    RMapWorld(const RMapWorld&) = delete;
+    RMapWorld& operator=(const RMapWorld&) = delete;
     [[nodiscard]] std::string layer(const std::string& name) const
     {
         return installation.coast + "GlobLR/" + name;
@@ -226,6 +229,9 @@ public:
     RTemporaryDirectory folder;
     common::INSTALLATION installation;
     RScriptedUser user;
+
+private:
+    const graphics::DRAWSTATE before_ = graphics::drawState();
 };
 
 } // namespace testing_support
