@@ -54,8 +54,13 @@ void DrawTitle(QPainter* p, float fontSize, std::string_view title);
 void DrawMapFrame(QPainter* p, std::FILE* ps, const MAPGEOMETRY& map, float fontSize, int axisColor,
                   bool grid, bool labels);
 
-// Small vertical label with the main window's title, right of the plot.
-void DrawStamp(QPainter* p, std::FILE* ps, std::string_view title, float fontSize, int color);
+// Width of the default projection's border, in sizes of the degree labels' font.
+inline constexpr float mapBorderWidth = 0.4f;
+
+// Small vertical label with the main window's title, right of the plot; what stands there is `border` points
+// wide.
+void DrawStamp(QPainter* p, std::FILE* ps, std::string_view title, float fontSize, int color,
+               float border = 0);
 
 // Who, when, and which collection, configuration and section, with its upper right corner at `corner`: in cm
 // on the page in PostScript, whatever the page's scale is, and in cm of the device on the painter.

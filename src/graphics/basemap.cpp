@@ -55,8 +55,10 @@ void drawSurround(QPainter* p, std::FILE* ps, const BASEMAPCONTEXT& context, con
     if (map.axisColor >= 0)
         DrawMapFrame(p, ps, map.geometry, frameFont * base, map.axisColor, map.grid != 0, true);
     if (map.colorBar) DrawMapColorBar(p, ps, map, base);
+    const bool bordered = map.axisColor >= 0 && map.geometry.id == projectionDefault;
     if (!context.title.empty())
-        DrawStamp(p, ps, context.title, stampFont * base, map.axisColor >= 0 ? map.axisColor : colorBlack);
+        DrawStamp(p, ps, context.title, stampFont * base, map.axisColor >= 0 ? map.axisColor : colorBlack,
+                  bordered ? mapBorderWidth * frameFont * base : 0);
 }
 
 } // namespace

@@ -15,7 +15,7 @@ constexpr double barGap = 0.35, barWidth = 0.35, leastBar = 0.03; // cm, and sha
 constexpr double axisShare = 0.9, stampShare = 0.65, stampGap = 0.25, barShare = 0.85, mapShare = 0.84;
 constexpr double smallestBarFont = 5.5;
 constexpr double ticLength = 1.25 * widthOfW, ticsToYLabel = 1.95 * ticLength; // sizes of the numbers' font
-constexpr double xLabelDistance = 1.75;                                        // base font sizes
+constexpr double xLabelDistance = 2.0;                                         // base font sizes
 constexpr double descent = 0.2;                                                // of brackets, font sizes
 constexpr double zLabelHeight = 1.03;                                          // of the plot's height
 

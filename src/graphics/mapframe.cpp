@@ -13,8 +13,7 @@ namespace {
 
 constexpr int gridThickness = 0, outlineThickness = 2;
 constexpr int outlinePoints = 361;
-constexpr double bandWidth = 0.4; // of the zebra border, in font sizes
-constexpr double labelGap = 0.2;  // between border and labels, in font sizes
+constexpr double labelGap = 0.2; // between border and labels, in font sizes
 
 constexpr double haloWidth = 0.07; // around letters on top of the map, in font sizes
 
@@ -175,8 +174,8 @@ void drawPlainFrame(QPainter* p, std::FILE* ps, const MAPGEOMETRY& map, float fo
     const DEGREEAXIS lat = degreeAxis(map.latMin, map.latMax, map.ylen, true, fontSize);
     if (p) {
         if (grid) paintGridLines(p, lon, lat);
-        paintBorder(p, lon, lat, textPixels(p, bandWidth * fontSize));
-        if (labels) paintLabels(p, lon, lat, fontSize, textPixels(p, (bandWidth + labelGap) * fontSize));
+        paintBorder(p, lon, lat, textPixels(p, mapBorderWidth * fontSize));
+        if (labels) paintLabels(p, lon, lat, fontSize, textPixels(p, (mapBorderWidth + labelGap) * fontSize));
     }
     if (ps) {
         writeAxis(ps, lon, 'x', grid, labels);

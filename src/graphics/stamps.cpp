@@ -18,7 +18,7 @@ constexpr int plainFill = 15;                    // white letter
 constexpr float pageTop = 0.4f, pageSide = 1.7f; // cm from the corner of the page
 constexpr float pageLong = 29.7f, pageShort = 21.0f;
 
-void paintStamp(QPainter* p, std::string_view title, float fontSize, int color)
+void paintStamp(QPainter* p, std::string_view title, float fontSize, int color, double gap)
 {
     const RDrawStateGuard guard(p);
     SetClip(p, false);
@@ -26,17 +26,17 @@ void paintStamp(QPainter* p, std::string_view title, float fontSize, int color)
     SetColor(p, color);
     SetLabelOrigin(p, 5);
     const USRSYS& u = usrSys();
-    const double x = u.x.userMax + stampGap * fontSize / pointsPerCm * u.x.unitsPerCm;
+    const double x = u.x.userMax + gap / pointsPerCm * u.x.unitsPerCm;
     DrawLabel(p, nullptr, title, static_cast<float>(x), u.y.userMin, 90, fontSize);
 }
 
-void writeStamp(std::FILE* ps, std::string_view title, float fontSize, int color)
+void writeStamp(std::FILE* ps, std::string_view title, float fontSize, int color, double gap)
 {
     std::fputs("\n%%PS-OBJECT: NVQ_Stamp begin\n/fill? false def /stroke? false def /lorg 5 def\n", ps);
     WritePsColor(ps, color);
     std::fprintf(ps, "%g dfltFont getfont\n", double{fontSize});
     std::fprintf(ps, "/labl [(%s)] def\n", psString(title).c_str());
-    std::fprintf(ps, "xmax %g rxd-h smul add ymin 3 ryd-h smul sub vertlabl\n", stampGap * double{fontSize});
+    std::fprintf(ps, "xmax %g rxd-h smul add ymin 3 ryd-h smul sub vertlabl\n", gap);
     std::fprintf(ps, "/lorg 0 def 12 SetMyFont %s\n%%%%PS-OBJECT: NVQ_Stamp end\n\n", thicknessProcedure(0));
 }
 
@@ -131,11 +131,12 @@ void paintCollectionStamp(QPainter* p, const STAMPTEXT& text, const QPointF& cor
 
 } // namespace
 
-void DrawStamp(QPainter* p, std::FILE* ps, std::string_view title, float fontSize, int color)
+void DrawStamp(QPainter* p, std::FILE* ps, std::string_view title, float fontSize, int color, float border)
 {
     if (title.empty()) return;
-    if (p) paintStamp(p, title, fontSize, color);
-    if (ps) writeStamp(ps, title, fontSize, color);
+    const double gap = border + stampGap * fontSize;
+    if (p) paintStamp(p, title, fontSize, color, gap);
+    if (ps) writeStamp(ps, title, fontSize, color, gap);
 }
 
 QSizeF collectionStampSize(const FRAMECONTEXT& context)

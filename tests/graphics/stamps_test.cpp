@@ -78,6 +78,20 @@ TEST_F(Stamps, WindowStampBeginsAtTheLowerEndRightOfThePlot)
     EXPECT_EQ(inkIn(image, QRect(right, bottom + 1, 100, 100)), 0);
 }
 
+TEST_F(Stamps, WindowStampStandsBesideABorder)
+{
+    const std::string text =
+        pageText([](QPainter*, std::FILE* ps) { DrawStamp(nullptr, ps, "title", 6, 0, 4); });
+    EXPECT_NE(text.find("xmax 5.5 rxd-h smul add"), std::string::npos);
+    const QImage image = painted([](QPainter* p, std::FILE*) {
+        openWindow(nullptr);
+        DrawStamp(p, nullptr, "nvqmp - Test", 8, 0, 20);
+    });
+    const int border = static_cast<int>(20 / pointsPerCm * 40);
+    EXPECT_EQ(inkIn(image, QRect(0, 0, 14 * 40 + border, 560)), 0);
+    EXPECT_GT(inkIn(image, image.rect()), 100);
+}
+
 TEST_F(Stamps, NoTitleNoStamp)
 {
     EXPECT_EQ(pageText([](QPainter*, std::FILE* ps) { DrawStamp(nullptr, ps, "", 6, 0); }), "");
