@@ -136,7 +136,8 @@ QAction* RAppWindow::action(int commandId) const
 
 void RAppWindow::processMenuItem(int commandId)
 {
-    if (dispatching_ || !session_.isAllowed(commandId, 0)) return;
+    const bool busy = dispatching_ || session_.state == stateBusy; // also for commands without a rule
+    if (busy || !session_.isAllowed(commandId, 0)) return;
     dispatching_ = true;
     dispatch(commandId);
     dispatching_ = false;

@@ -332,8 +332,8 @@ void RAppWindow::finish()
 
 void RAppWindow::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Escape) {
-        user_.setAbort(true);
+    if (event->key() == Qt::Key_Escape) { // outside a long operation there is nothing to break off
+        if (session_.state == stateBusy) user_.setAbort(true);
         return;
     }
     QMainWindow::keyPressEvent(event);
