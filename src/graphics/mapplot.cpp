@@ -10,6 +10,7 @@
 #include "graphics/extents.h"
 #include "graphics/palette.h"
 #include "graphics/preparewindow.h"
+#include "graphics/pstext.h"
 #include "selection/selectedlist.h"
 
 namespace graphics {
@@ -133,7 +134,7 @@ std::string stationLabel(PLOTCONTEXT& context, int number)
     constexpr int cruiseAndStation = 2;
     collection::STATIONHDR header{};
     if (!context.collection.readStationHeader(number, header, nullptr)) return {};
-    const std::string station(common::fieldText(header.station));
+    std::string station(common::fieldText(header.station));
     if (context.setup.map.annotation != cruiseAndStation) return station;
     return std::string(common::fieldText(header.cruise)) + " " + station;
 }
@@ -239,6 +240,15 @@ bool gridPlace(const MAPGEOMETRY& map, const SELECTEDSTATION& station, int& x, i
     return true;
 }
 
+void writePsDots(std::FILE* ps, const MAPGEOMETRY& map, std::span<const SELECTEDSTATION> stations)
+{
+    RPsWriter out(ps);
+    int x = 0, y = 0;
+    for (const SELECTEDSTATION& station : stations) {
+        if (gridPlace(map, station, x, y)) out.gridPoint(x, y, "D");
+    }
+}
+
 void writePsMarks(std::FILE* ps, PLOTCONTEXT& context)
 {
     if (context.setup.mode > modeStation) return;
@@ -282,10 +292,7 @@ void writePsStations(std::FILE* ps, PLOTCONTEXT& context)
     std::fprintf(ps, "/D { %5.3f dotr } bind def\n", static_cast<double>(psDotShare * map.dotSize));
     beginOverlayGrid(ps, g);
     std::fprintf(ps, "\n/fill? true def /stroke? false def %s\n", thicknessProcedure(0));
-    int x = 0, y = 0;
-    for (const SELECTEDSTATION& station : stations) {
-        if (gridPlace(g, station, x, y)) std::fprintf(ps, "%d %d D\n", x, y);
-    }
+    writePsDots(ps, g, stations);
     writePsMarks(ps, context);
     writePsLabels(ps, context, stations);
     std::fputs("/fill? true def\n", ps);

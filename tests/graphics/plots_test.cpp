@@ -524,6 +524,20 @@ TEST(Redraw, DrawsTheMapThenTheWindowsAndKeepsTheirRegions)
     EXPECT_TRUE(f.setup.regions[1].contains(plotOf(f.setup.window(1))));
 }
 
+TEST(Redraw, AClickBetweenTheWindowsIsOnTheCanvas)
+{
+    RPlotFixture f;
+    PLOTCONTEXT c = f.context();
+    EXPECT_EQ(windowAt(f.setup, QPoint(500, 300)), -1); // nothing has been drawn
+    f.plotAll();
+    RTestCanvas canvas;
+    RedrawCanvas(&canvas.painter, c, true);
+    for (int n = 1; n <= 4; ++n) EXPECT_EQ(windowAt(f.setup, plotOf(f.setup.window(n)).center()), n);
+    EXPECT_EQ(windowAt(f.setup, f.setup.regions[0].center()), 0);
+    EXPECT_EQ(windowAt(f.setup, QPoint(1, 1)), -1);
+    EXPECT_EQ(windowAt(f.setup, QPoint(1150, 400)), -1); // the fifth window's place, which doesn't exist
+}
+
 TEST(Redraw, EverythingStandsInsideTheRegions)
 {
     for (const int mode : {modeMap, modeStation, modeScatter}) {
