@@ -162,6 +162,13 @@ public:
         graphics::LoadPalette("");
         graphics::drawState() = {};
     }
+    ~RMapWorld()
+    {
+        graphics::palette() = palette_;
+        graphics::projection() = projection_;
+    }
+    RMapWorld(const RMapWorld&) = delete;
+    RMapWorld& operator=(const RMapWorld&) = delete;
     [[nodiscard]] std::string layer(const std::string& name) const
     {
         return installation.coast + "GlobLR/" + name;
@@ -226,6 +233,11 @@ public:
     RTemporaryDirectory folder;
     common::INSTALLATION installation;
     RScriptedUser user;
+
+private: // what other tests find again
+    const graphics::RDrawStateGuard state_{nullptr};
+    const graphics::PALETTE palette_ = graphics::palette();
+    const graphics::PROJECTION projection_ = graphics::projection();
 };
 
 } // namespace testing_support
