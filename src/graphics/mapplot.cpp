@@ -11,6 +11,7 @@
 #include "graphics/palette.h"
 #include "graphics/preparewindow.h"
 #include "graphics/pstext.h"
+#include "selection/criteria.h"
 #include "selection/selectedlist.h"
 
 namespace graphics {
@@ -51,6 +52,15 @@ bool placeOf(const SELECTEDSTATION& station, float& x, float& y)
     y = station.latitude;
     ProjectPoint(x, y);
     return true;
+}
+
+// A plotted station on the map as it is now: the list was made for the domain of its time.
+bool moveIntoDomain(SELECTEDSTATION& station, const MAPGEOMETRY& map)
+{
+    const float eastward = station.longitude < 0 ? station.longitude + 360 : station.longitude;
+    station.longitude = selection::longitudeIn(eastward, map.lonMin, static_cast<float>(map.lonMax));
+    return station.longitude >= map.lonMin && station.longitude <= map.lonMax &&
+           station.latitude >= map.latMin && station.latitude <= map.latMax;
 }
 
 std::int16_t storedPixel(int pixel)
@@ -252,11 +262,12 @@ void writePsDots(std::FILE* ps, const MAPGEOMETRY& map, std::span<const SELECTED
 void writePsMarks(std::FILE* ps, PLOTCONTEXT& context)
 {
     if (context.setup.mode > modeStation) return;
+    const MAPGEOMETRY& map = context.setup.map.geometry;
     RStationCycle cycle;
     int x = 0, y = 0;
-    for (const SELECTEDSTATION& station : selection::readPlottedList(context.collection)) {
+    for (SELECTEDSTATION& station : selection::readPlottedList(context.collection)) {
         cycle.next();
-        if (!gridPlace(context.setup.map.geometry, station, x, y)) continue;
+        if (!moveIntoDomain(station, map) || !gridPlace(map, station, x, y)) continue;
         WritePsColor(ps, cycle.color);
         const bool open = !cycle.fill;
         std::fprintf(ps, "/fill? %s def %d %d %g %s\n", open ? "false" : "true", x, y, markSize * 10,
@@ -324,10 +335,10 @@ void DrawMapMarks(QPainter* p, PLOTCONTEXT& context)
     setMapUserSystem(context.setup.map);
     SetClip(p, true);
     RStationCycle cycle;
-    for (const SELECTEDSTATION& station : selection::readPlottedList(context.collection)) {
+    for (SELECTEDSTATION& station : selection::readPlottedList(context.collection)) {
         cycle.next();
         float x = 0, y = 0;
-        if (!placeOf(station, x, y)) continue;
+        if (!moveIntoDomain(station, context.setup.map.geometry) || !placeOf(station, x, y)) continue;
         SetColor(p, cycle.color);
         SetFill(p, cycle.fill);
         DrawSymbols(p, nullptr, std::span(&x, 1), std::span(&y, 1), cycle.symbol, markSize);

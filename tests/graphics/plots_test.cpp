@@ -443,6 +443,24 @@ TEST(MapPlot, PlottedStationsGetTheSymbolsOfTheirProfiles)
     EXPECT_EQ(countOf(f.postScript(), " 2.3 "), 0);
 }
 
+TEST(MapPlot, PlottedStationsOutsideTheMapHaveNoMark)
+{
+    MAPFIXTURE f;
+    f.plotAll();
+    f.setup.map.geometry.latMax = 0; // five of ten
+    f.setup.map.geometry.lonMin = -60;
+    f.setup.map.geometry.lonMax = 60;
+    f.setup.map.toDraw = 1;
+    const std::string ps = f.postScript();
+    EXPECT_EQ(countOf(ps, " D\n"), 5);
+    EXPECT_EQ(countOf(ps, " 2.3 "), 5);
+    RTestCanvas canvas;
+    PlotMap(&canvas.painter, f.c, true);
+    DrawMapMarks(&canvas.painter, f.c);
+    EXPECT_GT(testing_support::pixelsOf(canvas.image, f.mapArea(), paletteColor(4).rgb()), 0);
+    EXPECT_EQ(testing_support::pixelsOf(canvas.image, f.mapArea(), paletteColor(12).rgb()), 0);
+}
+
 TEST(MapPlot, MarksOnThePainterHaveTheCyclesColors)
 {
     MAPFIXTURE f;
