@@ -43,7 +43,7 @@ QString fromUtf8(const std::string& text)
 // The chosen name with the extension of the chosen filter, if it has none of its own.
 std::string withFilterExtension(const QString& name, const QString& filter)
 {
-    const std::string path = name.toStdString();
+    std::string path = name.toStdString();
     if (!common::splitPath(path).extension.empty()) return path;
     const qsizetype star = filter.indexOf(QLatin1String("*."));
     const qsizetype end = filter.indexOf(QLatin1Char(')'), star);

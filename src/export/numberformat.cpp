@@ -24,7 +24,7 @@ int exponentOf(double value)
 {
     if (value >= 1) {
         int exponent = 0;
-        while (value >= powersOfTen[static_cast<std::size_t>(exponent + 1)]) ++exponent;
+        while (value >= powersOfTen[static_cast<std::size_t>(exponent) + 1]) ++exponent;
         return exponent;
     }
     constexpr double tenths[] = {1e-1, 1e-2, 1e-3};

@@ -25,9 +25,9 @@ int writeInteger(char* out, int value)
 int decimalExponent(double value)
 {
     if (value < 1) return value >= 1e-1 ? -1 : value >= 1e-2 ? -2 : value >= 1e-3 ? -3 : -4;
-    int exponent = 0;
-    while (value >= powersOfTen[static_cast<std::size_t>(exponent + 1)]) ++exponent;
-    return exponent;
+    std::size_t exponent = 0;
+    while (value >= powersOfTen[exponent + 1]) ++exponent;
+    return static_cast<int>(exponent);
 }
 
 // The six digits with the point where the exponent wants it, and without zeros behind the last figure.

@@ -4,8 +4,10 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDragEnterEvent>
 #include <QKeyEvent>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QProgressBar>
 #include <QStatusBar>
@@ -270,6 +272,31 @@ TEST_F(Window, PositionUnderTheMouse)
     EXPECT_THAT(app::positionText(setup, window->session().collection, middle),
                 testing::StartsWith("Map:  "));
     EXPECT_EQ(app::positionText(setup, window->session().collection, {-5, -5}), "");
+}
+
+TEST_F(Window, DroppedCollectionOpens)
+{
+    openCast();
+    window->processMenuItem(app::cmdClose);
+    QMimeData data;
+    data.setText(QString::fromStdString("file://" + folder.file("cast.var") + "\r\nfile:///other.var\r\n"));
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.get(), &drop);
+    EXPECT_TRUE(window->session().collection.isOpen);
+    EXPECT_EQ(window->windowTitle().toStdString(), "NVQ - " + folder.file("cast.var"));
+}
+
+TEST_F(Window, DropOfSomethingElseIsNotTaken)
+{
+    QMimeData data;
+    data.setText(text("file:///picture.jpg"));
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    enter.ignore();
+    QApplication::sendEvent(window.get(), &enter);
+    EXPECT_FALSE(enter.isAccepted());
 }
 
 TEST(Drop, AcceptsTheKnownKinds)

@@ -168,6 +168,23 @@ TEST_F(BaseMap, NothingIsDrawnOutsideTheWindow)
     }
 }
 
+TEST_F(BaseMap, TopFindsItsWayBackFromAnotherWindow)
+{
+    for (bool onCanvas : {true, false}) {
+        MAPWINDOW m = files.map(0, 20, 60, -20, 40); // a coast on all sides
+        setDefaultLayers(m, files.installation);
+        const QImage once = files.paint(m, onCanvas);
+        QImage image = once;
+        QPainter p(&image);
+        SetUsrSys(0, 1, 5, 0, 0, 1, 5, 0);
+        MAPGEOMETRY other{.id = projectionMollweide};
+        SetupMapWindow(other, {5, 0, 5, 0});
+        SetClip(&p, false);
+        BaseMapTop(&p, files.context(onCanvas), m);
+        EXPECT_EQ(image, once);
+    }
+}
+
 TEST_F(BaseMap, ExportClipsWhatComesBetweenFrontAndTop)
 {
     MAPWINDOW m = globe(5);

@@ -162,7 +162,11 @@ public:
         graphics::LoadPalette("");
         graphics::drawState() = {};
     }
-    ~RMapWorld() { graphics::drawState() = before_; }
+    ~RMapWorld()
+    {
+        graphics::palette() = palette_;
+        graphics::projection() = projection_;
+    }
     RMapWorld(const RMapWorld&) = delete;
     RMapWorld& operator=(const RMapWorld&) = delete;
     [[nodiscard]] std::string layer(const std::string& name) const
@@ -230,8 +234,10 @@ public:
     common::INSTALLATION installation;
     RScriptedUser user;
 
-private:
-    const graphics::DRAWSTATE before_ = graphics::drawState();
+private: // what other tests find again
+    const graphics::RDrawStateGuard state_{nullptr};
+    const graphics::PALETTE palette_ = graphics::palette();
+    const graphics::PROJECTION projection_ = graphics::projection();
 };
 
 } // namespace testing_support

@@ -20,6 +20,7 @@ public:
 
     explicit RPlotFixture(int stations = 10, int levels = 26, const std::string& type = "B")
     {
+        graphics::drawState() = {}; // whatever other tests left
         for (int i = 0; i < stations; ++i) addCast(i, stations, levels, type);
         installation.include = std::string(NVQ_SOURCE_DIR) + "/data/include/";
         installation.coast = sample.directory.file("coast/"); // not there: a map without layers

@@ -443,6 +443,24 @@ TEST(MapPlot, PlottedStationsGetTheSymbolsOfTheirProfiles)
     EXPECT_EQ(countOf(f.postScript(), " 2.3 "), 0);
 }
 
+TEST(MapPlot, PlottedStationsOutsideTheMapHaveNoMark)
+{
+    MAPFIXTURE f;
+    f.plotAll();
+    f.setup.map.geometry.latMax = 0; // five of ten
+    f.setup.map.geometry.lonMin = -60;
+    f.setup.map.geometry.lonMax = 60;
+    f.setup.map.toDraw = 1;
+    const std::string ps = f.postScript();
+    EXPECT_EQ(countOf(ps, " D\n"), 5);
+    EXPECT_EQ(countOf(ps, " 2.3 "), 5);
+    RTestCanvas canvas;
+    PlotMap(&canvas.painter, f.c, true);
+    DrawMapMarks(&canvas.painter, f.c);
+    EXPECT_GT(testing_support::pixelsOf(canvas.image, f.mapArea(), paletteColor(4).rgb()), 0);
+    EXPECT_EQ(testing_support::pixelsOf(canvas.image, f.mapArea(), paletteColor(12).rgb()), 0);
+}
+
 TEST(MapPlot, MarksOnThePainterHaveTheCyclesColors)
 {
     MAPFIXTURE f;
@@ -522,6 +540,20 @@ TEST(Redraw, DrawsTheMapThenTheWindowsAndKeepsTheirRegions)
     }
     EXPECT_TRUE(f.setup.regions[5].isNull());
     EXPECT_TRUE(f.setup.regions[1].contains(plotOf(f.setup.window(1))));
+}
+
+TEST(Redraw, AClickBetweenTheWindowsIsOnTheCanvas)
+{
+    RPlotFixture f;
+    PLOTCONTEXT c = f.context();
+    EXPECT_EQ(windowAt(f.setup, QPoint(500, 300)), -1); // nothing has been drawn
+    f.plotAll();
+    RTestCanvas canvas;
+    RedrawCanvas(&canvas.painter, c, true);
+    for (int n = 1; n <= 4; ++n) EXPECT_EQ(windowAt(f.setup, plotOf(f.setup.window(n)).center()), n);
+    EXPECT_EQ(windowAt(f.setup, f.setup.regions[0].center()), 0);
+    EXPECT_EQ(windowAt(f.setup, QPoint(1, 1)), -1);
+    EXPECT_EQ(windowAt(f.setup, QPoint(1150, 400)), -1); // the fifth window's place, which doesn't exist
 }
 
 TEST(Redraw, EverythingStandsInsideTheRegions)
