@@ -34,7 +34,7 @@ void checkLimits(const VARDESCRIPTION& description)
     }
 }
 
-// Written and read, a description stays what it is from the second time on (labels are trimmed at the first).
+// Written and read, a description stays what it is from the second time on.
 void checkRoundTrip(const VARDESCRIPTION& first)
 {
     const auto write = [](const VARDESCRIPTION& d) {

@@ -224,7 +224,8 @@ std::vector<CDTSHAPE> globeShapes(const CUTRULES& rules)
     std::vector<CDTSHAPE> shapes;
     const int rows = int(std::lround(180 / rules.tile)), columns = 2 * rows;
     for (int i = 0; i < rows * columns; ++i) {
-        const double x = i % columns * rules.tile, y = -90 + i / columns * rules.tile;
+        const int row = i / columns, column = i % columns;
+        const double x = column * rules.tile, y = -90 + row * rules.tile;
         appendFill(rectangle({x, y, x + rules.tile, y + rules.tile}), rules, false, shapes);
     }
     return shapes;

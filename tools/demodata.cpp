@@ -66,6 +66,7 @@ std::vector<PLACE> meridian(double lon, double south, double north)
 {
     std::vector<PLACE> places;
     const int count = int(std::lround(north - south)) + 1;
+    places.reserve(std::size_t(count));
     for (int i = 0; i < count; ++i) places.push_back({lon, south + i});
     return places;
 }

@@ -2,6 +2,7 @@
 # Run it in the folder that holds global_means.txt:  nvqmp -x global.cmd -q
 open_collection global_means.txt
 
+set_mode MAP
 export_graphics 0,global_map.png,150
 export_graphics 0,global_map.eps,150
 set_domain 20,380,-90,90,4
@@ -19,9 +20,9 @@ set_mode SCATTER
 use_layout SCATTER 2 Win
 set_window 1,Salinity,Temperature,Depth
 set_window 2,Temperature,-Depth,Salinity
-set_palette 2,Thermal
+set_palette 2,Haline
 full_range
-set_range 1,30,38,-2,30,0,5000
+set_range 1,30,38,-3,30,0,2000
 export_graphics -1,global_scatter.png,150
 export_graphics -1,global_scatter.eps,150
 

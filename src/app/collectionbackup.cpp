@@ -69,8 +69,9 @@ void RCollectionBackup::restore()
         ::unlink((basePath_ + ".log").c_str());
         return;
     }
+    const std::string& text = *log_;
     common::RReplacementFile log(basePath_ + ".log");
-    if (log.stream() && std::fwrite(log_->data(), 1, log_->size(), log.stream()) == log_->size())
+    if (log.stream() && std::fwrite(text.data(), 1, text.size(), log.stream()) == text.size())
         static_cast<void>(log.commit());
 }
 

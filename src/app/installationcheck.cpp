@@ -116,7 +116,7 @@ void deriveDirectories(const std::string& root, common::INSTALLATION& installati
     installation.coast = installation.root + "coast/";
     installation.include = installation.root + "include/";
     installation.atmhist = installation.root + "atmhist/";
-    installation.help = installation.root + "help/";
+    installation.help = installation.root + "doc/";
     installation.userTree = installation.home + "nvq_local/";
     installation.palettes = installation.userTree + "palettes/";
 }

@@ -1,4 +1,5 @@
 #include <clocale>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -21,6 +22,15 @@ void choosePlatform()
 {
     if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM"))
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+}
+
+// While the application object is made, the toolkit looks for a display's socket and complains if the system
+// has no place for one; a run without a display has nothing to do with that.
+void dropSocketComplaint(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR"))) return;
+    const QByteArray line = qFormatLogMessage(type, context, text).toLocal8Bit();
+    std::fprintf(stderr, "%s\n", line.constData());
 }
 
 bool hasScreen()
@@ -47,7 +57,9 @@ int main(int argc, char** argv)
 {
     const std::string programPath = argc > 0 ? argv[0] : "";
     choosePlatform();
+    const QtMessageHandler usual = qInstallMessageHandler(dropSocketComplaint);
     QApplication application(argc, argv);
+    qInstallMessageHandler(usual);
     std::setlocale(LC_NUMERIC, "C"); // the toolkit has just set the user's
     QObject::connect(&application, &QGuiApplication::lastWindowClosed, &application, &QCoreApplication::quit);
     app::RAppWindow window(programPath, hasScreen());

@@ -43,7 +43,7 @@ QString fromUtf8(const std::string& text)
 // The chosen name with the extension of the chosen filter, if it has none of its own.
 std::string withFilterExtension(const QString& name, const QString& filter)
 {
-    const std::string path = name.toStdString();
+    std::string path = name.toStdString();
     if (!common::splitPath(path).extension.empty()) return path;
     const qsizetype star = filter.indexOf(QLatin1String("*."));
     const qsizetype end = filter.indexOf(QLatin1Char(')'), star);
@@ -136,7 +136,8 @@ QAction* RAppWindow::action(int commandId) const
 
 void RAppWindow::processMenuItem(int commandId)
 {
-    if (dispatching_ || !session_.isAllowed(commandId, 0)) return;
+    const bool busy = dispatching_ || session_.state == stateBusy; // also for commands without a rule
+    if (busy || !session_.isAllowed(commandId, 0)) return;
     dispatching_ = true;
     dispatch(commandId);
     dispatching_ = false;

@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::string_view openingTitle = "Opening Collection ...";
 constexpr std::string_view importTitle = "NVQ Data Import";
+constexpr std::string_view elsewhereText = " is open for writing in another NVQ session!";
 
 // A base name without the characters that would part it.
 std::string plainBaseName(const std::string& name)
@@ -87,15 +88,22 @@ bool RSession::setNames(const std::string& path)
 OpenResult RSession::openCollection(const std::string& path)
 {
     if (!setNames(path)) return OpenResult::failed;
-    if (!common::fileExists(collection.path + ".var")) {
-        user_.about(openingTitle, "Collection " + collection.path + ".var not found!");
+    const std::string file = collection.path + ".var"; // the files may turn out to have another name
+    if (!common::fileExists(file)) {
+        user_.about(openingTitle, "Collection \"" + file + "\" does not exist!");
         abandon();
         return OpenResult::failed;
     }
     collection.writable = collection::filesAreWritable(collection.path, collection.directory, false);
-    if (!collection.writable) user_.about(openingTitle, collection::writeProtectedText);
+    if (!collection.writable) {
+        user_.about(openingTitle, collection::writeProtectedText);
+    } else if (!lock_.acquire(collection.path)) {
+        collection.writable = false;
+        user_.about(openingTitle,
+                    "Collection " + file + std::string(elsewhereText) + "\n\nData may not be modified!");
+    }
     const OpenResult result = openFiles();
-    if (result == OpenResult::ok) becomeReady(collection.path + ".var");
+    if (result == OpenResult::ok) becomeReady(file);
     return result;
 }
 
@@ -118,6 +126,7 @@ void RSession::abandon()
     collection.closeTemporaryFiles();
     collection.closeStationFiles();
     collection.reset();
+    lock_.release();
 }
 
 bool RSession::mayReplace()
@@ -135,23 +144,32 @@ bool RSession::mayReplace()
     return false;
 }
 
+// Whether a collection may be made in the place that the names say; tells why not.
+bool RSession::canMake()
+{
+    if (!mayReplace()) return false;
+    const std::string file = collection.path + ".var";
+    collection.writable = collection::filesAreWritable(collection.path, collection.directory, false);
+    if (!collection.writable) {
+        user_.about(importTitle, "Collection " + file + " could not be made!\n\n" +
+                                     std::string(collection::writeProtectedText));
+        return false;
+    }
+    if (lock_.acquire(collection.path)) return true;
+    user_.about(importTitle, "Collection " + file + std::string(elsewhereText));
+    return false;
+}
+
 OpenResult RSession::importAsNew(const std::string& path)
 {
     if (!setNames(path)) return OpenResult::failed;
-    Header header;
-    if (!importing::spreadsheetVariables(path, nullptr, collection, header, user_) || !mayReplace()) {
+    Header header; // looked at first: a file that is none must not cost an old collection
+    if (!importing::spreadsheetVariables(path, nullptr, collection, header, user_) || !canMake()) {
         abandon();
         return OpenResult::failed;
     }
-    collection.writable = collection::filesAreWritable(collection.path, collection.directory, false);
-    if (!collection.writable) {
-        user_.about(importTitle, "Collection " + collection.path + ".var could not be made!\n\n" +
-                                     std::string(collection::writeProtectedText));
-        abandon();
-        return OpenResult::failed;
-    }
-    const bool replaces = common::fileExists(collection.path + ".var");
-    const std::string source = path, target = collection.path + ".var";
+    const std::string target = collection.path + ".var";
+    const bool replaces = common::fileExists(target);
     RCollectionBackup backup(collection.path);
     if (!backup.moved() || !collection.createEmptyFiles(installation.user, installation.host)) {
         user_.about(importTitle, "Collection " + target + " could not be made!");
@@ -159,8 +177,9 @@ OpenResult RSession::importAsNew(const std::string& path)
         return OpenResult::failed;
     }
     if (const OpenResult opened = openFiles(); opened != OpenResult::ok) return opened;
-    const importing::IMPORTRESULT result = runImport(source, std::move(header));
-    const bool good = result.end == importing::ImportEnd::done;
+    static_cast<void>(lock_.acquire(collection.path)); // of the new files
+    const importing::IMPORTRESULT result = runImport(path, std::move(header));
+    const bool good = result.end == importing::ImportEnd::done && result.stationsStored > 0;
     if (!good && (replaces || result.stationsStored == 0)) {
         abandon();
         return OpenResult::failed;

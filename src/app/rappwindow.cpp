@@ -297,9 +297,12 @@ int RAppWindow::askResolution()
 
 void RAppWindow::requestClose()
 {
-    QCloseEvent event;
+    if (isVisible()) {
+        close();
+        return;
+    }
+    QCloseEvent event; // a window that was never shown gets none from the toolkit
     QApplication::sendEvent(this, &event);
-    if (event.isAccepted()) hide();
 }
 
 void RAppWindow::closeEvent(QCloseEvent* event)
@@ -329,8 +332,8 @@ void RAppWindow::finish()
 
 void RAppWindow::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Escape) {
-        user_.setAbort(true);
+    if (event->key() == Qt::Key_Escape) { // outside a long operation there is nothing to break off
+        if (session_.state == stateBusy) user_.setAbort(true);
         return;
     }
     QMainWindow::keyPressEvent(event);

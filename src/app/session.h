@@ -10,6 +10,7 @@
 #include <string>
 #include <utility>
 
+#include "app/collectionlock.h"
 #include "app/filekind.h"
 #include "app/gate.h"
 #include "app/histories.h"
@@ -112,6 +113,7 @@ private:
     [[nodiscard]] OpenResult importIntoOpen(const std::string& path);
     [[nodiscard]] bool setNames(const std::string& path);
     [[nodiscard]] bool mayReplace();
+    [[nodiscard]] bool canMake();
     [[nodiscard]] OpenResult openFiles();
     [[nodiscard]] importing::IMPORTRESULT runImport(const std::string& path, std::optional<Header> header);
     void becomeReady(const std::string& path);
@@ -130,6 +132,7 @@ private:
     common::RUser& user_;
     RSessionView& view_;
     selection::RSelectionStages stages_;
+    RCollectionLock lock_;
     collection::STATIONDATA scratch_; // for plots and imports
     // Windows whose axes have their ranges, by mode and window number.
     std::array<std::bitset<common::maxDataWindows + 1>, graphics::modeCount> ranged_;

@@ -169,7 +169,7 @@ std::string RSettingsFile::text() const
     for (const GROUP& group : groups_) {
         if (group.keys.empty()) continue;
         all += "[" + group.name + "]\n";
-        for (const auto& [key, value] : group.keys) all += key + " = " + value + "\n";
+        for (const auto& [key, value] : group.keys) all.append(key).append(" = ").append(value) += '\n';
     }
     return all;
 }

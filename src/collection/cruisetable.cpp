@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <numeric>
-#include <optional>
 #include <unordered_map>
 
 #include "common/text.h"
@@ -28,16 +26,6 @@ std::string keyOf(std::string_view cruise, std::string_view type)
     key += '\0';
     key += type;
     return key;
-}
-
-// A station label that is a number from its first to its last character.
-std::optional<int> numericLabel(std::string_view label)
-{
-    int number = 0;
-    const char* const end = label.data() + label.size();
-    const auto [stop, error] = std::from_chars(label.data(), end, number);
-    if (error != std::errc{} || stop != end) return std::nullopt;
-    return number;
 }
 
 void widen(CRUISEINFO& entry, int number, const STATIONHDR& header)

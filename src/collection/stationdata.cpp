@@ -1,5 +1,7 @@
 #include "collection/stationdata.h"
 
+#include <charconv>
+
 #include "collection/rcollection.h"
 
 namespace collection {
@@ -36,6 +38,15 @@ std::string_view flagName(int flag)
 double dateNumber(const STATIONHDR& header)
 {
     return header.year * 10000.0 + header.month * 100.0 + header.day;
+}
+
+std::optional<int> numericLabel(std::string_view label)
+{
+    int number = 0;
+    const char* const end = label.data() + label.size();
+    const auto [stop, error] = std::from_chars(label.data(), end, number);
+    if (error != std::errc{} || stop != end) return std::nullopt;
+    return number;
 }
 
 void STATIONDATA::clear()

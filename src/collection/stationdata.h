@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <type_traits>
 
@@ -45,6 +46,9 @@ inline constexpr std::uint8_t flagGood = 0, flagUnknown = 1, flagQuestionable = 
 
 // The date as one number, year * 10000 + month * 100 + day, as dates are compared everywhere.
 [[nodiscard]] double dateNumber(const STATIONHDR& header);
+
+// A station label as a number, if it is one from its first to its last character.
+[[nodiscard]] std::optional<int> numericLabel(std::string_view label);
 
 // levelCount[v]: non-missing values of variable v; [1] is the number of levels and the length of every block.
 using LEVELCOUNTS = std::array<std::int16_t, 52>;

@@ -58,7 +58,7 @@ VARINFO readVariable(std::string_view line, int number)
 {
     VARINFO variable = emptyVariable(number);
     readFormat(line.size() > formatColumn ? line.substr(formatColumn) : std::string_view(), variable);
-    setLabel(variable, common::trimLabel(line.substr(0, formatColumn)));
+    setLabel(variable, common::trimBlanks(line.substr(0, formatColumn)));
     return variable;
 }
 

@@ -31,6 +31,14 @@ void setUserSystem(MAPWINDOW& map)
     map.plotRect = {int(usr.x.lowPx), int(usr.y.highPx), int(usr.x.highPx), int(usr.y.lowPx)};
 }
 
+void clipPainter(QPainter& p, const BASEMAPCONTEXT& context, const MAPGEOMETRY& map)
+{
+    if (context.onCanvas)
+        SetClip(&p, true);
+    else
+        ClipToMap(&p, nullptr, map, false);
+}
+
 void paintBackground(QPainter& p, const MAPWINDOW& map)
 {
     if (map.background < 0) return;
@@ -66,10 +74,7 @@ void BaseMapBack(QPainter* p, const BASEMAPCONTEXT& context, MAPWINDOW& map)
     setUp(context, map);
     setUserSystem(map);
     if (!p) return;
-    if (context.onCanvas)
-        SetClip(p, true);
-    else
-        ClipToMap(p, nullptr, map.geometry, false);
+    clipPainter(*p, context, map.geometry);
     paintBackground(*p, map);
     drawKinds(p, nullptr, context, map, layerPreBathymetry, layerBathymetry);
 }
@@ -87,6 +92,9 @@ void BaseMapFront(QPainter* p, const BASEMAPCONTEXT& context, MAPWINDOW& map)
 void BaseMapTop(QPainter* p, const BASEMAPCONTEXT& context, MAPWINDOW& map)
 {
     if (!p) return;
+    setUp(context, map); // other windows may have been drawn since
+    setUserSystem(map);
+    clipPainter(*p, context, map.geometry);
     DrawCoastLine(p, nullptr, context, map);
     if (context.onCanvas) EraseOutsideMap(p, map.geometry);
     SetClip(p, false);

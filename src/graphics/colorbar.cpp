@@ -150,7 +150,7 @@ void writeBar(std::FILE* ps, const BAR& bar, std::string_view title)
 void DrawColorBar(QPainter* p, std::FILE* ps, std::string_view title, float fontSize, float xmin, float xmax,
                   float plotWidth, float ymin, float ymax, float vmin, float vmax, float a, float b)
 {
-    if (!(vmin != vmax) || !(plotWidth > 0)) return;
+    if (vmin == vmax || !std::isfinite(vmin) || !std::isfinite(vmax) || !(plotWidth > 0)) return;
     const COLORMAPPING before = colorMapping();
     SetColorMapping(vmin, vmax, a, b);
     const BAR bar = makeBar(fontSize, xmin, xmax, plotWidth, ymin, ymax, vmin, vmax);

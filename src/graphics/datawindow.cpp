@@ -13,6 +13,13 @@ namespace {
 constexpr std::array<const char*, modeCount + 1> modeNames = {"MAP", "STATION", "SCATTER", "SECTION",
                                                               "SURFACE"};
 
+// Place of a mode in a table that begins with the map's.
+std::size_t placeOf(int mode)
+{
+    const int place = mode - modeMap;
+    return static_cast<std::size_t>(place);
+}
+
 // --- default variables
 
 struct KEYVARIABLES {
@@ -137,7 +144,7 @@ bool setAxisRange(int axisVariable, int variable, float low, float high, float& 
 
 const char* modeName(int mode)
 {
-    return mode < modeMap || mode >= modeCount ? "" : modeNames[static_cast<std::size_t>(mode + 1)];
+    return mode < modeMap || mode >= modeCount ? "" : modeNames[placeOf(mode)];
 }
 
 std::optional<int> modeByName(std::string_view name)
@@ -200,7 +207,7 @@ void setDefaultSetup(GRAPHICSSETUP& setup, const collection::RCollection& collec
 void switchMode(GRAPHICSSETUP& setup, int mode)
 {
     setup.mode = mode;
-    setup.map.box = setup.mapBoxes[static_cast<std::size_t>(mode + 1)];
+    setup.map.box = setup.mapBoxes[placeOf(mode)];
     setup.regions.fill(QRect());
     markAllToDraw(setup);
 }
@@ -218,6 +225,14 @@ bool ApplyRangeToTwins(GRAPHICSSETUP& setup, int variable, float low, float high
         anyChanged = anyChanged || changed;
     }
     return anyChanged;
+}
+
+int windowAt(const GRAPHICSSETUP& setup, const QPoint& pixel)
+{
+    for (int n = setup.count(); n >= 0; --n) {
+        if (setup.regions[static_cast<std::size_t>(n)].contains(pixel)) return n;
+    }
+    return -1;
 }
 
 bool IsMapWindow(const GRAPHICSSETUP& setup, int number)

@@ -157,6 +157,10 @@ void switchMode(GRAPHICSSETUP& setup, int mode);
 // axis. A window whose limits really changed is marked toDraw. True if any changed.
 bool ApplyRangeToTwins(GRAPHICSSETUP& setup, int variable, float low, float high);
 
+// The window at a pixel of the canvas by the regions of the last redraw: its number, 0 for the map, -1
+// between the windows.
+[[nodiscard]] int windowAt(const GRAPHICSSETUP& setup, const QPoint& pixel);
+
 // True for window 0, and in SURFACE mode for windows with longitude and latitude axes.
 [[nodiscard]] bool IsMapWindow(const GRAPHICSSETUP& setup, int number);
 

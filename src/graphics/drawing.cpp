@@ -52,6 +52,13 @@ bool isThickness(int index)
     return index >= 0 && index < static_cast<int>(thicknessTable.size());
 }
 
+// In single precision: the last figure of pixelsPerUnit then goes where a limit of the axis hits its pixel.
+int axisPixel(const USRAXIS& axis, double value)
+{
+    const float distance = static_cast<float>(value) - axis.userMin;
+    return toPixel(distance * axis.pixelsPerUnit + axis.lowPx);
+}
+
 void shrinkForPrinter(float& length, float& origin)
 {
     length *= 0.92f;
@@ -148,14 +155,12 @@ void SetUsrSys(float xmin, float xmax, float xlen, float xorg, float ymin, float
 
 int pixelX(double x)
 {
-    const USRAXIS& axis = usrSys().x;
-    return toPixel((x - axis.userMin) * axis.pixelsPerUnit + axis.lowPx);
+    return axisPixel(usrSys().x, x);
 }
 
 int pixelY(double y)
 {
-    const USRAXIS& axis = usrSys().y;
-    return toPixel((y - axis.userMin) * axis.pixelsPerUnit + axis.lowPx);
+    return axisPixel(usrSys().y, y);
 }
 
 QPoint pathPixel(double x, double y)

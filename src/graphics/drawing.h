@@ -42,11 +42,11 @@ struct DRAWSTATE {
     std::array<int, 4> color{}; // set together by SetColor
     QColor currentColor = Qt::black;
     int paletteColors = 0;
-    int penWidth = 1; // pixels
-    int penStyle = 1; // Qt::PenStyle
-    float symbolScale = 1.0f, fontScale = 1.0f;
-    float fontSize = 12.0f; // points, as asked for
-    int fontIndex = 1;      // 1 default family, 2 symbol family
+    int penWidth = 1;                           // pixels
+    int penStyle = 1;                           // Qt::PenStyle
+    float symbolScale = 1.0f, fontScale = 1.0f; // sizes follow the device's resolution by themselves
+    float fontSize = 12.0f;                     // points, as asked for
+    int fontIndex = 1;                          // 1 default family, 2 symbol family
     float labelFractionX = 0.5f,
           labelFractionY = 0.5f; // of the text box, from lower left, see SetLabelOrigin
     DEVICE device;
@@ -147,8 +147,13 @@ void DrawPath(QPainter* p, std::FILE* ps, std::span<const float> x, std::span<co
 void DrawMeridian(QPainter* p, std::FILE* ps, float lon, float latMin, float latMax, int n, int thickness);
 void DrawParallel(QPainter* p, std::FILE* ps, float lat, float lonMin, float lonMax, int n, int thickness);
 
-// --- labels. `text` is a label's bytes with "~" sequences; angle in degrees, counter-clockwise.
+// --- labels. `text` is a label's bytes with "~" sequences ("~#" text font, "~$" symbol font, "~_x"
+// subscript,
+// "~^x" superscript); angle in degrees, counter-clockwise; size in points of the canvas, 28.35 to its
+// centimetre, on every device. On the painter only: each writer of PostScript has its own words for a label.
 void DrawLabel(QPainter* p, std::FILE* ps, std::string_view text, float x, float y, float angle, float size);
+// In the current colour, with a box in two palette colours (outside the palette: none). In PostScript a whole
+// NVQ_Annotation object.
 void DrawFramedLabel(QPainter* p, std::FILE* ps, std::string_view text, float x, float y, float angle,
                      float size, int fillColor, int frameColor, int frameThickness, int lorg);
 // Size in pixels of the label's box in the current font at `size` points.
@@ -158,7 +163,8 @@ void DrawFramedLabel(QPainter* p, std::FILE* ps, std::string_view text, float x,
 [[nodiscard]] std::string axisNumber(double value, double step); // below 1e-5 of the step: "0"
 [[nodiscard]] std::string longitudeLabel(double lon); // "30°W", "0", "180°E"; Latin-1 degree sign
 [[nodiscard]] std::string latitudeLabel(double lat);  // "30°S", "EQ"
-// A label for a PostScript string: Latin-1, with brackets and backslashes escaped, octal above 126.
+// A label for a PostScript string in the encoding of the preamble's fonts: brackets and backslashes escaped,
+// octal above 126, Greek letters in the symbol font.
 [[nodiscard]] std::string psString(std::string_view text);
 // Replaces umlauts, the degree sign and the sharp s by the sequences that text objects use.
 [[nodiscard]] std::string psAnnotationText(std::string_view text);

@@ -188,11 +188,14 @@ void paintSymbols(QPainter& p, std::span<const float> x, std::span<const float> 
     const bool ownSize = (symbol <= 5 && state.fill) || (symbol == 1 && shape.radius == 0);
     p.setPen(ownSize ? QPen(state.currentColor, 1) : currentPen(state.penWidth));
     p.setBrush(state.fill ? QBrush(state.currentColor) : QBrush(Qt::NoBrush));
+    const Qt::BGMode mode = p.backgroundMode();
+    p.setBackgroundMode(Qt::TransparentMode); // in the other one circles come out crooked
     if (x.size() >= bulkCount && takesStamps(p)) {
         paintMany(p, shape, x, y);
     } else {
         paintOneByOne(p, shape, x, y);
     }
+    p.setBackgroundMode(mode);
     p.setBrush(Qt::NoBrush);
     p.setPen(currentPen(state.penWidth));
 }

@@ -6,15 +6,18 @@
 namespace graphics {
 
 RExportGuard::RExportGuard(PLOTCONTEXT& context)
-    : context_(context), setup_(context.setup), drawing_(nullptr), onCanvas_(context.onCanvas)
+    : context_(context), setup_(context.setup), drawing_(nullptr), onCanvas_(context.onCanvas),
+      repaint_(context.repaint)
 {
     context_.onCanvas = false;
+    context_.repaint = nullptr;
     drawState().usePixmap = false;
 }
 
 RExportGuard::~RExportGuard()
 {
     context_.onCanvas = onCanvas_;
+    context_.repaint = repaint_;
     context_.setup = setup_;
 }
 

@@ -7,7 +7,8 @@
 
 namespace graphics {
 
-// Saves the set-up, the user's palette and the drawing state, and puts them back on every way out.
+// Saves the set-up and the drawing state, keeps the canvas out of it, and puts everything back on every way
+// out.
 class [[nodiscard]] RExportGuard {
 public:
     explicit RExportGuard(PLOTCONTEXT& context);
@@ -20,6 +21,7 @@ private:
     const GRAPHICSSETUP setup_;
     const RDrawStateGuard drawing_;
     const bool onCanvas_;
+    const std::function<void()> repaint_;
 };
 
 // Whether `window` (-1 the whole canvas, 0 the map, else a data window of the mode) has something to show.

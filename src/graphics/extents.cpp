@@ -16,6 +16,7 @@ constexpr double axisShare = 0.9, stampShare = 0.65, stampGap = 0.25, barShare =
 constexpr double smallestBarFont = 5.5;
 constexpr double ticLength = 1.25 * widthOfW, ticsToYLabel = 1.95 * ticLength; // sizes of the numbers' font
 constexpr double xLabelDistance = 1.75;                                        // base font sizes
+constexpr double descent = 0.2;                                                // of brackets, font sizes
 constexpr double zLabelHeight = 1.03;                                          // of the plot's height
 
 // Of the numbers of an axis, in font sizes.
@@ -50,7 +51,7 @@ EXTENT plotArea(float x, float y, float width, float height)
     return {d(x), d(y), d(x) + d(width), d(y) + d(height)};
 }
 
-EXTENT plainExtent(const DATAWINDOW& w)
+EXTENT plainExtent(const DATAWINDOW& w, bool colorBar)
 {
     EXTENT e = plotArea(w.xOrg, w.yOrg, w.xLen, w.yLen);
     const double font = static_cast<double>(baseFontSize(w.xLen, w.yLen));
@@ -61,12 +62,12 @@ EXTENT plainExtent(const DATAWINDOW& w)
         const TICS x = FitTics(w.xMin, w.xMax, w.xLen, axisFont, false);
         const TICS y = FitTics(w.yMin, w.yMax, w.yLen, axisFont, true);
         e.left -= (ticsToYLabel + widestNumber(y, w.yMax)) * axis + label / 2;
-        e.bottom -= xLabelDistance * textCm(font) + label;
+        e.bottom -= (xLabelDistance + descent) * textCm(font) + label;
         right = std::max(right, widestNumber(x, w.xMax) / 2 * axis);
     }
     if (w.zVar != 0) {
         e.top += (zLabelHeight - 1) * w.yLen + label;
-        if (w.colorBar) right = std::max(right, colorBarRoom(w, font));
+        if (colorBar) right = std::max(right, colorBarRoom(w, font));
     } else {
         e.top += labelHeight * axis / 2;
     }
@@ -86,9 +87,9 @@ EXTENT mapExtent(const MAPWINDOW& map)
         const double bar = std::max(barGap, leastBar * g.xlen);
         right = std::max(right, 2.075 * bar + textWidth("6000 m ") * 0.75 * textCm(font));
     }
-    e.left -= (ticLength + widestDegrees) * label;
-    e.bottom -= (ticLength + labelHeight) * label;
-    e.top += labelHeight / 2 * label;
+    e.left -= (ticLength + widestDegrees / 2 + 2 * descent) * label;
+    e.bottom -= (ticLength + labelHeight / 2) * label;
+    e.top += (labelHeight / 2 + 2 * descent) * label;
     e.right += right;
     return e;
 }
@@ -118,7 +119,8 @@ EXTENT clampToCanvas(const EXTENT& e)
 EXTENT windowExtent(const PLOTCONTEXT& context, int number)
 {
     if (number == 0) return mapExtent(context.setup.map);
-    return plainExtent(context.setup.window(number));
+    const DATAWINDOW& window = context.setup.window(number);
+    return plainExtent(window, window.colorBar && context.setup.mode != modeStation); // profiles have no bar
 }
 
 EXTENT usedExtent(const PLOTCONTEXT& context)

@@ -23,22 +23,25 @@ constexpr double lineSpacing = 1.2;                               // of the font
 constexpr double baseline = 0.244;                                // of the font height, above the box bottom
 constexpr double margin = 0.5, italicMargin = 0.4;                // of the width of an "I"
 
+// A font for a character of a label, and its metrics in pixels of the font.
+struct SIZEDFONT {
+    LABELFONT font;
+    QFontMetricsF metrics;
+};
+
 // The four fonts that a label can use, made when they are needed.
 class RLabelFonts {
 public:
-    RLabelFonts(const QPaintDevice* device, double points) : device_(device), points_(points) {}
+    RLabelFonts(QPaintDevice* device, double points) : device_(device), points_(points) {}
 
-    struct FONT {
-        QFont font;
-        QFontMetricsF metrics;
-    };
-    const FONT& of(const LABELCHARACTER& character)
+    const SIZEDFONT& of(const LABELCHARACTER& character)
     {
         const bool script = character.script != 0;
-        std::optional<FONT>& entry = fonts_[(character.font == symbolFont ? 2u : 0u) + (script ? 1u : 0u)];
+        std::optional<SIZEDFONT>& entry =
+            fonts_[(character.font == symbolFont ? 2u : 0u) + (script ? 1u : 0u)];
         if (!entry) {
-            const QFont font = labelFont(device_, character.font, points_ * (script ? scriptSize : 1.0));
-            entry.emplace(FONT{font, metricsOf(font)});
+            const LABELFONT font = labelFont(character.font, points_ * (script ? scriptSize : 1.0));
+            entry.emplace(SIZEDFONT{font, metricsOf(font.font)});
         }
         return *entry;
     }
@@ -49,14 +52,14 @@ private:
         return device_ ? QFontMetricsF(font, device_) : QFontMetricsF(font);
     }
 
-    const QPaintDevice* device_;
+    QPaintDevice* device_;
     double points_;
-    std::array<std::optional<FONT>, 4> fonts_;
+    std::array<std::optional<SIZEDFONT>, 4> fonts_;
 };
 
 struct PLACEDCHARACTER {
     QString text;
-    QFont font;
+    LABELFONT font;
     double x = 0, rise = 0; // pixels from the text's start, and above the baseline
 };
 
@@ -73,25 +76,27 @@ LABELCHARACTER inInstalledFont(const LABELCHARACTER& character)
     return {symbolToUnicode(character.code), textFont, character.script};
 }
 
-LAYOUT measure(const QPaintDevice* device, std::string_view text, double points)
+double shiftOf(int script)
+{
+    return script < 0 ? subscriptShift : script > 0 ? superscriptShift : 0;
+}
+
+LAYOUT measure(QPaintDevice* device, std::string_view text, double points)
 {
     RLabelFonts fonts(device, points);
-    const QFontMetricsF& base = fonts.of({}).metrics;
-    const double wide = base.horizontalAdvance(QLatin1Char('I'));
+    const SIZEDFONT& base = fonts.of({});
+    const double wide = base.metrics.horizontalAdvance(QLatin1Char('I')) * base.font.scale;
     LAYOUT layout;
-    layout.fontHeight = base.height();
+    layout.fontHeight = base.metrics.height() * base.font.scale;
     layout.lineHeight = layout.fontHeight * lineSpacing;
     layout.start = wide * (fontSettings().italic ? italicMargin : margin);
     double x = 0;
     for (const LABELCHARACTER& parsed : parseLabel(text)) {
         const LABELCHARACTER character = inInstalledFont(parsed);
-        const RLabelFonts::FONT& font = fonts.of(character);
-        const double shift = character.script < 0   ? subscriptShift
-                             : character.script > 0 ? superscriptShift
-                                                    : 0;
+        const SIZEDFONT& font = fonts.of(character);
         PLACEDCHARACTER placed{QString::fromUcs4(&character.code, 1), font.font, x,
-                               shift * layout.lineHeight};
-        x += font.metrics.horizontalAdvance(placed.text);
+                               shiftOf(character.script) * layout.lineHeight};
+        x += font.metrics.horizontalAdvance(placed.text) * font.font.scale;
         if (character.code != U' ') layout.characters.push_back(std::move(placed));
     }
     layout.width = x + wide;
@@ -100,10 +105,17 @@ LAYOUT measure(const QPaintDevice* device, std::string_view text, double points)
 
 void drawCharacters(QPainter& p, const LAYOUT& layout, QPointF start)
 {
+    const QTransform before = p.transform();
+    double scale = 0;
     for (const PLACEDCHARACTER& character : layout.characters) {
-        p.setFont(character.font);
-        p.drawText(start + QPointF(character.x, -character.rise), character.text);
+        if (character.font.scale != scale) {
+            scale = character.font.scale;
+            p.setTransform(QTransform::fromScale(scale, scale) * before);
+        }
+        p.setFont(character.font.font);
+        p.drawText((start + QPointF(character.x, -character.rise)) / scale, character.text);
     }
+    p.setTransform(before);
 }
 
 struct BOXSTYLE {

@@ -1,12 +1,11 @@
 // Fonts of labels.
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 #include <QFontDatabase>
-#include <QGuiApplication>
 #include <QRawFont>
-#include <QScreen>
 
 #include "graphics/drawing.h"
 #include "graphics/labelfonts.h"
@@ -38,17 +37,25 @@ QString familyOf(int fontIndex)
     return QString::fromStdString(symbols ? settings.symbolFamily : settings.family);
 }
 
-// Points on this device in pixels, so that a text is as high in canvas centimetres on every device.
-double pixelsOf(double points)
+// Points as asked for in pixels of this device, so that a text is as high in canvas centimetres on every one.
+double pixelsOf(int fontIndex, double points)
 {
-    return points * drawState().device.pixelsPerCm / pointsPerCm;
+    const DRAWSTATE& state = drawState();
+    double size = fontSettings().factor * state.fontScale * points;
+    if (state.printing) size *= 0.8;
+    if (fontIndex == symbolFont) size *= symbolEnlargement;
+    return std::clamp(size * state.device.pixelsPerCm / pointsPerCm, 0.1, 20000.0);
 }
 
-// What a font metric without a device assumes.
-double screenDotsPerInch()
+QFont styledFont(int fontIndex)
 {
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    return screen ? screen->logicalDotsPerInchY() : 96.0;
+    const FONTSETTINGS& settings = fontSettings();
+    QFont font(familyOf(fontIndex));
+    font.setWeight(weightOf(settings.weight));
+    font.setItalic(settings.italic);
+    font.setUnderline(settings.underline);
+    font.setHintingPreference(QFont::PreferNoHinting); // the same widths at every resolution
+    return font;
 }
 
 } // namespace
@@ -82,21 +89,14 @@ bool symbolFontInstalled()
     return known[family] = holdsSymbolCodes(QString::fromStdString(family));
 }
 
-QFont labelFont(const QPaintDevice* device, int fontIndex, double points)
+LABELFONT labelFont(int fontIndex, double points)
 {
-    const FONTSETTINGS& settings = fontSettings();
-    const DRAWSTATE& state = drawState();
-    double size = settings.factor * state.fontScale * points;
-    if (state.printing) size *= 0.8;
-    if (fontIndex == symbolFont) size *= symbolEnlargement;
-    QFont font(familyOf(fontIndex));
-    const double dotsPerInch = device ? device->logicalDpiY() : screenDotsPerInch();
-    font.setPointSizeF(std::max(pixelsOf(size) * 72.0 / dotsPerInch, 0.1));
-    font.setWeight(weightOf(settings.weight));
-    font.setItalic(settings.italic);
-    font.setUnderline(settings.underline);
-    font.setHintingPreference(QFont::PreferNoHinting); // the same widths at every resolution
-    return font;
+    LABELFONT result{styledFont(fontIndex), 1};
+    const double wanted = pixelsOf(fontIndex, points);
+    const int whole = std::max(static_cast<int>(std::lround(wanted)), 1);
+    result.font.setPixelSize(whole);
+    result.scale = wanted / whole;
+    return result;
 }
 
 void SelectFont(QPainter* p, int fontIndex, float points)
@@ -104,7 +104,10 @@ void SelectFont(QPainter* p, int fontIndex, float points)
     DRAWSTATE& state = drawState();
     state.fontIndex = fontIndex;
     state.fontSize = points;
-    if (p) p->setFont(labelFont(p->device(), fontIndex, points));
+    if (!p) return;
+    QFont font = styledFont(fontIndex);
+    font.setPointSizeF(pixelsOf(fontIndex, points) * 72.0 / p->device()->logicalDpiY());
+    p->setFont(font);
 }
 
 } // namespace graphics

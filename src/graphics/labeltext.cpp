@@ -116,7 +116,8 @@ private:
     static int codeIn(int font, char32_t character)
     {
         if (font == textFont) return textCode(character);
-        return character < 0x100 ? static_cast<int>(character) : unicodeToSymbol(character);
+        const bool printable = character >= 0x20 && character < 0x100 && character != 0x7F;
+        return printable ? static_cast<int>(character) : unicodeToSymbol(character);
     }
     void put(std::string_view mark, int code)
     {

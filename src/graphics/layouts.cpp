@@ -44,7 +44,7 @@ constexpr BOX surface12[] = {
     {6.8f, 1.0f, 4.0f, 0.8f},  {6.8f, 10.3f, 4.0f, 0.8f},  {6.8f, 19.6f, 4.0f, 0.8f}};
 
 // The map's places: the free corner at the lower left, and the whole canvas.
-constexpr BOX wholeMap = {25.4f, 2.0f, 15.8f, 2.2f};
+constexpr BOX wholeMap = {23.6f, 2.3f, 15.8f, 2.2f}; // with room for its colour bar
 constexpr BOX mapOfTwo = {9.4f, 1.7f, 6.2f, 1.7f};
 constexpr BOX mapOfSix = {7.9f, 1.7f, 6.2f, 1.7f};
 constexpr BOX mapOfSection2 = {10.4f, 1.7f, 5.3f, 1.4f};

@@ -5,6 +5,7 @@
 #include "graphics/axes.h"
 #include "graphics/gridpen.h"
 #include "graphics/mapgraticule.h"
+#include "graphics/palette.h"
 #include "graphics/textsize.h"
 
 namespace graphics {
@@ -14,6 +15,8 @@ constexpr int gridThickness = 0, outlineThickness = 2;
 constexpr int outlinePoints = 361;
 constexpr double bandWidth = 0.4; // of the zebra border, in font sizes
 constexpr double labelGap = 0.2;  // between border and labels, in font sizes
+
+constexpr double haloWidth = 0.07; // around letters on top of the map, in font sizes
 
 // "30" + degree sign + "W" with the degree sign as the page's fonts have it.
 std::string pageLabel(const std::string& text)
@@ -217,20 +220,48 @@ void drawLines(QPainter* p, std::FILE* ps, const GRATICULE& g)
     }
 }
 
+// Letters on top of the map have an edge in the contrary of their own colour.
+bool isDark(int color)
+{
+    return qGray(paletteColor(color).rgb()) < 128;
+}
+
+void paintLabel(QPainter* p, const DEGREELABEL& label, double dx, double dy, float fontSize)
+{
+    const USRSYS& u = usrSys();
+    DrawLabel(p, nullptr, label.text, static_cast<float>(label.u + dx / u.x.pixelsPerUnit),
+              static_cast<float>(label.v + dy / u.y.pixelsPerUnit), label.angle, fontSize);
+}
+
+void paintProjectedLabel(QPainter* p, const DEGREELABEL& label, float fontSize)
+{
+    SetLabelOrigin(p, label.lorg);
+    if (label.inside) {
+        const QColor ink = drawState().currentColor;
+        const double reach = std::max(1.0, std::round(textPixels(p, haloWidth * fontSize)));
+        drawState().currentColor = isDark(drawState().color[0]) ? Qt::white : Qt::black;
+        for (const double dx : {-reach, 0.0, reach}) {
+            for (const double dy : {-reach, 0.0, reach}) paintLabel(p, label, dx, dy, fontSize);
+        }
+        drawState().currentColor = ink;
+    }
+    paintLabel(p, label, 0, 0, fontSize);
+}
+
+void writeProjectedLabel(std::FILE* ps, const DEGREELABEL& label)
+{
+    const int halo = !label.inside ? -1 : isDark(drawState().color[0]) ? 1 : 0;
+    std::fprintf(ps, "/halo %d def /lorg %d def /labl [(%s)] def %g %g %g rotlabl\n", halo, label.lorg,
+                 pageLabel(label.text).c_str(), double{label.angle}, double{label.u}, double{label.v});
+}
+
 void drawLabels(QPainter* p, std::FILE* ps, const GRATICULE& g, float fontSize)
 {
     for (const DEGREELABEL& label : g.labels) {
-        if (p) {
-            SetLabelOrigin(p, label.lorg);
-            DrawLabel(p, nullptr, label.text, label.u, label.v, label.angle, fontSize);
-        }
-        if (ps) {
-            std::fprintf(ps, "/lorg %d def /labl [(%s)] def %g %g %g rotlabl\n", label.lorg,
-                         pageLabel(label.text).c_str(), double{label.angle}, double{label.u},
-                         double{label.v});
-        }
+        if (p) paintProjectedLabel(p, label, fontSize);
+        if (ps) writeProjectedLabel(ps, label);
     }
-    if (ps) std::fputs("/lorg 0 def\n", ps);
+    if (ps) std::fputs("/halo -1 def /lorg 0 def\n", ps);
 }
 
 void drawProjectedFrame(QPainter* p, std::FILE* ps, const MAPGEOMETRY& map, float fontSize, bool grid,

@@ -13,6 +13,7 @@ namespace {
 constexpr double degree = std::numbers::pi / 180, fullTurn = 2 * std::numbers::pi;
 constexpr double margin = 0.02;     // of the domain, beyond its limits, where the map goes on
 constexpr double behind = 179.9999; // the far meridian, approached from one side
+constexpr double mostTurns = 100;   // around the globe, of a longitude that a file can hold
 constexpr double nearCut = 1e-4;    // degrees from the cut of the turned globe
 
 // How far from the centre meridian a projection reaches.
@@ -163,11 +164,11 @@ void RMapPaths::eachView(std::span<const float> lon, std::span<const float> lat,
     const RECT2D bounds = boundsOf(lon, lat);
     if (isHidden(bounds)) return;
     for (const RECT2D& view : views_) {
-        const double first = std::ceil((view.xmin - bounds.xmax) / 360);
-        const double last = std::floor((view.xmax - bounds.xmin) / 360);
-        for (double k = first; k <= last; ++k) {
-            const RECT2D here = turned(bounds, 360 * k);
-            if (view.overlaps(here)) visit(view, 360 * k, view.holds(here));
+        const int first = int(std::ceil(std::max((view.xmin - bounds.xmax) / 360, -mostTurns)));
+        const int last = int(std::floor(std::min((view.xmax - bounds.xmin) / 360, mostTurns)));
+        for (int k = first; k <= last; ++k) {
+            const RECT2D here = turned(bounds, 360.0 * k);
+            if (view.overlaps(here)) visit(view, 360.0 * k, view.holds(here));
         }
     }
 }

@@ -7,8 +7,11 @@
 
 #include "common/text.h"
 #include "common/textcoding.h"
+#include "graphics/extents.h"
 #include "graphics/palette.h"
 #include "graphics/preparewindow.h"
+#include "graphics/pstext.h"
+#include "selection/criteria.h"
 #include "selection/selectedlist.h"
 
 namespace graphics {
@@ -49,6 +52,15 @@ bool placeOf(const SELECTEDSTATION& station, float& x, float& y)
     y = station.latitude;
     ProjectPoint(x, y);
     return true;
+}
+
+// A plotted station on the map as it is now: the list was made for the domain of its time.
+bool moveIntoDomain(SELECTEDSTATION& station, const MAPGEOMETRY& map)
+{
+    const float eastward = station.longitude < 0 ? station.longitude + 360 : station.longitude;
+    station.longitude = selection::longitudeIn(eastward, map.lonMin, static_cast<float>(map.lonMax));
+    return station.longitude >= map.lonMin && station.longitude <= map.lonMax &&
+           station.latitude >= map.latMin && station.latitude <= map.latMax;
 }
 
 std::int16_t storedPixel(int pixel)
@@ -132,7 +144,7 @@ std::string stationLabel(PLOTCONTEXT& context, int number)
     constexpr int cruiseAndStation = 2;
     collection::STATIONHDR header{};
     if (!context.collection.readStationHeader(number, header, nullptr)) return {};
-    const std::string station(common::fieldText(header.station));
+    std::string station(common::fieldText(header.station));
     if (context.setup.map.annotation != cruiseAndStation) return station;
     return std::string(common::fieldText(header.cruise)) + " " + station;
 }
@@ -165,18 +177,13 @@ void paintNoStationText(QPainter* p, const MAPGEOMETRY& map)
               (map.vmin + map.vmax) / 2, 0, size);
 }
 
-// --- the finished map
-
-QRect plotArea(const MAPWINDOW& map)
-{
-    return {QPoint(map.plotRect[0], map.plotRect[1]), QPoint(map.plotRect[2], map.plotRect[3])};
-}
+// --- the map with its dots, without what BaseMapTop draws on and around it
 
 void storePicture(QPainter* p, PLOTCONTEXT& context)
 {
     if (!context.mapCache || !context.onCanvas) return;
     context.user.status("Storing pixmap...");
-    context.mapCache->area = plotArea(context.setup.map);
+    context.mapCache->area = toPixels(windowExtent(context, 0));
     if (const auto* const image = dynamic_cast<const QImage*>(p->device())) {
         context.mapCache->picture = image->copy(context.mapCache->area);
     } else if (const auto* const pixmap = dynamic_cast<const QPixmap*>(p->device())) {
@@ -188,7 +195,7 @@ bool restorePicture(QPainter* p, const PLOTCONTEXT& context)
 {
     if (!context.onCanvas || !drawState().usePixmap || !context.mapCache) return false;
     const MAPCACHE& cache = *context.mapCache;
-    if (cache.picture.isNull() || cache.area != plotArea(context.setup.map)) return false;
+    if (cache.picture.isNull() || cache.area != toPixels(windowExtent(context, 0))) return false;
     p->drawImage(cache.area.topLeft(), cache.picture);
     return true;
 }
@@ -213,8 +220,8 @@ void drawFullMap(QPainter* p, PLOTCONTEXT& context)
     paintStationLabels(p, context);
     const bool none = context.collection.selectedStationCount == 0 && context.collection.stationCount > 0;
     if (none) paintNoStationText(p, map.geometry);
-    BaseMapTop(p, baseMap, map);
     storePicture(p, context);
+    BaseMapTop(p, baseMap, map);
     map.toDraw = 0;
     map.complete = 1;
     if (none) context.user.about(mapCaption, noStationText);
@@ -243,14 +250,24 @@ bool gridPlace(const MAPGEOMETRY& map, const SELECTEDSTATION& station, int& x, i
     return true;
 }
 
+void writePsDots(std::FILE* ps, const MAPGEOMETRY& map, std::span<const SELECTEDSTATION> stations)
+{
+    RPsWriter out(ps);
+    int x = 0, y = 0;
+    for (const SELECTEDSTATION& station : stations) {
+        if (gridPlace(map, station, x, y)) out.gridPoint(x, y, "D");
+    }
+}
+
 void writePsMarks(std::FILE* ps, PLOTCONTEXT& context)
 {
     if (context.setup.mode > modeStation) return;
+    const MAPGEOMETRY& map = context.setup.map.geometry;
     RStationCycle cycle;
     int x = 0, y = 0;
-    for (const SELECTEDSTATION& station : selection::readPlottedList(context.collection)) {
+    for (SELECTEDSTATION& station : selection::readPlottedList(context.collection)) {
         cycle.next();
-        if (!gridPlace(context.setup.map.geometry, station, x, y)) continue;
+        if (!moveIntoDomain(station, map) || !gridPlace(map, station, x, y)) continue;
         WritePsColor(ps, cycle.color);
         const bool open = !cycle.fill;
         std::fprintf(ps, "/fill? %s def %d %d %g %s\n", open ? "false" : "true", x, y, markSize * 10,
@@ -286,10 +303,7 @@ void writePsStations(std::FILE* ps, PLOTCONTEXT& context)
     std::fprintf(ps, "/D { %5.3f dotr } bind def\n", static_cast<double>(psDotShare * map.dotSize));
     beginOverlayGrid(ps, g);
     std::fprintf(ps, "\n/fill? true def /stroke? false def %s\n", thicknessProcedure(0));
-    int x = 0, y = 0;
-    for (const SELECTEDSTATION& station : stations) {
-        if (gridPlace(g, station, x, y)) std::fprintf(ps, "%d %d D\n", x, y);
-    }
+    writePsDots(ps, g, stations);
     writePsMarks(ps, context);
     writePsLabels(ps, context, stations);
     std::fputs("/fill? true def\n", ps);
@@ -321,10 +335,10 @@ void DrawMapMarks(QPainter* p, PLOTCONTEXT& context)
     setMapUserSystem(context.setup.map);
     SetClip(p, true);
     RStationCycle cycle;
-    for (const SELECTEDSTATION& station : selection::readPlottedList(context.collection)) {
+    for (SELECTEDSTATION& station : selection::readPlottedList(context.collection)) {
         cycle.next();
         float x = 0, y = 0;
-        if (!placeOf(station, x, y)) continue;
+        if (!moveIntoDomain(station, context.setup.map.geometry) || !placeOf(station, x, y)) continue;
         SetColor(p, cycle.color);
         SetFill(p, cycle.fill);
         DrawSymbols(p, nullptr, std::span(&x, 1), std::span(&y, 1), cycle.symbol, markSize);

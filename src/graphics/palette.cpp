@@ -110,7 +110,7 @@ std::string PalettePath(const common::INSTALLATION& installation, std::string_vi
 {
     std::string file(name);
     if (common::toLower(name).find(".pal") == std::string::npos) file += ".pal";
-    const std::string own = installation.palettes + file;
+    std::string own = installation.palettes + file;
     if (common::fileExists(own)) return own;
     return installation.root + "palettes/" + file;
 }

@@ -20,7 +20,7 @@
 
 namespace graphics {
 
-// The finished map of the canvas, so that stations and marks can be drawn on it again without the layers. It
+// The map of the canvas with its dots, so that frame and marks can be drawn on it again without the layers. It
 // says nothing of the domain that it shows: who changes the domain or a layer marks the map as to be drawn.
 struct MAPCACHE {
     QImage picture; // null if there is none

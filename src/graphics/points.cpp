@@ -1,11 +1,18 @@
 #include "graphics/points.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <map>
+#include <optional>
+
+#include <QImage>
+#include <QPaintEngine>
 
 #include "common/limits.h"
 #include "common/text.h"
 #include "graphics/palette.h"
+#include "graphics/pstext.h"
 
 namespace graphics {
 
@@ -37,50 +44,108 @@ void paintDot(QPainter& p, int x, int y, int radius)
     }
 }
 
+// Draws dots in many colours. On a raster device each colour's dot is painted once and copied from then on.
+class RDotPainter {
+public:
+    RDotPainter(QPainter& p, int radius)
+        : p_(p), radius_(radius),
+          copies_(p.paintEngine()->type() == QPaintEngine::Raster && p.worldTransform().isIdentity())
+    {
+    }
+    void setColor(int paletteIndex)
+    {
+        SetColor(&p_, paletteIndex);
+        p_.setBrush(drawState().currentColor);
+        if (!copies_) return;
+        dot_ = &dots_[paletteIndex];
+        if (dot_->isNull()) *dot_ = picture();
+    }
+    void draw(int x, int y)
+    {
+        if (dot_) {
+            p_.drawImage(QPoint(x - reach(), y - reach()), *dot_);
+        } else {
+            paintDot(p_, x, y, radius_);
+        }
+    }
+
+private:
+    [[nodiscard]] int reach() const { return radius_ + 2; }
+    [[nodiscard]] QImage picture() const
+    {
+        QImage image(2 * reach() + 1, 2 * reach() + 1, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter p(&image);
+        p.setRenderHints(p_.renderHints());
+        p.setPen(p_.pen());
+        p.setBrush(p_.brush());
+        paintDot(p, reach(), reach(), radius_);
+        return image;
+    }
+    QPainter& p_;
+    const int radius_;
+    const bool copies_;
+    QImage* dot_ = nullptr; // in the current colour; null: none is copied
+    std::map<int, QImage> dots_;
+};
+
 // --- one pass over the points
 
 struct PASS {
     QPainter* p;
     std::FILE* ps;
     const PLOTDATA& data;
-    int decimals, radius;
+    int decimals;
     bool color, numbers;
+    RDotPainter* dots; // null without a painter
+    RPsWriter out;
     int lastColor = -1;
 };
 
-void openPsPoints(const PASS& pass, float size)
+void openPsPoints(std::FILE* ps, float size, bool numbers)
 {
     const double dot = size * dotShare;
-    std::fprintf(pass.ps,
+    std::fprintf(ps,
                  "\n%%%%PS-OBJECT: NVQ_ScatterData begin\ngsave\n"
                  "/d { C %5.3f dotr } bind def /e { %5.3f dotr } bind def\n"
                  "/A { C arrow } bind def /a { arrow } bind def\n"
                  "/stroke? false def /fill? true def\n",
                  dot, dot);
-    if (pass.numbers) {
-        std::fprintf(pass.ps, "%g SetMyFont /lorg 0 def /fill? false def 0 setgray\n", size * pointsPerMm);
-        return;
+    if (numbers) {
+        std::fprintf(ps, "%g SetMyFont /lorg 0 def /fill? false def 0 setgray\n", size * pointsPerMm);
+    } else {
+        std::fputs("dousrclip\n0.01 smul setlinewidth\n", ps);
     }
-    std::fputs("dousrclip\n0.01 smul setlinewidth\n", pass.ps);
+}
+
+void preparePainter(QPainter* p, bool numbers, float points)
+{
+    SetClip(p, !numbers);
+    if (!numbers) return;
+    SetColor(p, colorBlack);
+    SetFill(p, false);
+    SetLabelOrigin(p, 0);
+    SelectFont(p, 1, points);
 }
 
 void setPainterColor(PASS& pass, int color)
 {
-    if (!pass.p || color == pass.lastColor) return;
-    SetColor(pass.p, color);
-    pass.p->setBrush(drawState().currentColor);
+    if (!pass.dots || color == pass.lastColor) return;
+    pass.dots->setColor(color);
     pass.lastColor = color;
 }
 
 void plotDot(PASS& pass, std::size_t i, int color)
 {
     const float x = pass.data.x[i], y = pass.data.y[i];
-    if (pass.p) paintDot(*pass.p, pixelX(x), pixelY(y), pass.radius);
+    if (pass.dots) pass.dots->draw(pixelX(x), pixelY(y));
     if (!pass.ps) return;
     if (pass.color) {
-        std::fprintf(pass.ps, "%g %g %3d d\n", x, y, color);
+        std::array<char, 16> operation{};
+        std::snprintf(operation.data(), operation.size(), "%3d d", color);
+        pass.out.point(x, y, operation.data());
     } else {
-        std::fprintf(pass.ps, "%g %g e\n", x, y);
+        pass.out.point(x, y, "e");
     }
 }
 
@@ -89,9 +154,7 @@ void plotNumber(PASS& pass, std::size_t i, float points)
     const float x = pass.data.x[i], y = pass.data.y[i];
     const std::string text = numberText(pass.data.z[i], pass.decimals);
     if (pass.p) DrawLabel(pass.p, nullptr, text, x, y, 0, points);
-    if (pass.ps) {
-        std::fprintf(pass.ps, "(%s) %g %g showstring\n", text.c_str(), x, y);
-    }
+    if (pass.ps) pass.out.text("(").text(text).text(") ").point(x, y, "showstring");
 }
 
 void plotPoint(PASS& pass, std::size_t i, float points)
@@ -149,20 +212,22 @@ void PlotPoints(QPainter* p, std::FILE* ps, PLOTCONTEXT& context, const PLOTDATA
                 const DATAWINDOW& window, int radius, float size, bool color)
 {
     const bool numbers = window.style == styleNumbers && color; // without values there are none to write
-    PASS pass{p, ps, data, decimalsOf(context.collection, window.zVar), radius, color, numbers};
     const float points = static_cast<float>(size * pointsPerMm);
-    if (p) {
-        SetClip(p, !numbers);
-        p->setBrush(drawState().currentColor);
-        if (numbers) {
-            SetColor(p, colorBlack);
-            SetFill(p, false);
-            SetLabelOrigin(p, 0);
-            SelectFont(p, 1, points);
-        }
+    if (p) preparePainter(p, numbers, points);
+    std::optional<RDotPainter> dots;
+    if (p) dots.emplace(*p, radius).setColor(drawState().color[0]);
+    if (ps) openPsPoints(ps, size, numbers);
+    {
+        PASS pass{p,
+                  ps,
+                  data,
+                  decimalsOf(context.collection, window.zVar),
+                  color,
+                  numbers,
+                  dots ? &*dots : nullptr,
+                  RPsWriter(ps)};
+        runPass(pass, window, points, context.user);
     }
-    if (ps) openPsPoints(pass, size);
-    runPass(pass, window, points, context.user);
     if (ps) std::fputs("grestore\n%%PS-OBJECT: NVQ_ScatterData end\n", ps);
     if (p) p->setBrush(Qt::NoBrush);
 }

@@ -8,7 +8,6 @@ namespace graphics {
 namespace {
 
 constexpr int digits = 6; // significant ones of "%g"
-constexpr int lowestExponent = -4;
 constexpr auto powersOfTen = std::to_array<double>({1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9});
 
 int writeSlowly(char* out, double value)
@@ -26,9 +25,9 @@ int writeInteger(char* out, int value)
 int decimalExponent(double value)
 {
     if (value < 1) return value >= 1e-1 ? -1 : value >= 1e-2 ? -2 : value >= 1e-3 ? -3 : -4;
-    int exponent = 0;
-    while (value >= powersOfTen[static_cast<std::size_t>(exponent + 1)]) ++exponent;
-    return exponent;
+    std::size_t exponent = 0;
+    while (value >= powersOfTen[exponent + 1]) ++exponent;
+    return static_cast<int>(exponent);
 }
 
 // The six digits with the point where the exponent wants it, and without zeros behind the last figure.

@@ -1,10 +1,8 @@
 #include "selection/criteria.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstring>
-#include <optional>
 
 #include "common/text.h"
 
@@ -68,16 +66,6 @@ bool passesType(const STATIONHDR& header, const SELECTIONCRITERIA& criteria)
     return criteria.stationType[0] == '*' || criteria.stationType[0] == header.type[0];
 }
 
-// The label as an integer, from its first to its last character.
-std::optional<int> numericLabel(std::string_view label)
-{
-    int number = 0;
-    const char* const end = label.data() + label.size();
-    const auto [stop, error] = std::from_chars(label.data(), end, number);
-    if (error != std::errc{} || stop != end) return std::nullopt;
-    return number;
-}
-
 bool isDigits(std::string_view text)
 {
     return !text.empty() &&
@@ -102,7 +90,7 @@ bool passesLabel(const STATIONHDR& header, const SELECTIONCRITERIA& criteria)
 {
     const std::string_view label = common::fieldText(header.station);
     if (criteria.stationNumberMin >= 0 && criteria.stationNumberMax >= 0) {
-        const std::optional<int> number = numericLabel(label);
+        const std::optional<int> number = collection::numericLabel(label);
         return number && isWithin(*number, criteria.stationNumberMin, criteria.stationNumberMax);
     }
     return isBetweenLabels(label, common::fieldText(criteria.stationLabelFrom),

@@ -36,7 +36,8 @@ void applySampleRange(collection::STATIONDATA& station, const collection::SELECT
 
 // Takes the samples outside the sample range out of the station: blocks, counts and valueCount are made anew.
 // Returns the samples that remain; 0 if the station lacks the variable of the range. Without such a variable
-// in the criteria, or with all samples in range, nothing changes.
+// in the criteria, or with all samples in range, nothing changes. Blocks must stand in the order of
+// variables, as a load leaves them.
 int compressToSampleRange(collection::STATIONDATA& station, const collection::SELECTIONCRITERIA& criteria);
 
 // The stages of a load, as the program joins them to a collection.

@@ -28,6 +28,16 @@ TEST(DateNumber, YearMonthDayInOneNumber)
     EXPECT_EQ(dateNumber(header), 19950703.0);
 }
 
+TEST(NumericLabel, FromTheFirstToTheLastCharacter)
+{
+    EXPECT_EQ(numericLabel("12"), 12);
+    EXPECT_EQ(numericLabel("-3"), -3);
+    EXPECT_EQ(numericLabel("007"), 7);
+    for (const char* const text : {"", "12A", "A12", "1.5", " 1", "1 ", "+1", "99999999999"}) {
+        EXPECT_FALSE(numericLabel(text)) << text;
+    }
+}
+
 TEST(StationData, MissingValueHasItsBitPattern)
 {
     EXPECT_EQ(std::bit_cast<std::uint32_t>(common::MISSING_VALUE), 0xD01502F9U);

@@ -184,6 +184,17 @@ TEST(FormatVarFile, WritesWhatTheReaderReads)
     EXPECT_EQ(formatVarFile(out.name, out.type, out.stationCount, out.variableCount, out.variables), good);
 }
 
+TEST(FormatVarFile, ALabelThatReadsAsANumberDoesntChange)
+{
+    for (const std::string& label : {std::string("12.50"), std::string(60, '.'), std::string("1..")}) {
+        VARDESCRIPTION first, second;
+        ASSERT_EQ(parse(head("a", "0", "1") + line(label, " 8.2"), first), VarFileResult::ok);
+        EXPECT_EQ(common::fieldText(first.variables[1].label), label);
+        ASSERT_EQ(parse(formatVarFile("a", "HYD", 0, 1, first.variables), second), VarFileResult::ok);
+        EXPECT_EQ(common::fieldText(second.variables[1].label), label);
+    }
+}
+
 TEST(FormatVarFile, ControlCharactersInLabelsDontBreakTheLines)
 {
     VARDESCRIPTION out;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <set>
@@ -8,6 +9,7 @@
 #include "graphics/axes.h"
 #include "graphics/ink.h"
 #include "graphics/mapgraticule.h"
+#include "graphics/palette.h"
 #include "graphics/scenes.h"
 #include "graphics/textsize.h"
 
@@ -16,9 +18,9 @@ namespace {
 
 using testing_support::inkCovered;
 using testing_support::inkIn;
+using testing_support::pageText;
 using testing_support::painted;
 using testing_support::useDevice;
-using testing_support::written;
 
 struct MAPDOMAIN {
     const char* name;
@@ -70,7 +72,7 @@ protected:
     }
     static std::string page(const MAPGEOMETRY& m, bool grid = true, bool labels = true, int color = 0)
     {
-        return written(
+        return pageText(
             [&](QPainter*, std::FILE* ps) { DrawMapFrame(nullptr, ps, m, 9, color, grid, labels); });
     }
     static int count(const std::string& text, const std::string& part)
@@ -278,6 +280,27 @@ TEST_F(MapFrame, GraticuleLeavesLabelsInsideTheMapFree)
     }
 }
 
+TEST_F(MapFrame, LettersOnTopOfTheMapHaveAnEdge)
+{
+    const MAPGEOMETRY m = setUp(domains[13]);
+    const std::vector<DEGREELABEL> labels = makeGraticule(m, 9).labels;
+    const auto isInside = [](const DEGREELABEL& label) { return label.inside; };
+    const int inside = static_cast<int>(std::count_if(labels.begin(), labels.end(), isInside));
+    ASSERT_GT(inside, 3);
+    EXPECT_EQ(count(page(m), "/halo 1 def "), inside);
+    EXPECT_EQ(count(page(m, true, true, colorWhite), "/halo 0 def "), inside);
+    EXPECT_EQ(count(page(m), "/halo -1 def /lorg 0 def\ngrestore\n"), 1);
+    const QImage image = painted([&](QPainter* p, std::FILE*) {
+        p->fillRect(QRect(0, 0, 2000, 2000), Qt::gray);
+        DrawMapFrame(p, nullptr, m, 9, 0, false, true);
+    });
+    int white = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) white += qGray(image.pixel(x, y)) > 250;
+    }
+    EXPECT_GT(white, 40 * inside);
+}
+
 TEST_F(MapFrame, DrawingStateIsAsBefore)
 {
     for (const std::size_t which : {0u, 13u}) {
@@ -308,7 +331,7 @@ TEST_F(MapFrame, PainterAndPageShowTheSame)
             }
             DrawMapFrame(p, ps, m, 9, 0, true, true);
         };
-        const std::string file = testing_support::pageFile(written(scene));
+        const std::string file = testing_support::pageFile(pageText(scene));
         EXPECT_EQ(testing_support::complaints(file), "") << d.name;
         const QImage screen = painted(scene), paper = testing_support::rendered(file, false);
         ASSERT_FALSE(paper.isNull());

@@ -104,6 +104,7 @@ TEST(Extents, AnEmptyOneAddsNothing)
 
 TEST(Extents, TheCanvasIsTheLimit)
 {
+    drawState() = {};
     const EXTENT e = clampToCanvas(grow({0.1, 0.1, 28.9, 20.1}, 0.35));
     EXPECT_DOUBLE_EQ(e.left, 0);
     EXPECT_DOUBLE_EQ(e.bottom, 0);

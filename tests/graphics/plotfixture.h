@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "common/files.h"
 #include "common/installation.h"
 #include "graphics/plots.h"
 #include "samplecollection.h"
@@ -19,8 +20,9 @@ public:
 
     explicit RPlotFixture(int stations = 10, int levels = 26, const std::string& type = "B")
     {
+        graphics::drawState() = {}; // whatever other tests left
         for (int i = 0; i < stations; ++i) addCast(i, stations, levels, type);
-        installation.include = sample.directory.file("include/");
+        installation.include = std::string(NVQ_SOURCE_DIR) + "/data/include/";
         installation.coast = sample.directory.file("coast/"); // not there: a map without layers
         installation.palettes = sample.directory.file("palettes/");
         installation.user = "jdoe";
@@ -57,6 +59,11 @@ public:
         for (const auto& record : selection::readSelectedList(collection())) {
             EXPECT_TRUE(selection::appendPlotted(collection(), record));
         }
+    }
+
+    [[nodiscard]] std::string content(const std::string& name) const
+    {
+        return common::readFile(sample.directory.file(name)).value_or("");
     }
 
     [[nodiscard]] collection::RCollection& collection() { return sample.collection; }

@@ -2,14 +2,11 @@
 
 // What tests look for in pictures and in PostScript text.
 
-#include <cstdio>
-#include <string>
 #include <string_view>
 
 #include <QImage>
 #include <QPainter>
 
-#include "common/files.h"
 #include "graphics/drawing.h"
 
 namespace testing_support {
@@ -27,20 +24,6 @@ public:
     QImage image;
     QPainter painter;
 };
-
-// What a routine writes to its stream.
-template <typename Write>
-std::string written(Write write)
-{
-    std::FILE* const file = std::tmpfile();
-    write(file);
-    const long size = std::ftell(file);
-    std::string text(static_cast<std::size_t>(size), '\0');
-    std::rewind(file);
-    text.resize(std::fread(text.data(), 1, text.size(), file));
-    std::fclose(file);
-    return text;
-}
 
 inline int countOf(std::string_view text, std::string_view part)
 {

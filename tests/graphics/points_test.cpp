@@ -3,17 +3,18 @@
 #include <gtest/gtest.h>
 
 #include "graphics/palette.h"
+#include "graphics/plotfixture.h"
+#include "graphics/plotpictures.h"
 #include "graphics/preparewindow.h"
-#include "plotpictures.h"
-#include "plotfixture.h"
+#include "graphics/scenes.h"
 
 namespace {
 
 using namespace graphics;
 using testing_support::countOf;
+using testing_support::pageText;
 using testing_support::RPlotFixture;
 using testing_support::RTestCanvas;
-using testing_support::written;
 
 // A SCATTER window of 0 to 10 by 0 to 10.
 struct POINTSFIXTURE : RPlotFixture {
@@ -29,7 +30,7 @@ struct POINTSFIXTURE : RPlotFixture {
     DATAWINDOW& window() { return setup.window(1); }
     std::string marks(const PLOTDATA& data)
     {
-        return written([&](std::FILE* ps) { PlotMarks(nullptr, ps, c, data, window(), options); });
+        return pageText([&](QPainter* p, std::FILE* ps) { PlotMarks(p, ps, c, data, window(), options); });
     }
     PLOTCONTEXT c;
     PLOTOPTIONS options;

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "graphics/axes.h"
 #include "graphics/drawing.h"
 #include "graphics/palette.h"
 #include "graphics/scenes.h"
@@ -364,6 +365,72 @@ TEST_F(Sinks, ColorBarLooksTheSame)
         EXPECT_NEAR(qGreen(a), qGreen(b), 24) << row;
         EXPECT_NEAR(qBlue(a), qBlue(b), 24) << row;
     }
+}
+
+// Frame, axes and titles as the window frame writes them.
+void drawAxes(QPainter* p, std::FILE* ps, const WINDOW& w, float size)
+{
+    const TICS x = ChooseTics(w.xmin, w.xmax), y = ChooseTics(w.ymin, w.ymax);
+    openWindow(p, ps, w);
+    color(p, ps, 0);
+    if (p) {
+        DrawFrame(p);
+        DrawXAxis(p, x, size, true, "X title");
+        DrawYAxis(p, y, size, true, "Y title");
+        DrawTitle(p, size, "Title");
+    }
+    if (!ps) return;
+    std::fprintf(ps,
+                 "very_thin_line usrsys /fill? false def /stroke? false def\n%g SetMyFont\n/grid? true def\n",
+                 size);
+    std::fputs("dousrframe\n/xtitle [(X title)] def /title [(Title)] def\n", ps);
+    std::fprintf(ps, "%g %g %g xaxlabl\n", x.start, x.minor, x.major);
+    std::fprintf(ps, "/ytitle [(Y title)] def %g %g %g yaxlabl\n", y.start, y.minor, y.major);
+}
+
+TEST_F(Sinks, AxesLookTheSame)
+{
+    // Grid lines are hair lines on the page: without soft edges they show.
+    expectAlike(
+        [](QPainter* p, std::FILE* ps) {
+            drawAxes(p, ps, {0, 1, 13, 4, 0, 1000, 8, 3}, 14);
+        },
+        "axes", false, 3, 0.97);
+    expectAlike(
+        [](QPainter* p, std::FILE* ps) {
+            drawAxes(p, ps, {37, 33.3f, 13, 4, 5500, 0, 8, 3}, 10);
+        },
+        "reversedaxes", false, 3, 0.97);
+}
+
+TEST_F(Sinks, MapFramesLookTheSame)
+{
+    MAPGEOMETRY map;
+    map.lonMin = map.umin = -33;
+    map.lonMax = map.umax = 40;
+    map.latMin = map.vmin = -20;
+    map.latMax = map.vmax = 25;
+    map.xlen = 15;
+    map.xorg = 3;
+    map.ylen = 9;
+    map.yorg = 3;
+    expectAlike(
+        [&](QPainter* p, std::FILE* ps) {
+            openWindow(p, ps,
+                       {map.umin, map.umax, map.xlen, map.xorg, map.vmin, map.vmax, map.ylen, map.yorg});
+            DrawMapFrame(p, ps, map, 12, 0, false, true);
+        },
+        "mapframe", true, 3, 0.97);
+}
+
+TEST_F(Sinks, StampsStandAtTheSamePlace)
+{
+    expectAlike(
+        [](QPainter* p, std::FILE* ps) {
+            openWindow(p, ps, {0, 100, 10, 2, 50, 0, 8, 3});
+            DrawStamp(p, ps, "Program 1.0 - a collection", 12, 0);
+        },
+        "stamp", true, 4, 0.95);
 }
 
 } // namespace

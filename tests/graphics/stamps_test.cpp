@@ -9,9 +9,9 @@ namespace {
 
 using testing_support::inkCovered;
 using testing_support::inkIn;
+using testing_support::pageText;
 using testing_support::painted;
 using testing_support::useDevice;
-using testing_support::written;
 
 class Stamps : public testing::Test {
 protected:
@@ -30,7 +30,7 @@ protected:
     }
     [[nodiscard]] std::string collectionStamp(float scale, bool landscape) const
     {
-        return written(
+        return pageText(
             [&](QPainter*, std::FILE* ps) { DrawCollectionStamp(nullptr, ps, context(), scale, landscape); });
     }
     static void openWindow(std::FILE* ps)
@@ -57,7 +57,7 @@ private:
 TEST_F(Stamps, WindowStampOnThePage)
 {
     const std::string text =
-        written([](QPainter*, std::FILE* ps) { DrawStamp(nullptr, ps, "nvqmp - (x\\y)", 6, 0); });
+        pageText([](QPainter*, std::FILE* ps) { DrawStamp(nullptr, ps, "nvqmp - (x\\y)", 6, 0); });
     EXPECT_EQ(text,
               "\n%%PS-OBJECT: NVQ_Stamp begin\n/fill? false def /stroke? false def /lorg 5 def\n0 setgray\n"
               "6 dfltFont getfont\n/labl [(nvqmp - \\(x\\\\y\\))] def\n"
@@ -80,7 +80,7 @@ TEST_F(Stamps, WindowStampBeginsAtTheLowerEndRightOfThePlot)
 
 TEST_F(Stamps, NoTitleNoStamp)
 {
-    EXPECT_EQ(written([](QPainter*, std::FILE* ps) { DrawStamp(nullptr, ps, "", 6, 0); }), "");
+    EXPECT_EQ(pageText([](QPainter*, std::FILE* ps) { DrawStamp(nullptr, ps, "", 6, 0); }), "");
 }
 
 TEST_F(Stamps, CollectionStampNamesWhatThePlotShows)
@@ -103,7 +103,7 @@ TEST_F(Stamps, WhatIsUnknownIsLeftOut)
 {
     const FRAMECONTEXT bare{collection_, "", "", "", ""};
     collection_.configName.clear();
-    const std::string text = written(
+    const std::string text = pageText(
         [&](QPainter*, std::FILE* ps) { DrawCollectionStamp(nullptr, ps, bare, 1, QPointF(20, 20)); });
     EXPECT_NE(text.find("(atlantic)\n"), std::string::npos);
     EXPECT_EQ(text.find(".cfg"), std::string::npos);
@@ -137,7 +137,7 @@ TEST_F(Stamps, PainterAndPageShowTheSame)
         DrawStamp(p, ps, "nvqmp - Test", 8, 0);
         DrawCollectionStamp(p, ps, context(), 1, QPointF(17, 13));
     };
-    const std::string file = testing_support::pageFile(written(scene));
+    const std::string file = testing_support::pageFile(pageText(scene));
     EXPECT_EQ(testing_support::complaints(file), "");
     const QImage screen = painted(scene), paper = testing_support::rendered(file, false);
     EXPECT_GT(inkCovered(screen, paper, 4), 0.97);
@@ -149,7 +149,7 @@ TEST_F(Stamps, SizeOnThePageIsThatOfThePageWhateverItsScale)
 {
     if (!testing_support::haveGhostscript()) GTEST_SKIP() << "Ghostscript is not installed";
     const auto stampAt = [&](float scale) {
-        const std::string text = written([&](QPainter*, std::FILE* ps) {
+        const std::string text = pageText([&](QPainter*, std::FILE* ps) {
             DrawCollectionStamp(nullptr, ps, context(), scale, QPointF(17, 13));
         });
         testing_support::PAGE page;

@@ -40,6 +40,7 @@ TEST(TextWidth, OneCharacterInTwoBytesCountsOnce)
 
 TEST(TextWidth, IsNearTheWidthOnTheScreen)
 {
+    const DRAWSTATE before = drawState();
     testing_support::useDevice(20, 10, 150);
     for (const char* text : {"5000", "34.65", "Potential Temperature [C]", "Depth [m]", "-0.0001"}) {
         QSizeF size;
@@ -49,6 +50,7 @@ TEST(TextWidth, IsNearTheWidthOnTheScreen)
         EXPECT_NEAR(size.height() / static_cast<double>(drawState().device.pixelsPerCm),
                     textCm(12 * labelHeight), 0.15 * textCm(12 * labelHeight));
     }
+    drawState() = before;
 }
 
 } // namespace

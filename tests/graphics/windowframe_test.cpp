@@ -15,9 +15,9 @@ namespace {
 
 using testing_support::inkCovered;
 using testing_support::inkIn;
+using testing_support::pageText;
 using testing_support::painted;
 using testing_support::useDevice;
-using testing_support::written;
 
 class WindowFrame : public testing::Test {
 protected:
@@ -60,7 +60,7 @@ protected:
     }
     std::string page(bool labels = true)
     {
-        return written([&](QPainter*, std::FILE* ps) { draw(nullptr, ps, labels); });
+        return pageText([&](QPainter*, std::FILE* ps) { draw(nullptr, ps, labels); });
     }
     QImage picture(bool labels = true)
     {

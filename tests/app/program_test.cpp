@@ -1,0 +1,479 @@
+// Flows through the program itself: a process of its own, without a display, in a folder and with a home of
+// its own.
+
+#include <cstdlib>
+#include <filesystem>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QImage>
+#include <QProcess>
+#include <QProcessEnvironment>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "castfile.h"
+#include "common/files.h"
+#include "temporarydirectory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+using testing_support::castText;
+using testing_support::writeText;
+
+QString fromUtf8(const std::string& text)
+{
+    return QString::fromStdString(text);
+}
+
+struct RUN {
+    int code = -1; // -1: it didn't end by itself
+    std::string error, output;
+};
+
+class Program : public testing::Test {
+protected:
+    Program()
+    {
+        fs::create_directories(folder.file("home"));
+        fs::create_directories(folder.file("tmp"));
+        writeText(file("cast.txt"), castText(5, 8));
+        environment = QProcessEnvironment::systemEnvironment();
+        for (const char* const name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "NVQMPHOME",
+                                       "NVQMPTEMP", "NVQMPUSER", "NVQMPHOST", "XDG_RUNTIME_DIR"})
+            environment.remove(QString::fromLatin1(name));
+        environment.insert(QStringLiteral("HOME"), fromUtf8(folder.file("home")));
+        environment.insert(QStringLiteral("TMPDIR"), fromUtf8(folder.file("tmp")));
+    }
+
+    std::string file(const std::string& name) const { return folder.file(name); }
+    std::string read(const std::string& name) const { return common::readFile(file(name)).value_or("none"); }
+    bool exists(const std::string& name) const { return common::fileExists(file(name)); }
+
+    RUN start(const std::string& program, const QStringList& arguments) const
+    {
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(fromUtf8(folder.path()));
+        process.start(fromUtf8(program), arguments);
+        RUN run;
+        if (process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit)
+            run.code = process.exitCode();
+        process.kill();
+        process.waitForFinished(1000);
+        run.error = process.readAllStandardError().toStdString();
+        run.output = process.readAllStandardOutput().toStdString();
+        return run;
+    }
+    RUN run(const QStringList& arguments) const { return start(NVQ_BUILD_DIR "/bin/nvqmp", arguments); }
+    // Runs a command file of these lines, then quits.
+    RUN commands(const std::string& lines) const
+    {
+        writeText(file("run.cmd"), lines);
+        return run({QStringLiteral("-x"), QStringLiteral("run.cmd"), QStringLiteral("-q")});
+    }
+    // The same as a user who may not write everywhere.
+    RUN commandsWithoutRights(const std::string& lines) const
+    {
+        if (::geteuid() != 0) return commands(lines);
+        writeText(file("run.cmd"), lines);
+        return start("setpriv", {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                                 QStringLiteral("--clear-groups"), QStringLiteral(NVQ_BUILD_DIR "/bin/nvqmp"),
+                                 QStringLiteral("-x"), QStringLiteral("run.cmd"), QStringLiteral("-q")});
+    }
+    void letOthersWrite() const
+    {
+        fs::permissions(folder.path(), fs::perms::all);
+        for (const char* const name : {"home", "tmp"}) fs::permissions(file(name), fs::perms::all);
+        for (const auto& entry : fs::recursive_directory_iterator(file("home")))
+            fs::permissions(entry.path(), fs::perms::all);
+    }
+    int temporaryFiles() const
+    {
+        int count = 0;
+        for (const auto& entry : fs::directory_iterator(file("tmp")))
+            count += entry.path().filename().string().starts_with("NVQ") ? 1 : 0;
+        return count;
+    }
+    void makeCollection() const
+    {
+        const RUN made = commands("open_collection " + file("cast.txt") + "\n");
+        ASSERT_EQ(made.code, 0) << made.error;
+    }
+    std::string collectionBytes() const { return read("cast.var") + read("cast.hob") + read("cast.dob"); }
+
+    const testing_support::RTemporaryDirectory folder;
+    QProcessEnvironment environment;
+};
+
+TEST_F(Program, WholeRoadFromATextFileToPicturesAndASpreadsheet)
+{
+    const RUN r = commands("open_collection cast.txt   # imported as a new collection\n"
+                           "export_graphics 0,map.png,100\n"
+                           "set_mode SCATTER\n"
+                           "use_layout SCATTER 2 Win\n"
+                           "set_window 1,Salinity,Temperature,Depth\n"
+                           "full_range\n"
+                           "export_graphics -1,scatter.png,100\n"
+                           "export_graphics -1,scatter.eps,100\n"
+                           "export_graphics 1,one.jpg,50\n"
+                           "export_graphics 1,one.gif,50\n"
+                           "set_mode STATION\n"
+                           "plot_station all\n"
+                           "export_graphics -1,station.png,100\n"
+                           "export_graphics -1,station.eps,100\n"
+                           "set_mode MAP\n"
+                           "export_graphics -1,bigmap.png,50\n"
+                           "export_graphics -1,bigmap.eps,50\n"
+                           "export_data out.txt\n");
+    EXPECT_EQ(r.code, 0);
+    EXPECT_EQ(r.error, "Importing Station-Data ...: 5 Stations Imported from cast.txt\n");
+    EXPECT_EQ(r.output, "");
+    const QImage canvas(fromUtf8(file("scatter.png")));
+    EXPECT_NEAR(canvas.width(), 29.0 / 2.54 * 100, 1);
+    EXPECT_NEAR(canvas.height(), 20.2 / 2.54 * 100, 1);
+    for (const char* const name : {"map.png", "station.png", "bigmap.png", "one.jpg"})
+        EXPECT_FALSE(QImage(fromUtf8(file(name))).isNull()) << name;
+    EXPECT_THAT(read("one.gif"), StartsWith("GIF8"));
+    for (const char* const name : {"scatter.eps", "station.eps", "bigmap.eps"})
+        EXPECT_THAT(read(name), StartsWith("%!PS")) << name;
+    EXPECT_THAT(read("station.eps"), HasSubstr("%%PS-OBJECT: Profiles begin"));
+    EXPECT_THAT(read("scatter.eps"), HasSubstr("%%PS-OBJECT: NVQ_ScatterData begin"));
+    EXPECT_THAT(read("bigmap.eps"), HasSubstr("%%PS-OBJECT: StationPositions begin"));
+    EXPECT_THAT(read("out.txt"), StartsWith("Cruise\tStation\tType\t"));
+}
+
+TEST_F(Program, FlaggedValuesAreWrittenWithTheirFlags)
+{
+    EXPECT_EQ(commands("open_collection cast.txt\nexport_data out.txt\n").code, 0);
+    EXPECT_THAT(read("out.txt"), HasSubstr("\t100\t0\t19\t0\t34.1\t8\n"));
+}
+
+TEST_F(Program, RunLeavesNothingInTheTemporaryDirectory)
+{
+    makeCollection();
+    EXPECT_EQ(temporaryFiles(), 0);
+}
+
+TEST_F(Program, FirstStartMakesTheUsersTreeAndTheSettings)
+{
+    makeCollection();
+    EXPECT_TRUE(common::directoryExists(file("home/nvq_local/cmd_files")));
+    EXPECT_THAT(read("home/.nvq"), HasSubstr("[Recent Files]\nFile0 = " + file("cast.var")));
+    EXPECT_THAT(read("home/.nvq"), Not(HasSubstr("[Setup]"))); // what was found by itself isn't kept
+}
+
+TEST_F(Program, StoredGeometrySurvivesARunWithoutADisplay)
+{
+    writeText(file("home/.nvq"), "[Setup]\nNVQMPUSER = bob\n[Geometry]\nLeft = 33\nWidth = 1234\n");
+    makeCollection();
+    EXPECT_THAT(read("home/.nvq"), StartsWith("[Setup]\nNVQMPUSER = bob\n[Geometry]\nLeft = 33\n"));
+    EXPECT_THAT(read("home/.nvq"), HasSubstr("Width = 1234\n"));
+    EXPECT_THAT(read("cast.log"), HasSubstr("bob:"));
+}
+
+TEST_F(Program, CommandFileGivenTwiceIsRunTwice)
+{
+    writeText(file("run.cmd"), "open_collection " + file("cast.txt") + "\n");
+    const RUN r = run({QStringLiteral("-x"), QStringLiteral("run.cmd"), QStringLiteral("-x"),
+                       QStringLiteral("run.cmd"), QStringLiteral("-q")});
+    EXPECT_EQ(r.code, 0) << r.error; // the second goes into the open collection
+    EXPECT_THAT(read("cast.log"), HasSubstr("IMPORT"));
+}
+
+TEST_F(Program, SameRunAgainGivesTheSameCollection)
+{
+    makeCollection();
+    const std::string first = collectionBytes();
+    makeCollection();
+    EXPECT_EQ(collectionBytes(), first);
+}
+
+TEST_F(Program, ArgumentsOfTheCommandLineAreRelativeToItsDirectory)
+{
+    fs::create_directories(file("sub"));
+    writeText(file("sub/deep.txt"), castText(1, 3));
+    writeText(file("run.cmd"), "export_data out.txt\n");
+    const RUN r = run({QStringLiteral("sub/deep.txt"), QStringLiteral("-x"), QStringLiteral("run.cmd"),
+                       QStringLiteral("-q")});
+    EXPECT_EQ(r.code, 0) << r.error;
+    EXPECT_TRUE(exists("sub/out.txt")); // the current directory is the collection's
+}
+
+TEST_F(Program, QuitInAFileStillWorksThroughTheRest)
+{
+    writeText(file("a.cmd"), "quit\nopen_collection " + file("cast.txt") + "\n");
+    writeText(file("b.cmd"), "export_data " + file("out.txt") + "\n");
+    const RUN r =
+        run({QStringLiteral("-x"), QStringLiteral("a.cmd"), QStringLiteral("-x"), QStringLiteral("b.cmd")});
+    EXPECT_EQ(r.code, 0) << r.error;
+    EXPECT_TRUE(exists("out.txt"));
+    EXPECT_TRUE(exists("cast.cfl")); // it was closed
+    EXPECT_EQ(temporaryFiles(), 0);
+}
+
+TEST_F(Program, WithoutADisplayItEndsBehindItsArguments)
+{
+    EXPECT_EQ(run({}).code, 0);
+    writeText(file("run.cmd"), "open_collection " + file("cast.txt") + "\n");
+    EXPECT_EQ(run({QStringLiteral("-x"), QStringLiteral("run.cmd")}).code, 0);
+}
+
+TEST_F(Program, UnreadableCommandFileIsToldAndTheNextArgumentTaken)
+{
+    const RUN r = run(
+        {QStringLiteral("-x"), QStringLiteral("none.cmd"), QStringLiteral("cast.txt"), QStringLiteral("-q")});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.error, HasSubstr("command file " + file("none.cmd") + " could not be read\n"));
+    EXPECT_TRUE(exists("cast.var"));
+}
+
+TEST_F(Program, FailingLineNamesItselfAndEndsTheFile)
+{
+    const RUN r = commands("# first\nopen_collection nothing.var\nopen_collection cast.txt\n");
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.error, HasSubstr("Opening Collection ...: Collection \"" + file("nothing.var") +
+                                   "\" does not exist!\n"));
+    EXPECT_THAT(r.error, HasSubstr(file("run.cmd") + ":2: open_collection failed\n"));
+    EXPECT_FALSE(exists("cast.var"));
+}
+
+TEST_F(Program, BadFieldNamesFileAndLine)
+{
+    const std::string begin = "open_collection cast.txt\nset_mode SCATTER\n";
+    for (const char* const line :
+         {"set_mode PIE", "set_mode SECTION", "use_layout PIE 2 Win", "set_window 1,Salinity,Oxygen",
+          "set_window 9,1,2", "set_range 1,0,1,5,5", "set_range 1,0,x,0,1", "full_range 30", "set_style 1,2",
+          "set_style 1", "set_palette 1,NoSuchPalette", "set_domain 0,10,0", "set_domain 0,10,0,95",
+          "set_domain 0,10,0,10,9", "plot_station 99", "set_import overwrite=perhaps"}) {
+        const RUN r = commands(begin + line + "\nexport_data out.txt\n");
+        EXPECT_EQ(r.code, 1) << line;
+        EXPECT_THAT(r.error, HasSubstr(file("run.cmd") + ":3: ")) << line;
+        EXPECT_FALSE(exists("out.txt")) << line;
+    }
+}
+
+TEST_F(Program, GraphicsWithTwoFieldsIsSkipped)
+{
+    const RUN r = commands("open_collection cast.txt\nexport_graphics -1,a.png\nexport_data out.txt\n");
+    EXPECT_EQ(r.code, 0) << r.error;
+    EXPECT_FALSE(exists("a.png"));
+    EXPECT_TRUE(exists("out.txt"));
+}
+
+TEST_F(Program, GraphicsWithoutAResolutionFails)
+{
+    const RUN r = commands("open_collection cast.txt\nexport_graphics -1,a.png,0\n");
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.error, HasSubstr("the resolution of \"a.png\" isn't known"));
+    EXPECT_FALSE(exists("a.png"));
+}
+
+TEST_F(Program, ForeignPictureKindWritesNothing)
+{
+    const RUN r = commands("open_collection cast.txt\nexport_graphics -1,a.tif,100\n");
+    EXPECT_EQ(r.code, 1);
+    EXPECT_FALSE(exists("a.tif"));
+}
+
+TEST_F(Program, OutputInAnImpossiblePlaceFails)
+{
+    for (const std::string path : {"/nowhere/a.png", "/nowhere/a.eps", "/dev/null/a.png", "/nowhere/a.txt"}) {
+        const bool data = path.ends_with(".txt");
+        const RUN r = commands("open_collection cast.txt\n" +
+                               (data ? "export_data " + path : "export_graphics 0," + path + ",50") + "\n");
+        EXPECT_EQ(r.code, 1) << path;
+        EXPECT_THAT(r.error, HasSubstr(path)) << path;
+    }
+}
+
+TEST_F(Program, ConfigurationThatIsNotThereEndsTheFile)
+{
+    const RUN r = commands("open_collection cast.txt\nload_cfg my\nexport_data out.txt\n");
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.error, HasSubstr("Loading Configuration ...: Configuration file " + file("my.cfg") +
+                                   " not found!\n"));
+    EXPECT_FALSE(exists("out.txt"));
+}
+
+TEST_F(Program, BackslashesAndCarriageReturnsWork)
+{
+    std::string path = file("cast.txt");
+    std::replace(path.begin(), path.end(), '/', '\\');
+    const RUN r = commands("\xef\xbb\xbfopen_collection " + path + "   # comment\r\nexport_data out.txt\r\n");
+    EXPECT_EQ(r.code, 0) << r.error;
+    EXPECT_TRUE(exists("out.txt"));
+}
+
+TEST_F(Program, PathsMayBeLong)
+{
+    std::string deep;
+    for (int i = 0; i < 8; ++i) deep += std::string(100, static_cast<char>('a' + i)) + "/";
+    fs::create_directories(file(deep));
+    writeText(file(deep + "cast.txt"), castText(2, 3));
+    const RUN r = commands("open_collection " + file(deep + "cast.txt") + "\nexport_graphics 0," +
+                           file(deep + "m.png") + ",30\nexport_graphics 0," + file(deep + "m.eps") +
+                           ",30\nexport_data " + file(deep + "o.txt") + "\n");
+    EXPECT_EQ(r.code, 0) << r.error;
+    for (const char* const name : {"cast.var", "m.png", "m.eps", "o.txt"})
+        EXPECT_TRUE(exists(deep + name)) << name;
+}
+
+TEST_F(Program, NamesWithPercentSignsAndBracketsDoNoHarm)
+{
+    writeText(file("100%s(n)%d.txt"), castText(2, 3));
+    const RUN r =
+        commands("open_collection 100%s(n)%d.txt\nexport_graphics -1,p%s(1).eps,30\nexport_data o%n.txt\n");
+    EXPECT_EQ(r.code, 0) << r.error;
+    EXPECT_TRUE(exists("p%s(1).eps"));
+    EXPECT_TRUE(exists("o%n.txt"));
+}
+
+// --- damage
+
+TEST_F(Program, TruncatedCollectionFilesAreToldAndLeftAlone)
+{
+    makeCollection();
+    for (const char* const suffix : {".var", ".hob", ".dob"}) {
+        const std::string name = std::string("cast") + suffix, good = read(name);
+        for (const std::size_t length : {std::size_t{0}, std::size_t{5}, std::size_t{30}}) {
+            writeText(file(name), good.substr(0, length));
+            const RUN r =
+                commands("open_collection cast.var\nexport_graphics 0,m.png,30\nexport_data o.txt\n");
+            EXPECT_NE(r.code, -1) << suffix << length;
+            EXPECT_THAT(r.error, HasSubstr(file("cast"))) << suffix << length;
+            EXPECT_EQ(read(name), good.substr(0, length)) << suffix << length;
+        }
+        writeText(file(name), good);
+    }
+}
+
+TEST_F(Program, DirectoriesAndDevicesAreNoCollections)
+{
+    fs::create_directories(file("dir.var"));
+    fs::create_directories(file("dir.txt"));
+    for (const char* const name : {"dir.var", "dir.txt", "/dev/null.txt", "missing.txt"}) {
+        const RUN r = commands(std::string("open_collection ") + name + "\n");
+        EXPECT_EQ(r.code, 1) << name;
+        EXPECT_THAT(r.error, Not(IsEmpty())) << name;
+    }
+}
+
+TEST_F(Program, EmptyAndSenselessSpreadsheetsAreToldAndMakeNothing)
+{
+    for (const std::string& content : {std::string(), std::string("\n\n\n"), std::string("hello\n"),
+                                       std::string(5000, '\0'), std::string(100000, '\t')}) {
+        writeText(file("bad.txt"), content);
+        const RUN r = commands("open_collection bad.txt\n");
+        EXPECT_EQ(r.code, 1);
+        EXPECT_THAT(r.error, HasSubstr("bad.txt"));
+        EXPECT_FALSE(exists("bad.var"));
+        EXPECT_FALSE(exists("bad.hob"));
+        EXPECT_EQ(read("bad.txt"), content);
+    }
+}
+
+TEST_F(Program, WriteProtectedCollectionOpensReadOnly)
+{
+    makeCollection();
+    letOthersWrite();
+    fs::permissions(file("cast.hob"), fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+    const std::string before = collectionBytes();
+    const RUN r = commandsWithoutRights("open_collection cast.var\nexport_data o.txt\n"
+                                        "open_collection cast.txt\n");
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.error, HasSubstr("Opening Collection ...: Collection files and/or collection directory are "
+                                   "write-protected! Data may not be modified!\n"));
+    EXPECT_THAT(r.error, HasSubstr(file("run.cmd") + ":3: open_collection failed"));
+    EXPECT_TRUE(exists("o.txt"));
+    EXPECT_EQ(collectionBytes(), before);
+}
+
+TEST_F(Program, UnreadableFilesAreTold)
+{
+    makeCollection();
+    letOthersWrite();
+    for (const char* const name : {"cast.var", "cast.hob", "cast.dob", "cast.txt"}) {
+        const fs::perms old = fs::status(file(name)).permissions();
+        fs::permissions(file(name), fs::perms::none);
+        const std::string open = std::string(name) == "cast.txt" ? "cast.txt" : "cast.var";
+        const RUN r = commandsWithoutRights("open_collection " + open + "\n");
+        EXPECT_EQ(r.code, 1) << name;
+        EXPECT_THAT(r.error, HasSubstr("cast")) << name;
+        fs::permissions(file(name), old);
+    }
+}
+
+TEST_F(Program, ReadOnlyFolderTakesNoNewCollection)
+{
+    letOthersWrite();
+    fs::create_directories(file("locked"));
+    writeText(file("locked/cast.txt"), castText(1, 3));
+    fs::permissions(file("locked"), fs::perms::owner_read | fs::perms::owner_exec | fs::perms::others_read |
+                                        fs::perms::others_exec);
+    for (const char* const line : {"open_collection locked/cast.txt", "open_collection locked/none.var"}) {
+        const RUN r = commandsWithoutRights(std::string(line) + "\n");
+        EXPECT_EQ(r.code, 1) << line;
+        EXPECT_THAT(r.error, HasSubstr("locked/")) << line;
+    }
+    fs::permissions(file("locked"), fs::perms::owner_all);
+    EXPECT_FALSE(exists("locked/cast.var"));
+}
+
+TEST_F(Program, HomeThatCannotBeWrittenIsNoHindrance)
+{
+    letOthersWrite();
+    environment.insert(QStringLiteral("HOME"), QStringLiteral("/proc"));
+    const RUN r = commands("open_collection cast.txt\nexport_graphics 0,m.png,30\n");
+    EXPECT_EQ(r.code, 0) << r.error;
+    EXPECT_TRUE(exists("m.png"));
+}
+
+// --- installation
+
+TEST_F(Program, BadInstallationIsToldAndEndsWithAnError)
+{
+    fs::create_directories(file("lone"));
+    fs::copy_file(NVQ_BUILD_DIR "/bin/nvqmp", file("lone/nvqmp"));
+    const RUN r = start(file("lone/nvqmp"), {});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_THAT(r.error, HasSubstr("Installation problem...: Bad Installation Directory! NVQ executable "));
+    EXPECT_THAT(r.error, HasSubstr("Bad NVQ installation...: See installation instructions on how to install "
+                                   "and setup NVQ.\n"));
+}
+
+TEST_F(Program, InstallationMayBeMoved)
+{
+    fs::create_directories(file("moved/bin"));
+    fs::copy_file(NVQ_BUILD_DIR "/bin/nvqmp", file("moved/bin/nvqmp"));
+    writeText(file("run.cmd"), "open_collection cast.txt\nexport_graphics 0,m.png,30\n");
+    const RUN r = start(file("moved/bin/nvqmp"), {QStringLiteral("-x"), QStringLiteral("run.cmd")});
+    EXPECT_EQ(r.code, 0) << r.error;
+    EXPECT_TRUE(exists("m.png"));
+}
+
+TEST_F(Program, BadTemporaryDirectoryIsToldAndAnotherTaken)
+{
+    environment.insert(QStringLiteral("NVQMPTEMP"), QStringLiteral("/nowhere"));
+    const RUN r = commands("open_collection cast.txt\n");
+    EXPECT_EQ(r.code, 0);
+    EXPECT_THAT(r.error,
+                HasSubstr("Installation problem...: Bad temp Directory! NVQ temp directory /nowhere not "
+                          "found or read-only!\n"));
+}
+
+TEST_F(Program, NumbersDoNotDependOnTheLocale)
+{
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_DE.UTF-8"));
+    EXPECT_EQ(commands("open_collection cast.txt\nexport_data out.txt\n").code, 0);
+    EXPECT_THAT(read("out.txt"), HasSubstr("34.1"));
+}
+
+} // namespace
