@@ -9,6 +9,7 @@ namespace importing {
 namespace {
 
 constexpr std::size_t blockSize = std::size_t{1} << 18; // stays in the processor's cache
+constexpr std::size_t bufferSize = RLineReader::maxLine + blockSize + 1;
 
 // `text` without an unfinished UTF-8 character at its end.
 std::string_view withoutCutCharacter(std::string_view text)
@@ -28,7 +29,7 @@ bool RLineReader::open(const std::string& path)
     file_ = common::openFile(path, "rb");
     if (!file_) return false;
     std::setvbuf(file_.get(), nullptr, _IONBF, 0);
-    buffer_.assign(maxLine + blockSize + 1, '\n');
+    buffer_ = std::make_unique_for_overwrite<char[]>(bufferSize); // not filled: most files are smaller
     begin_ = end_ = 0;
     bytesRead_ = 0;
     lineNumber_ = 0;
@@ -43,7 +44,7 @@ bool RLineReader::open(const std::string& path)
 
 void RLineReader::inspectFirstBlock()
 {
-    std::string_view block(buffer_.data(), end_);
+    std::string_view block(buffer_.get(), end_);
     utf8_ = common::isValidUtf8(atEnd_ ? block : withoutCutCharacter(block));
     if (block.starts_with("\xEF\xBB\xBF")) {
         begin_ = 3;
@@ -59,12 +60,12 @@ void RLineReader::inspectFirstBlock()
 bool RLineReader::fill()
 {
     if (begin_ > 0) {
-        std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
+        std::memmove(buffer_.get(), buffer_.get() + begin_, end_ - begin_);
         end_ -= begin_;
         begin_ = 0;
     }
-    const std::size_t room = std::min(blockSize, buffer_.size() - 1 - end_);
-    const std::size_t got = std::fread(buffer_.data() + end_, 1, room, file_.get());
+    const std::size_t room = std::min(blockSize, bufferSize - 1 - end_);
+    const std::size_t got = std::fread(buffer_.get() + end_, 1, room, file_.get());
     if (got < room && std::ferror(file_.get())) return false;
     end_ += got;
     atEnd_ = got < room;
@@ -76,11 +77,11 @@ RLineReader::Result RLineReader::next(std::string_view& line)
 {
     std::size_t searched = begin_;
     for (;;) {
-        const char* const start = buffer_.data() + searched;
+        const char* const start = buffer_.get() + searched;
         const auto* const found = static_cast<const char*>(std::memchr(start, terminator_, end_ - searched));
         if (found || (atEnd_ && begin_ < end_)) {
-            const char* const first = buffer_.data() + begin_;
-            const char* const last = found ? found : buffer_.data() + end_;
+            const char* const first = buffer_.get() + begin_;
+            const char* const last = found ? found : buffer_.get() + end_;
             const std::size_t length = static_cast<std::size_t>(last - first) + (found ? 1 : 0);
             if (length > maxLine) return Result::tooLong;
             begin_ += length;

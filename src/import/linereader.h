@@ -3,9 +3,9 @@
 // The lines of a text file, read in blocks: any size of file, no allocation a line.
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "common/files.h"
 
@@ -38,7 +38,7 @@ private:
     void inspectFirstBlock();
 
     common::FilePtr file_;
-    std::vector<char> buffer_; // lines stand between begin_ and end_
+    std::unique_ptr<char[]> buffer_; // lines stand between begin_ and end_
     std::size_t begin_ = 0, end_ = 0;
     std::int64_t size_ = 0, bytesRead_ = 0;
     int lineNumber_ = 0;

@@ -330,6 +330,7 @@ void RSpreadsheetReader::State::tooManyLevels()
 
 std::int64_t RSpreadsheetReader::State::readStation(STATIONDATA& station)
 {
+    if (targets.size() < 2) return readEnd; // without a variable there are no levels
     for (;;) {
         if (!begun) hasLine = skipToData();
         if (!hasLine) return failure;

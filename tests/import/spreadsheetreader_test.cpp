@@ -449,6 +449,15 @@ TEST(ReadSpreadsheet, MetadataBehindTheDataAreRead)
     EXPECT_EQ(file.stations[0].flags[1], (std::vector<int>{4, 0}));
 }
 
+TEST(ReadSpreadsheet, WithoutAVariableThereAreNoStations)
+{
+    RSpreadsheetFixture file;
+    file.read(metaHeader + "\n" + line("1", ""));
+    EXPECT_EQ(file.result, HeaderResult::ok);
+    EXPECT_TRUE(file.stations.empty());
+    EXPECT_EQ(file.code, readEnd);
+}
+
 TEST(ReadSpreadsheet, ADefaultValueFillsItsVariable)
 {
     RSpreadsheetFixture file;
