@@ -185,6 +185,7 @@ LABELROW obliqueRow(const MAPGEOMETRY& m, const std::vector<double>& parallels)
     }
     const double step = parallels.size() > 1 ? parallels[1] - parallels[0] : latSpan(m);
     std::vector<double> between;
+    between.reserve(parallels.size());
     for (const double lat : parallels) between.push_back(lat + 0.5 * step);
     return rowAt(m, nearest(between, 0.5 * (m.latMin + m.latMax), 0.5 * (m.latMin + m.latMax)));
 }
@@ -343,9 +344,10 @@ void moveOffEdge(DEGREELABEL& label, const MAPGEOMETRY& m, const REdge& edge, fl
 {
     const double size = textCm(fontSize), angle = label.angle / degreesARadian;
     const double outward = label.lorg == leftOfEdge ? -1 : 1;
-    constexpr double step = 0.1, furthest = 2.5, halfLetter = 0.45; // font sizes
+    constexpr double step = 0.1, halfLetter = 0.45; // font sizes
+    constexpr int steps = 25;
     const double du = -std::sin(angle) * halfLetter * size, dv = std::cos(angle) * halfLetter * size;
-    for (double moved = 0; moved < furthest; moved += step) {
+    for (int moved = 0; moved < steps; ++moved) {
         const POINT end = onPaper(m, label.u, label.v);
         const bool cut = edge.encloses({end.u + du, end.v + dv}) || edge.encloses({end.u - du, end.v - dv});
         if (!cut && moved > 0) return;

@@ -125,8 +125,9 @@ std::vector<double> ticValues(double start, double step, double lo, double hi)
     if (step == 0 || !std::isfinite(start / step) || !std::isfinite(lo) || !std::isfinite(hi)) return values;
     const double atLo = settled((lo - start) / step), atHi = settled((hi - start) / step);
     const double first = std::ceil(std::min(atLo, atHi)), last = std::floor(std::max(atLo, atHi));
-    if (!(last - first < maxTics)) return values; // would be one black bar
-    for (double i = first; i <= last; ++i) values.push_back(start + i * step);
+    if (!(last - first < maxTics)) return values;         // would be one black bar
+    const int count = static_cast<int>(last - first) + 1; // 0 or less if none lies within
+    for (int i = 0; i < count; ++i) values.push_back(start + (first + i) * step);
     return values;
 }
 
