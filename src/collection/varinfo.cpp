@@ -26,7 +26,7 @@ VARINFO emptyVariable(int number)
     variable.qualifier = 1;
     variable.resolution = 1.0f;
     variable.resolution2 = 0.01f;
-    variable.qfColumn = -1;
+    variable.qfColumn = 0;
     variable.scale = 1.0f;
     return variable;
 }
