@@ -227,8 +227,7 @@ void RAppWindow::workThrough(std::span<const ARGUMENT> arguments)
                                                  : common::makeAbsolute(argument.path, startDirectory_));
             break;
         case ARGUMENT::file:
-            if (session_.openArgument(argument.path, startDirectory_) != OpenResult::ok && !onScreen_)
-                failed_ = true;
+            if (!openFile(argument.path) && !onScreen_) failed_ = true;
             break;
         }
     }
@@ -369,10 +368,24 @@ void RAppWindow::dropEvent(QDropEvent* event)
     openFile(path);
 }
 
-void RAppWindow::openFile(const std::string& path)
+bool RAppWindow::openFile(const std::string& path)
 {
-    static_cast<void>(session_.openArgument(path, startDirectory_));
+    const OpenResult result = session_.openArgument(path, startDirectory_);
     statusMessage();
+    if (result == OpenResult::ok && onScreen_) bringMapIntoView();
+    return result == OpenResult::ok;
+}
+
+// A canvas that is larger than the window would otherwise begin at an empty corner: the map is there in every
+// mode, and before any station has been plotted nothing else is.
+void RAppWindow::bringMapIntoView()
+{
+    constexpr int margin = 40;                                       // pixels around the plot, for its labels
+    QApplication::processEvents(QEventLoop::ExcludeUserInputEvents); // the window gets its true size first
+    const auto& [left, top, right, bottom] = session_.setup.map.plotRect;
+    const QRect map(QPoint(left, top), QPoint(right, bottom));
+    scrollView_->ensureVisible(map.right(), map.bottom(), margin, margin);
+    scrollView_->ensureVisible(map.left(), map.top(), margin, margin);
 }
 
 } // namespace app

@@ -89,7 +89,8 @@ private:
     void openByDialog();
     void executeByDialog();
     void saveScreen();
-    void openFile(const std::string& path);
+    bool openFile(const std::string& path); // false, after a message
+    void bringMapIntoView();
 
     const std::string programPath_;
     const bool onScreen_;
