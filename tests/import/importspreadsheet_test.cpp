@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "collection/sidefiles.h"
 #include "import/importspreadsheet.h"
 #include "import/spreadsheetfixture.h"
 #include "samplecollection.h"
@@ -112,6 +113,15 @@ TEST(ImportSpreadsheet, DescriptionAndInventoryAreUpToDateAfterwards)
     EXPECT_EQ(again.stationCount, 3);
 }
 
+TEST(ImportSpreadsheet, TheStatusLineNamesTheFileAndTheWork)
+{
+    RImports run;
+    run.import(cast("1", 3));
+    const auto& texts = run.user().statusTexts;
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), "File: " + run.path()), 1);
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), "Importing Data ...      ESC aborts"), 1);
+}
+
 TEST(ImportSpreadsheet, TheLogTakesALine)
 {
     RImports run;
@@ -121,6 +131,7 @@ TEST(ImportSpreadsheet, TheLogTakesALine)
         "[A-Z][a-z]{2}/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d> ann:ship IMPORT     1 Stations "
         ".*casts\\.txt \\([A-Z][a-z]{2}/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d\\)\n$");
     EXPECT_TRUE(std::regex_search(log, expected)) << log;
+    EXPECT_NE(log.find("(" + collection::fileTime(run.path()) + ")\n"), std::string::npos) << log;
 }
 
 TEST(ImportSpreadsheet, AnEmptyFileEndsWithNoStationsAndAnErrorLine)
