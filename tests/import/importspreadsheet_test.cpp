@@ -431,6 +431,24 @@ TEST(ImportSpreadsheet, ColumnsThatNothingTakesAreTold)
     EXPECT_EQ(run.load(1).counts[3], 0);
 }
 
+TEST(ImportSpreadsheet, AFileOfTheCollectionsOwnColumnsKeepsThemApart)
+{
+    RImports run;
+    std::string header = metaHeader;
+    int v = 0;
+    for (const char* const label : {"CTDPRS [DBAR]", "CTDSAL [PSS-78]", "SALNTY [PSS-78]"}) {
+        collection::setLabel(run.collection().variables.at(static_cast<std::size_t>(++v)), label);
+        header += std::string("\t") + label;
+    }
+    run.importFile(header + "\n" + line("1", "10\t35\t34"));
+    ASSERT_EQ(run.result.stationsStored, 1);
+    const READSTATION station = run.load(1);
+    EXPECT_EQ(station.values[1], std::vector<float>{10});
+    EXPECT_EQ(station.values[2], std::vector<float>{35});
+    EXPECT_EQ(station.values[3], std::vector<float>{34});
+    EXPECT_TRUE(run.user().notes.empty());
+}
+
 TEST(ImportSpreadsheet, AFileOfOtherVariablesIsRefused)
 {
     RImports run;
