@@ -69,10 +69,7 @@ void RCollectionBackup::restore()
         ::unlink((basePath_ + ".log").c_str());
         return;
     }
-    const std::string& text = *log_;
-    common::RReplacementFile log(basePath_ + ".log");
-    if (log.stream() && std::fwrite(text.data(), 1, text.size(), log.stream()) == text.size())
-        static_cast<void>(log.commit());
+    static_cast<void>(common::writeFile(basePath_ + ".log", *log_));
 }
 
 } // namespace app

@@ -10,22 +10,14 @@ constexpr std::array<const char*, gasCount> fileNames = {"atmcfc11.his", "atmcfc
                                                          "atmcfc113.his", "atmch4.his"};
 constexpr std::int64_t largestFile = 1 << 20; // bytes
 
-std::string_view takeLine(std::string_view& rest)
-{
-    const std::size_t end = std::min(rest.find('\n'), rest.size());
-    const std::string_view line = rest.substr(0, end);
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-    return line;
-}
-
 } // namespace
 
 ATMHISTORY parseHistory(std::string_view content)
 {
     ATMHISTORY table;
-    (void)takeLine(content);
+    (void)common::takeLine(content);
     while (!content.empty() && table.count < maxHistoryRows) {
-        std::string_view line = takeLine(content);
+        std::string_view line = common::takeLine(content);
         float year = 0, north = 0, south = 0;
         if (!common::takeFloat(line, year) || !common::takeFloat(line, north) ||
             !common::takeFloat(line, south))

@@ -154,11 +154,7 @@ bool RSettingsFile::read(const std::string& path)
 
 bool RSettingsFile::write(const std::string& path) const
 {
-    const std::string content = text();
-    common::RReplacementFile file(path);
-    const bool written = file.stream() &&
-                         std::fwrite(content.data(), 1, content.size(), file.stream()) == content.size() &&
-                         file.commit();
+    const bool written = common::writeFile(path, text());
     if (!written) qWarning("could not open for writing `%s'", path.c_str());
     return written;
 }

@@ -152,14 +152,6 @@ bool parseEntry(std::string_view line, CRUISEINFO& entry)
            entry.lastNumber >= entry.firstNumber;
 }
 
-std::string_view takeLine(std::string_view& rest)
-{
-    const std::size_t end = std::min(rest.find('\n'), rest.size());
-    const std::string_view line = rest.substr(0, end);
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-    return line;
-}
-
 bool takeWord(std::string_view& rest, std::string_view word)
 {
     if (!rest.starts_with(word)) return false;
@@ -285,8 +277,8 @@ std::string formatInventory(std::span<const CRUISEINFO> entries, int stationCoun
 
 bool parseInventory(std::string_view text, INVENTORY& out)
 {
-    if (!takeLine(text).starts_with(inventoryVersion)) return false;
-    std::string_view counts = takeLine(text);
+    if (!common::takeLine(text).starts_with(inventoryVersion)) return false;
+    std::string_view counts = common::takeLine(text);
     INVENTORY read;
     int count = 0;
     if (!common::takeInt(counts, count) || !takeWord(counts, " cruises") ||
@@ -297,7 +289,7 @@ bool parseInventory(std::string_view text, INVENTORY& out)
     std::int64_t stations = 0;
     while (!text.empty()) {
         CRUISEINFO entry;
-        if (!parseEntry(takeLine(text), entry)) return false;
+        if (!parseEntry(common::takeLine(text), entry)) return false;
         if (entry.lastNumber > read.stations) return false;
         stations += entry.stationCount;
         read.entries.push_back(entry);

@@ -43,14 +43,6 @@ private:
     common::RUser& user_;
 };
 
-bool writeWhole(const std::string& file, std::span<const std::byte> bytes)
-{
-    common::RReplacementFile replacement(file);
-    return replacement.stream() &&
-           std::fwrite(bytes.data(), 1, bytes.size(), replacement.stream()) == bytes.size() &&
-           replacement.commit();
-}
-
 bool allWithin(const std::vector<std::int32_t>& indices, std::int32_t end)
 {
     return std::all_of(indices.begin(), indices.end(),
@@ -152,7 +144,7 @@ bool RCollection::writeInventoryFile()
 {
     if (!writable || kind != 1) return false;
     const std::string text = formatInventory(cruises, stationCount, sampleCount, variableCount);
-    return writeWhole(path + ".inv", std::as_bytes(std::span(text)));
+    return common::writeFile(path + ".inv", text);
 }
 
 bool RCollection::readInventoryFile()
@@ -212,7 +204,8 @@ void RCollection::writeCruiseIndices(std::vector<std::int32_t> indices) const
 {
     if (!writable) return;
     if (swapBytes) common::reverseBytes(indices.data(), indices.size(), sizeof(std::int32_t), indices.data());
-    static_cast<void>(writeWhole(path + ".cid", std::as_bytes(std::span(indices))));
+    static_cast<void>(common::writeFile(path + ".cid", {reinterpret_cast<const char*>(indices.data()),
+                                                        indices.size() * sizeof(std::int32_t)}));
 }
 
 } // namespace collection

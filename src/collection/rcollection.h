@@ -122,6 +122,7 @@ public:
     // Header of station `number`, and its counts if `counts` isn't null. False: number out of range, or the
     // record can't be read or can't be true (counts and offsets that don't fit the files).
     [[nodiscard]] bool readStationHeader(int number, STATIONHDR& header, LEVELCOUNTS* counts);
+    // False also for a position or depth that is no number.
     [[nodiscard]] bool writeStationHeader(int number, const STATIONHDR& header, const LEVELCOUNTS* counts);
     // Loads a station. derive: the stages of `stages` are applied (quality limit, derived, sample range).
     [[nodiscard]] LoadResult loadStation(int number, STATIONDATA& station, bool derive);

@@ -15,23 +15,6 @@ namespace {
 
 constexpr std::int64_t largestSideFile = 16 << 20;
 
-std::string_view takeLine(std::string_view& rest)
-{
-    const std::size_t end = std::min(rest.find('\n'), rest.size());
-    std::string_view line = rest.substr(0, end);
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-    if (line.ends_with('\r')) line.remove_suffix(1);
-    return line;
-}
-
-bool writeText(const std::string& file, std::string_view text)
-{
-    common::RReplacementFile replacement(file);
-    return replacement.stream() &&
-           std::fwrite(text.data(), 1, text.size(), replacement.stream()) == text.size() &&
-           replacement.commit();
-}
-
 std::string withoutLineBreaks(std::string_view text)
 {
     std::string line(text);
@@ -113,7 +96,7 @@ bool readLastFiles(const std::string& basePath, const std::string& directory, LA
     for (std::string* const name :
          {&files.configName, &files.graphics, &files.others[0], &files.others[1], &files.others[2]}) {
         if (rest.empty()) break;
-        *name = nameOfLine(takeLine(rest), directory);
+        *name = nameOfLine(common::takeLine(rest), directory);
     }
     return true;
 }
@@ -125,7 +108,7 @@ bool writeLastFiles(const std::string& basePath, const std::string& directory, c
          {&files.graphics, &files.others[0], &files.others[1], &files.others[2]}) {
         text += lineOfName(*name, directory);
     }
-    return writeText(basePath + ".cfl", text);
+    return common::writeFile(basePath + ".cfl", text);
 }
 
 bool filesAreWritable(const std::string& basePath, const std::string& directory, bool isNew)
@@ -153,8 +136,9 @@ bool isMadeByImportsOnly(const std::string& basePath)
     std::string_view rest = *text;
     int lines = 0;
     while (!rest.empty()) {
-        const std::string_view line = takeLine(rest);
+        const std::string_view line = common::takeLine(rest);
         if (common::trimBlanks(line).empty()) continue;
+        if (line.starts_with("ERROR: IMPORT")) continue; // one that stored nothing
         const std::string_view message = messageOf(line);
         if (message != "CREATE" && !message.starts_with("IMPORT")) return false;
         ++lines;
@@ -178,7 +162,7 @@ int RCollection::getVariableId(std::string_view key) const
     if (!text) return 0;
     std::string_view rest = *text;
     while (!rest.empty()) {
-        const std::string_view line = takeLine(rest);
+        const std::string_view line = common::takeLine(rest);
         if (!isKeyLine(line, key)) continue;
         std::string_view value = line.substr(key.size() + 1);
         int number = 0;
@@ -195,7 +179,7 @@ bool RCollection::setVariableId(std::string_view key, int number)
     bool found = false;
     std::string_view rest = text;
     while (!rest.empty()) {
-        const std::string_view line = takeLine(rest);
+        const std::string_view line = common::takeLine(rest);
         if (isKeyLine(line, key)) {
             if (!found) result += newLine;
             found = true;
@@ -205,7 +189,7 @@ bool RCollection::setVariableId(std::string_view key, int number)
         }
     }
     if (!found) result += newLine;
-    return writeText(path + ".idv", result);
+    return common::writeFile(path + ".idv", result);
 }
 
 bool RCollection::createEmptyFiles(const std::string& userName, const std::string& hostName)

@@ -89,7 +89,7 @@ OpenFilesResult RCollection::openFilledFiles(common::RUser& user)
     const std::byte* const bytes = files_->hob.view(0, magicSize);
     const std::string_view magic(reinterpret_cast<const char*>(bytes), bytes ? magicSize : 0);
     if (bytes && magic != littleEndianMagic && magic != bigEndianMagic) {
-        user.about(boxTitle, "Incompatible collection format!");
+        user.about(path + ".hob", "Incompatible collection format!");
         return OpenFilesResult::badMagic;
     }
     const std::int64_t records = recordsIn(files_->hob.size(), headerRecordSize);

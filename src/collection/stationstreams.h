@@ -13,9 +13,8 @@ namespace collection {
 struct RCollection::Files {
     RBlockFile hob, dob;
     RECORDFORM form;
-    std::vector<std::byte> record;       // one header record, packed
-    std::vector<std::byte> movedRecords; // header records on their way
-    std::vector<float> valueScratch;     // cells on their way through a sort or a byte reversal
+    std::vector<std::byte> record;   // one header record, packed
+    std::vector<float> valueScratch; // cells on their way through a sort or a byte reversal
     std::vector<std::uint8_t> flagScratch;
     std::vector<std::byte> oldBlock;
 

@@ -10,22 +10,6 @@ namespace {
 constexpr std::size_t valueColumn = 12, formatColumn = 60;
 constexpr std::int64_t largestDescription = 1 << 20; // a full one has about 4 kB
 
-// Hands out the lines of a text without their ends; empty ones behind the last.
-class RLines {
-public:
-    explicit RLines(std::string_view text) : rest_(text) {}
-    std::string_view next()
-    {
-        const std::size_t end = std::min(rest_.find('\n'), rest_.size());
-        std::string_view line = rest_.substr(0, end);
-        rest_.remove_prefix(std::min(end + 1, rest_.size()));
-        return line.substr(0, line.find('\r'));
-    }
-
-private:
-    std::string_view rest_;
-};
-
 std::string_view valueOf(std::string_view line)
 {
     return common::trimBlanks(line.size() > valueColumn ? line.substr(valueColumn) : std::string_view());
@@ -87,23 +71,24 @@ std::string withExtension(const std::string& file)
 VarFileResult parseVarFile(std::string_view bytes, VARDESCRIPTION& out, VARFAULT& fault)
 {
     fault = {};
-    RLines lines(bytes);
-    if (!lines.next().starts_with("NVQ")) return refuse(fault, 1, std::string(oldFormatText));
+    if (!common::takeLine(bytes).starts_with("NVQ")) return refuse(fault, 1, std::string(oldFormatText));
     VARDESCRIPTION read;
-    read.name = valueOf(lines.next());
+    read.name = valueOf(common::takeLine(bytes));
     if (!isUsableName(read.name)) return refuse(fault, 2, "no usable name of the collection");
-    read.type = valueOf(lines.next());
-    if (!countOf(lines.next(), read.stationCount)) return refuse(fault, 4, "no valid number of stations");
-    if (!countOf(lines.next(), read.variableCount)) return refuse(fault, 5, "no valid number of variables");
+    read.type = valueOf(common::takeLine(bytes));
+    if (!countOf(common::takeLine(bytes), read.stationCount))
+        return refuse(fault, 4, "no valid number of stations");
+    if (!countOf(common::takeLine(bytes), read.variableCount))
+        return refuse(fault, 5, "no valid number of variables");
     if (read.variableCount > common::maxVariables) {
         return refuse(fault, 5,
                       common::format("%d variables, but a collection has at most %d", read.variableCount,
                                      common::maxVariables));
     }
-    static_cast<void>(lines.next());
+    static_cast<void>(common::takeLine(bytes));
     for (int v = 0; v < common::variableSlots; ++v) {
         read.variables[static_cast<std::size_t>(v)] =
-            v >= 1 && v <= read.variableCount ? readVariable(lines.next(), v) : emptyVariable(v);
+            v >= 1 && v <= read.variableCount ? readVariable(common::takeLine(bytes), v) : emptyVariable(v);
     }
     out = std::move(read);
     return VarFileResult::ok;
@@ -163,9 +148,7 @@ bool RCollection::writeVarFile(const std::string& basePath)
     const std::string_view baseName = std::string_view(basePath).substr(basePath.rfind('/') + 1);
     if (!isUsableName(baseName)) return false;
     const std::string text = formatVarFile(baseName, type, stationCount, variableCount, variables);
-    common::RReplacementFile file(basePath + ".var");
-    return file.stream() && std::fwrite(text.data(), 1, text.size(), file.stream()) == text.size() &&
-           file.commit();
+    return common::writeFile(basePath + ".var", text);
 }
 
 } // namespace collection

@@ -26,7 +26,6 @@ VARINFO emptyVariable(int number)
     variable.qualifier = 1;
     variable.resolution = 1.0f;
     variable.resolution2 = 0.01f;
-    variable.qfColumn = 0;
     variable.scale = 1.0f;
     return variable;
 }

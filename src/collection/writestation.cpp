@@ -276,6 +276,8 @@ bool RCollection::putCells(const STATIONDATA& station)
 bool RCollection::writeStationHeader(int number, const STATIONHDR& header, const LEVELCOUNTS* counts)
 {
     if (kind != 1 || !writable || number < 1 || number > stationCount) return false;
+    if (!isStorable(header) || !std::isfinite(header.lastSampleDepth))
+        return false; // it couldn't be read again
     files_->record.resize(static_cast<std::size_t>(files_->form.recordSize()));
     const std::size_t size = packRecord(header, counts, files_->form, files_->record.data());
     return files_->hob.write(files_->placeOf(number), std::span<const std::byte>(files_->record).first(size));

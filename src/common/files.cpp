@@ -140,6 +140,13 @@ bool RReplacementFile::commit()
     return false;
 }
 
+bool writeFile(const std::string& path, std::string_view bytes)
+{
+    RReplacementFile file(path);
+    return file.stream() && std::fwrite(bytes.data(), 1, bytes.size(), file.stream()) == bytes.size() &&
+           file.commit();
+}
+
 PATHPARTS splitPath(std::string_view path)
 {
     PATHPARTS parts;

@@ -50,6 +50,9 @@ private:
     FilePtr file_;
 };
 
+// Makes `bytes` the content of a file: the whole of it, or on failure the file is as it was.
+[[nodiscard]] bool writeFile(const std::string& path, std::string_view bytes);
+
 struct PATHPARTS {
     std::string directory; // with its trailing separator; empty if the path has none
     std::string baseName;  // without the extension

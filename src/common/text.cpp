@@ -86,6 +86,15 @@ std::string_view trimBlanks(std::string_view text)
     return text;
 }
 
+std::string_view takeLine(std::string_view& rest)
+{
+    const std::size_t end = std::min(rest.find('\n'), rest.size());
+    std::string_view line = rest.substr(0, end);
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    return line;
+}
+
 int splitFields(std::string_view line, char separator, std::span<std::string_view> fields)
 {
     line = line.substr(0, line.find_first_of("\r\n"));

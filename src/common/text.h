@@ -22,6 +22,10 @@ namespace common {
 // one and leading blanks are dropped. Returns the number of fields; an empty line has none.
 int splitFields(std::string_view line, char separator, std::span<std::string_view> fields);
 
+// Takes a line from the front of `rest`, without its line feed and a carriage return in front of that; an
+// empty one behind the last.
+[[nodiscard]] std::string_view takeLine(std::string_view& rest);
+
 // All occurrences of `from` (not empty) in `text` replaced by `to`.
 [[nodiscard]] std::string replaceAll(std::string_view text, std::string_view from, std::string_view to);
 

@@ -23,7 +23,8 @@ struct ASSOCIATIONRESULT {
 ASSOCIATIONRESULT associateByLabel(std::span<collection::VARINFO> sources,
                                    std::span<collection::VARINFO> targets);
 
-// Links each source with the target of its own number: for a collection whose variables are the sources.
+// Links each source with the target of its own number: for a collection whose variables have the labels of
+// the sources.
 void associateByNumber(std::span<collection::VARINFO> sources, std::span<collection::VARINFO> targets);
 
 } // namespace importing

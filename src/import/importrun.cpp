@@ -2,10 +2,7 @@
 
 #include <filesystem>
 
-#include <QDateTime>
-#include <QFileInfo>
-#include <QLocale>
-
+#include "collection/sidefiles.h"
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "import/stationreader.h"
@@ -23,13 +20,6 @@ constexpr std::string_view runCaption = "Importing Station-Data ...";
 std::string utf8(std::string_view label)
 {
     return common::labelToUtf8(label);
-}
-
-// Name and last change of the input, as the log takes them.
-std::string lastChange(const std::string& file)
-{
-    const QDateTime changed = QFileInfo(QString::fromStdString(file)).lastModified();
-    return QLocale::c().toString(changed, QStringLiteral("MMM/dd/yyyy hh:mm:ss")).toStdString();
 }
 
 } // namespace
@@ -76,7 +66,7 @@ std::int64_t RImportRun::openImport(const std::string& file, const std::string& 
     if (state.replaceAll && mode == ImportMode::addReplace) state.checkExisting = false;
     user_.setAbort(false);
     user_.status(format("File: %s", file.c_str()));
-    user_.beginBusy(std::string("Importing Data ...").append(common::escAborts));
+    user_.beginBusy(std::string("Importing Data ... ").append(common::escAborts));
     open_ = true;
     return size;
 }
@@ -260,7 +250,7 @@ void RImportRun::writeLog()
     const bool exists = common::fileExists(state.file);
     if (exists)
         text = format("IMPORT%6d Stations %s (%s)", state.stationsStored, state.file.c_str(),
-                      lastChange(state.file).c_str());
+                      collection::fileTime(state.file).c_str());
     state.logFault = !exists || state.stationsStored == 0;
     if (!state.logFault) {
         collection_.addLogLine(text, options_.userName, options_.hostName);

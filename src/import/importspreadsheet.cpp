@@ -54,13 +54,23 @@ bool anyTargetIsFed(std::span<const VARINFO> targets)
                        [](const VARINFO& target) { return target.assocSource != 0; });
 }
 
+// True if the columns of the file are the variables of the collection, one by one: a file of the layout that
+// the collection was made from.
+bool hasTheColumnsOf(std::span<const VARINFO> targets, std::span<const VARINFO> sources)
+{
+    return std::equal(sources.begin(), sources.end(), targets.begin(), targets.end(),
+                      [](const VARINFO& a, const VARINFO& b) {
+                          return common::fieldText(a.label) == common::fieldText(b.label);
+                      });
+}
+
 // Links sources and targets. False if the user cancelled, or if nothing would be imported.
 bool settleAssociation(RCollection& collection, const std::string& path, const IMPORTOPTIONS& options,
                        SPREADSHEETHEADER& header, IMPORTSTATE& state, IMPORTRESULT& result,
                        common::RUser& user)
 {
     const std::span<VARINFO> targets = targetsOf(collection);
-    if (options.header) {
+    if (options.header || hasTheColumnsOf(targets, header.sources)) {
         associateByNumber(header.sources, targets);
     } else {
         associateByLabel(header.sources, targets);

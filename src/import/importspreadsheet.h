@@ -16,7 +16,8 @@ namespace importing {
 class RImportSettler : public RSpreadsheetSettler {
 public:
     // Mode, check for existing stations, and the links of sources and targets (index 0 of each is no
-    // variable), which come associated by label. False if the user cancels.
+    // variable), which come associated by label, or by number if they have the same labels in the same order.
+    // False if the user cancels.
     [[nodiscard]] virtual bool settleImport(IMPORTSTATE& state, std::span<collection::VARINFO> sources,
                                             std::span<collection::VARINFO> targets) = 0;
 };

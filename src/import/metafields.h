@@ -15,13 +15,12 @@ struct METAFIELDS {
     int count = 0; // fields of the line, as far as the last metavariable
 };
 
-// Splits off the metavariables. `rest` receives the line behind the last of them and its separator; it is
-// empty with `restExists` false if the line ends there.
 struct METASPLIT {
     METAFIELDS fields;
-    std::size_t length =
-        0; // bytes up to and with the separator behind the last metavariable; 0: line ends first
+    // Bytes of the line up to and with the separator behind the last metavariable; 0 if the line ends first.
+    std::size_t length = 0;
 };
+// Splits off the metavariables.
 [[nodiscard]] METASPLIT splitMeta(const SPREADSHEETDESC& desc, std::string_view line);
 
 // True if neither a column nor a default labels the stations: then their running number in the file does.

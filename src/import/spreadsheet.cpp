@@ -324,9 +324,6 @@ std::vector<VARINFO> sourcesOf(const SPREADSHEETDESC& desc, std::span<const std:
         VARINFO source = collection::emptyVariable(static_cast<int>(sources.size()));
         collection::setLabel(source, common::labelFromFile(label, true));
         source.column = static_cast<int>(column);
-        source.qfColumn = 0; // no flags: column 0 can't hold them
-        source.width = 8;
-        source.decimals = 2;
         source.defaultValue = common::MISSING_VALUE;
         sources.push_back(source);
     }

@@ -101,7 +101,11 @@ public:
             },
             [this](int number) { damaged_.add(number); });
         finishGroup();
-        if (std::fflush(collection_.valFile.get()) != 0) collection_.selectedStationCount = 0;
+        if (std::fflush(collection_.valFile.get()) != 0) {
+            collection_.selectedStationCount = 0;
+            good_ = false;
+        }
+        if (!good_) user_.note("The list of selected stations can't be written to " + listName());
         if (!read) user_.note(collection_.path + ".hob: can't be read to its end");
         damaged_.tell(collection_.path, user_);
         return collection_.selectedStationCount;
@@ -128,6 +132,11 @@ private:
             header.latitude};
         if (!contains(domain, record)) return;
         if (!build_.place || build_.place(record)) group_.push_back(record);
+    }
+
+    [[nodiscard]] std::string listName() const
+    {
+        return collection_.tempDirectory + collection_.tempId + ".val";
     }
 
     void finishGroup()

@@ -87,6 +87,8 @@ TEST_F(SideFiles, OnlyCreationsAndImportsCanBeRunAgain)
     EXPECT_TRUE(isMadeByImportsOnly(collection.path));
     collection.addLogLine("IMPORT     3 Stations a > b.txt (x)", "me", "here");
     EXPECT_TRUE(isMadeByImportsOnly(collection.path));
+    sample.setBytes(".log", sample.bytes(".log") + "ERROR: IMPORT     0 Stations a > b.txt (x)\n");
+    EXPECT_TRUE(isMadeByImportsOnly(collection.path));
     collection.addLogLine("COMMENT CREATE", "me", "here");
     EXPECT_FALSE(isMadeByImportsOnly(collection.path));
     EXPECT_FALSE(isMadeByImportsOnly(collection.path + "x"));

@@ -391,7 +391,7 @@ TEST_F(Stored, AnotherMagicGives4)
     hob.replace(0, 6, "NVQ5.0");
     sample.setBytes(".hob", hob);
     EXPECT_EQ(open(), OpenFilesResult::badMagic);
-    EXPECT_EQ(sample.user.messages.at(0), "Open Collection: Incompatible collection format!");
+    EXPECT_EQ(sample.user.messages.at(0), collection.path + ".hob: Incompatible collection format!");
     EXPECT_TRUE(sample.bytes(".hob") == hob);
 }
 

@@ -442,6 +442,20 @@ TEST_F(WriteStation, HeaderEditKeepsTheData)
     EXPECT_FALSE(collection.writeStationHeader(2, header, &counts));
 }
 
+TEST_F(WriteStation, AHeaderEditThatCouldntBeReadAgainIsRefused)
+{
+    putThree();
+    STATIONHDR header{};
+    ASSERT_TRUE(collection.readStationHeader(2, header, nullptr));
+    for (float STATIONHDR::*const field : {&STATIONHDR::longitude, &STATIONHDR::latitude,
+                                           &STATIONHDR::bottomDepth, &STATIONHDR::lastSampleDepth}) {
+        STATIONHDR edited = header;
+        edited.*field = std::numeric_limits<float>::quiet_NaN();
+        EXPECT_FALSE(collection.writeStationHeader(2, edited, nullptr));
+    }
+    expectProfile(2, 4, 2);
+}
+
 TEST_F(WriteStation, FlushedStationsAreThere)
 {
     putThree();

@@ -8,6 +8,7 @@
 
 #include "common/byteorder.h"
 #include "common/headlessuser.h"
+#include "filesizelimit.h"
 #include "temporarydirectory.h"
 
 namespace common {
@@ -69,6 +70,20 @@ TEST(Files, ReadFileKeepsToItsLimit)
     put(directory.file("a"), "12345");
     EXPECT_FALSE(readFile(directory.file("a"), 4));
     EXPECT_EQ(readFile(directory.file("a"), 5), "12345");
+}
+
+TEST(Files, WriteFileTakesAllBytesOrLeavesTheOldFile)
+{
+    const testing_support::RTemporaryDirectory directory;
+    const std::string path = directory.file("a");
+    ASSERT_TRUE(writeFile(path, std::string_view("1\0\n2", 4)));
+    EXPECT_EQ(readFile(path), std::string("1\0\n2", 4));
+    {
+        const testing_support::RFileSizeLimit full(100);
+        EXPECT_FALSE(writeFile(path, std::string(1000, 'x')));
+    }
+    EXPECT_EQ(readFile(path), std::string("1\0\n2", 4));
+    EXPECT_FALSE(writeFile(directory.file("none/a"), "1"));
 }
 
 TEST(Files, RelativePathsComeBack)

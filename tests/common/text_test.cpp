@@ -22,6 +22,16 @@ TEST(TrimLabel, TextKeepsItsZeros)
     EXPECT_EQ(trimLabel(" \x01"), "");
 }
 
+TEST(TakeLine, LosesItsEndAndIsEmptyBehindTheLast)
+{
+    std::string_view rest = "a\r\n\nb\rc";
+    EXPECT_EQ(takeLine(rest), "a");
+    EXPECT_EQ(takeLine(rest), "");
+    EXPECT_EQ(takeLine(rest), "b\rc");
+    EXPECT_EQ(rest, "");
+    EXPECT_EQ(takeLine(rest), "");
+}
+
 TEST(SplitFields, BlankSeparatorTakesRunsAsOne)
 {
     std::string_view fields[4];

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "collection/sidefiles.h"
 #include "import/importspreadsheet.h"
 #include "import/spreadsheetfixture.h"
 #include "samplecollection.h"
@@ -112,6 +113,15 @@ TEST(ImportSpreadsheet, DescriptionAndInventoryAreUpToDateAfterwards)
     EXPECT_EQ(again.stationCount, 3);
 }
 
+TEST(ImportSpreadsheet, TheStatusLineNamesTheFileAndTheWork)
+{
+    RImports run;
+    run.import(cast("1", 3));
+    const auto& texts = run.user().statusTexts;
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), "File: " + run.path()), 1);
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), "Importing Data ...      ESC aborts"), 1);
+}
+
 TEST(ImportSpreadsheet, TheLogTakesALine)
 {
     RImports run;
@@ -121,6 +131,7 @@ TEST(ImportSpreadsheet, TheLogTakesALine)
         "[A-Z][a-z]{2}/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d> ann:ship IMPORT     1 Stations "
         ".*casts\\.txt \\([A-Z][a-z]{2}/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d\\)\n$");
     EXPECT_TRUE(std::regex_search(log, expected)) << log;
+    EXPECT_NE(log.find("(" + collection::fileTime(run.path()) + ")\n"), std::string::npos) << log;
 }
 
 TEST(ImportSpreadsheet, AnEmptyFileEndsWithNoStationsAndAnErrorLine)
@@ -418,6 +429,24 @@ TEST(ImportSpreadsheet, ColumnsThatNothingTakesAreTold)
     run.importFile(replaced(threeVariables, "Salinity [psu]", "Chlorophyll [°]") + cast("1", 2));
     EXPECT_EQ(run.user().notes, Labels{run.path() + ": not imported: \"Chlorophyll [°]\""});
     EXPECT_EQ(run.load(1).counts[3], 0);
+}
+
+TEST(ImportSpreadsheet, AFileOfTheCollectionsOwnColumnsKeepsThemApart)
+{
+    RImports run;
+    std::string header = metaHeader;
+    int v = 0;
+    for (const char* const label : {"CTDPRS [DBAR]", "CTDSAL [PSS-78]", "SALNTY [PSS-78]"}) {
+        collection::setLabel(run.collection().variables.at(static_cast<std::size_t>(++v)), label);
+        header += std::string("\t") + label;
+    }
+    run.importFile(header + "\n" + line("1", "10\t35\t34"));
+    ASSERT_EQ(run.result.stationsStored, 1);
+    const READSTATION station = run.load(1);
+    EXPECT_EQ(station.values[1], std::vector<float>{10});
+    EXPECT_EQ(station.values[2], std::vector<float>{35});
+    EXPECT_EQ(station.values[3], std::vector<float>{34});
+    EXPECT_TRUE(run.user().notes.empty());
 }
 
 TEST(ImportSpreadsheet, AFileOfOtherVariablesIsRefused)

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "common/text.h"
+#include "filesizelimit.h"
 #include "samplecollection.h"
 
 namespace selection {
@@ -158,6 +159,21 @@ TEST_F(SelectedList, DamagedHeadersAreNotSelectedAndToldOnce)
     EXPECT_EQ(numbers(), "1 3 ");
     ASSERT_EQ(user.notes.size(), 1U);
     EXPECT_NE(user.notes[0].find("stations 2, 4"), std::string::npos);
+}
+
+TEST_F(SelectedList, AFullDiskIsToldAndNoHalfListStands)
+{
+    for (int i = 0; i < 3; ++i) put(10);
+    {
+        const testing_support::RFileSizeLimit full(2 * sizeof(SELECTEDSTATION));
+        EXPECT_EQ(build(), 0);
+    }
+    ASSERT_EQ(user.notes.size(), 1U);
+    EXPECT_NE(user.notes[0].find(collection.tempId + ".val"), std::string::npos);
+    EXPECT_EQ(numbers(), "");
+    EXPECT_EQ(build(), 3);
+    EXPECT_EQ(numbers(), "1 2 3 ");
+    EXPECT_EQ(user.notes.size(), 1U);
 }
 
 TEST_F(SelectedList, WithoutItsFileTheListIsEmpty)
