@@ -17,20 +17,6 @@ constexpr double labelGap = 0.2; // between border and labels, in font sizes
 
 constexpr double haloWidth = 0.07; // around letters on top of the map, in font sizes
 
-// "30" + degree sign + "W" with the degree sign as the page's fonts have it.
-std::string pageLabel(const std::string& text)
-{
-    std::string out;
-    for (const char c : text) {
-        if (c == '\xb0') {
-            out += "\\312";
-        } else {
-            out += c;
-        }
-    }
-    return out;
-}
-
 // --- the default projection
 
 // One axis of an unprojected map.
@@ -163,7 +149,7 @@ void writeAxis(std::FILE* ps, const DEGREEAXIS& axis, char name, bool grid, bool
             std::fprintf(ps, x ? "%g ymin %g ymax Line\n" : "xmin %g xmax %g Line\n", axis.tics[i],
                          axis.tics[i]);
         if (!labels || axis.labels[i].empty()) continue;
-        std::fprintf(ps, "(%s) %9.3f %cmaplabl\n", pageLabel(axis.labels[i]).c_str(), axis.tics[i], name);
+        std::fprintf(ps, "(%s) %9.3f %cmaplabl\n", psString(axis.labels[i]).c_str(), axis.tics[i], name);
     }
 }
 
@@ -251,7 +237,7 @@ void writeProjectedLabel(std::FILE* ps, const DEGREELABEL& label)
 {
     const int halo = !label.inside ? -1 : isDark(drawState().color[0]) ? 1 : 0;
     std::fprintf(ps, "/halo %d def /lorg %d def /labl [(%s)] def %g %g %g rotlabl\n", halo, label.lorg,
-                 pageLabel(label.text).c_str(), double{label.angle}, double{label.u}, double{label.v});
+                 psString(label.text).c_str(), double{label.angle}, double{label.u}, double{label.v});
 }
 
 void drawLabels(QPainter* p, std::FILE* ps, const GRATICULE& g, float fontSize)

@@ -357,6 +357,23 @@ void moveOffEdge(DEGREELABEL& label, const MAPGEOMETRY& m, const REdge& edge, fl
     }
 }
 
+// At the rim of a globe the parallels run along the edge, and a label along them would leave its place.
+bool endsAtTheRim(const MAPGEOMETRY& m)
+{
+    constexpr double nearRim = 75; // degrees from the centre
+    return m.id == projectionOblique && m.lon0 - m.lonMin > nearRim;
+}
+
+// The label of a parallel at the left edge.
+void putBesideEdge(DEGREELABEL& label, const MAPGEOMETRY& m, const REdge& edge, float fontSize)
+{
+    if (endsAtTheRim(m)) {
+        label.angle = 0;
+        label.lorg = leftOfEdge;
+    }
+    moveOffEdge(label, m, edge, fontSize);
+}
+
 // Every n-th of the meridians' labels, so that there is about one a centimetre: of the rim if they stand
 // around it, else of the map's width, across which a globe shows half of its meridians.
 std::size_t labelStride(const MAPGEOMETRY& m)
@@ -380,7 +397,7 @@ void addLatitudes(std::vector<DEGREELABEL>& labels, RLabelSpace& space, const MA
         const bool onEdge = lat - m.latMin < margin || m.latMax - lat < margin;
         if (!sees(m, column.at, lat) || (column.lorg == centred && onEdge)) continue;
         DEGREELABEL label = labelAt(m, column.at, lat, column.lorg, true, latitudeLabel(lat));
-        if (column.lorg == leftOfEdge) moveOffEdge(label, m, edge, fontSize);
+        if (column.lorg == leftOfEdge) putBesideEdge(label, m, edge, fontSize);
         if (column.lorg == centred && edge.cuts(boxOf(m, label, fontSize, innerMargin))) continue;
         if (space.take(label)) labels.push_back(std::move(label));
     }

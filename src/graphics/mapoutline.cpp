@@ -35,9 +35,11 @@ POINT onSide(const DOMAIN_LIMITS& d, int side, double t)
     }
 }
 
+constexpr double wideLongitudes = 330, wideLatitudes = 150;
+
 bool isWide(const DOMAIN_LIMITS& d)
 {
-    return d.lonMax - d.lonMin > 330 || d.latMax - d.latMin > 150;
+    return d.lonMax - d.lonMin > wideLongitudes || d.latMax - d.latMin > wideLatitudes;
 }
 
 // The turned globe is cut along half of its equator, west of the centre. The image of a domain that holds the
@@ -47,9 +49,11 @@ bool holdsCut(const DOMAIN_LIMITS& d)
     return d.lonMin < projection().lon0 && d.latMin < 0 && d.latMax > 0;
 }
 
+// All around the horizon. A tall domain of fewer longitudes ends at its meridians, which meet in the pole on
+// this side of the horizon.
 bool fillsDisc(int id, const DOMAIN_LIMITS& d)
 {
-    return id == projectionOblique && isWide(d);
+    return id == projectionOblique && d.lonMax - d.lonMin > wideLongitudes;
 }
 
 bool fillsEllipse(int id, const DOMAIN_LIMITS& d)
@@ -156,6 +160,18 @@ LIMITS boundsOfCurve(int id, const DOMAIN_LIMITS& d)
     return bounds;
 }
 
+// The sides of a tall oblique domain hold the pole, and the horizon its widest places.
+LIMITS boundsOf(int id, const DOMAIN_LIMITS& d)
+{
+    if (fillsDisc(id, d) || fillsEllipse(id, d)) return boundsOfCurve(id, d);
+    LIMITS bounds = boundsOfSides(d);
+    if (id != projectionOblique || !isWide(d)) return bounds;
+    const LIMITS horizon = boundsOfCurve(id, d);
+    bounds.widen({horizon.xmin, horizon.ymin});
+    bounds.widen({horizon.xmax, horizon.ymax});
+    return bounds;
+}
+
 // --- from a rectangle back to a domain
 
 // True if the rectangle crosses the seam of a polar map, opposite the centre meridian.
@@ -185,8 +201,7 @@ void ProjectedBounds(double lonMin, double lonMax, double latMin, double latMax,
                      float& vmin, float& vmax)
 {
     const DOMAIN_LIMITS d{lonMin, lonMax, latMin, latMax};
-    const int id = projection().id;
-    const LIMITS bounds = fillsDisc(id, d) || fillsEllipse(id, d) ? boundsOfCurve(id, d) : boundsOfSides(d);
+    const LIMITS bounds = boundsOf(projection().id, d);
     umin = float(bounds.xmin);
     umax = float(bounds.xmax);
     vmin = float(bounds.ymin);

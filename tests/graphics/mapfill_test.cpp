@@ -48,6 +48,8 @@ constexpr EXTENT extents[] = {
     {"ObliqueNearTheEquator", 5, -180, 180, -90, 90, 200, 3},
     {"ObliqueNearThePole", 5, -180, 180, -90, 90, 15, 75},
     {"ObliqueNearTheSouthPole", 5, -180, 180, -90, 90, 300, -70},
+    {"ObliqueHalf", 5, 120, 300, -90, 90, 210, 20},
+    {"ObliqueHalfSouth", 5, 60, 200, -90, 90, 130, -25},
     {"ObliqueRegion", 5, -20, 60, 0, 75, 20, 40},
     {"ObliqueInsideAContinent", 5, 85, 88, 50, 53, 86.5, 51.5},
     {"ObliqueMollweide", 6, -180, 180, -90, 90, 0, 0},

@@ -504,10 +504,33 @@ TEST(MapOutline, ObliqueGlobeIsTheUnitCircle)
     std::vector<float> x(361), y(361);
     for (double lat0 : {-70.0, -10.0, 0.0, 50.0}) {
         const MAPGEOMETRY m = setUp(domain(projectionOblique, -180, 180, -90, 90, 33, lat0));
-        ASSERT_EQ(MapOutline(x, y, m.id, m.lonMin, m.lonMax, m.latMin, m.latMax), 361);
-        for (std::size_t i = 0; i < 361; ++i)
-            EXPECT_NEAR(std::hypot(x[i], y[i]), 1, 2e-3) << lat0 << " " << i;
-        EXPECT_NEAR(x[0], x[360], 1e-4);
+        const auto n =
+            static_cast<std::size_t>(MapOutline(x, y, m.id, m.lonMin, m.lonMax, m.latMin, m.latMax));
+        ASSERT_EQ(n, lat0 == 0 ? 357u : 361u); // half a globe is bounded by its four sides
+        for (std::size_t i = 0; i < n; ++i) EXPECT_NEAR(std::hypot(x[i], y[i]), 1, 2e-3) << lat0 << " " << i;
+        EXPECT_NEAR(x[0], x[n - 1], 1e-4);
+    }
+}
+
+TEST(MapOutline, HalfAnObliqueGlobeReachesItsPole)
+{
+    std::vector<float> x(361), y(361);
+    for (double lat0 : {20.0, -20.0}) {
+        const MAPGEOMETRY m = setUp(domain(projectionOblique, 120, 300, -90, 90, 210, lat0));
+        ASSERT_EQ(m.id, projectionOblique);
+        const double pole = std::cos(20 * std::numbers::pi / 180);
+        EXPECT_NEAR(lat0 > 0 ? m.vmax : -m.vmin, pole, 1e-3) << lat0;
+        EXPECT_NEAR(lat0 > 0 ? m.vmin : -m.vmax, -1, 2e-3) << lat0;
+        EXPECT_NEAR(m.umin, -1, 2e-3) << lat0;
+        EXPECT_NEAR(m.umax, 1, 2e-3) << lat0;
+        const auto n =
+            static_cast<std::size_t>(MapOutline(x, y, m.id, m.lonMin, m.lonMax, m.latMin, m.latMax));
+        ASSERT_EQ(n, 357u);
+        for (std::size_t i = 0; i < n; ++i) {
+            // Up to the equator the edge is the horizon, beyond it the meridian 90 degrees from the centre.
+            const double v = lat0 > 0 ? y[i] : -y[i];
+            EXPECT_NEAR(std::hypot(x[i], v < 0 ? v : v / pole), 1, 2e-3) << lat0 << " " << i;
+        }
     }
 }
 
