@@ -56,6 +56,8 @@ void DrawMapFrame(QPainter* p, std::FILE* ps, const MAPGEOMETRY& map, float font
 
 // Width of the default projection's border, in sizes of the degree labels' font.
 inline constexpr float mapBorderWidth = 0.4f;
+// Between a plot, or its border, and the window's stamp, in font sizes of the stamp.
+inline constexpr double stampGap = 0.25;
 
 // Small vertical label with the main window's title, right of the plot; what stands there is `border` points
 // wide.

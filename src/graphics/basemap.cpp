@@ -4,6 +4,7 @@
 
 #include "graphics/axes.h"
 #include "graphics/palette.h"
+#include "graphics/textsize.h"
 
 namespace graphics {
 
@@ -56,6 +57,15 @@ void writeBackground(std::FILE* ps, const MAPWINDOW& map)
                ps);
 }
 
+// Beside a colour bar the stamp is no larger than the gap in front of the bar allows.
+float stampSize(const MAPWINDOW& map, float base, float border)
+{
+    const float size = stampFont * base;
+    if (!map.colorBar) return size;
+    const double room = mapColorBarGap(map.geometry) * pointsPerCm - border;
+    return std::min(size, static_cast<float>(room / (stampGap + labelHeight * fontSettings().factor)));
+}
+
 // Frame, colour bar and stamp, on either sink.
 void drawSurround(QPainter* p, std::FILE* ps, const BASEMAPCONTEXT& context, const MAPWINDOW& map)
 {
@@ -64,9 +74,10 @@ void drawSurround(QPainter* p, std::FILE* ps, const BASEMAPCONTEXT& context, con
         DrawMapFrame(p, ps, map.geometry, frameFont * base, map.axisColor, map.grid != 0, true);
     if (map.colorBar) DrawMapColorBar(p, ps, map, base);
     const bool bordered = map.axisColor >= 0 && map.geometry.id == projectionDefault;
+    const float border = bordered ? mapBorderWidth * frameFont * base * fontSettings().factor : 0;
     if (!context.title.empty())
-        DrawStamp(p, ps, context.title, stampFont * base, map.axisColor >= 0 ? map.axisColor : colorBlack,
-                  bordered ? mapBorderWidth * frameFont * base : 0);
+        DrawStamp(p, ps, context.title, stampSize(map, base, border),
+                  map.axisColor >= 0 ? map.axisColor : colorBlack, border);
 }
 
 } // namespace

@@ -58,6 +58,8 @@ void PsBaseMap2(std::FILE* ps, const BASEMAPCONTEXT& context, MAPWINDOW& map);
 void PsBaseMap3(std::FILE* ps, const BASEMAPCONTEXT& context, MAPWINDOW& map);
 // One box for each bathymetry and topography entry, right of the map. `fontSize` is the window's, in points.
 void DrawMapColorBar(QPainter* p, std::FILE* ps, const MAPWINDOW& map, float fontSize);
+// Between the map and its bar, cm.
+[[nodiscard]] double mapColorBarGap(const MAPGEOMETRY& g);
 
 // The overlay grid of PostScript base map geometry: whole numbers 0 to 5000 across each axis of the map.
 inline constexpr int overlayGrid = 5000;

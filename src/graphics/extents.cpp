@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "graphics/axes.h"
 #include "graphics/mapplot.h"
 #include "graphics/preparewindow.h"
 #include "graphics/textsize.h"
@@ -12,7 +13,7 @@ namespace graphics {
 namespace {
 
 constexpr double barGap = 0.35, barWidth = 0.35, leastBar = 0.03; // cm, and share of the plot's width
-constexpr double axisShare = 0.9, stampShare = 0.65, stampGap = 0.25, barShare = 0.85, mapShare = 0.84;
+constexpr double axisShare = 0.9, stampShare = 0.65, barShare = 0.85, mapShare = 0.84;
 constexpr double smallestBarFont = 5.5;
 constexpr double ticLength = 1.25 * widthOfW, ticsToYLabel = 1.95 * ticLength; // sizes of the numbers' font
 constexpr double xLabelDistance = 2.0;                                         // base font sizes

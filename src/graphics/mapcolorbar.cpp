@@ -53,7 +53,7 @@ struct BARSHAPE {
 BARSHAPE shapeOf(const MAPGEOMETRY& g, std::size_t boxes, float fontSize)
 {
     const float width = g.umax - g.umin;
-    const float gap = std::max(gapCm / g.xlen, smallestGap) * width;
+    const float gap = static_cast<float>(mapColorBarGap(g)) / g.xlen * width;
     float font = std::max(0.75f * fontSize, smallestFont);
     if (boxes > manyBoxes) font *= 0.75f;
     return {g.umax + gap, g.umax + 2 * gap, g.vmin, (g.vmax - g.vmin) / float(boxes), font};
@@ -84,6 +84,11 @@ void drawLabel(QPainter* p, std::FILE* ps, const BARSHAPE& s, const std::string&
 }
 
 } // namespace
+
+double mapColorBarGap(const MAPGEOMETRY& g)
+{
+    return std::max(gapCm, smallestGap * g.xlen);
+}
 
 void DrawMapColorBar(QPainter* p, std::FILE* ps, const MAPWINDOW& map, float fontSize)
 {

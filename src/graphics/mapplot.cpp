@@ -11,6 +11,7 @@
 #include "graphics/palette.h"
 #include "graphics/preparewindow.h"
 #include "graphics/pstext.h"
+#include "graphics/textsize.h"
 #include "selection/criteria.h"
 #include "selection/selectedlist.h"
 
@@ -26,8 +27,7 @@ constexpr const char* noStationText = "No Valid Station Found!\n\nUse\n Configur
                                       "Map from the Map-Menu.";
 constexpr float markSize = 0.23f;     // cm, symbols of the plotted stations
 constexpr float psDotShare = 1.3f;    // of the dot size, of dots in PostScript
-constexpr int labelOrigin = 6;        // a station's label stands to the upper right of its dot
-constexpr float labelShiftX = 0.075f; // of the dot size, cm
+constexpr float labelShiftX = 0.075f; // of the dot size, cm, from a dot to its label
 constexpr float labelShiftY = 0.025f;
 
 selection::MAPDOMAIN domainOf(const MAPGEOMETRY& map)
@@ -149,20 +149,40 @@ std::string stationLabel(PLOTCONTEXT& context, int number)
     return std::string(common::fieldText(header.cruise)) + " " + station;
 }
 
+struct LABELPLACE {
+    int lorg;
+    float dx, dy; // from the dot, cm
+};
+constexpr int upperRight = 6, upperLeft = 4, lowerRight = 5, lowerLeft = 3; // label origins, seen from a dot
+
+// To the upper right of a dot, unless the map's right or upper edge is too near.
+LABELPLACE labelPlace(const MAPWINDOW& map, const std::string& label, float u, float v)
+{
+    const MAPGEOMETRY& g = map.geometry;
+    const float right = (g.umax - u) / (g.umax - g.umin) * g.xlen;
+    const float top = (g.vmax - v) / (g.vmax - g.vmin) * g.ylen;
+    const float dx = labelShiftX * map.dotSize, dy = labelShiftY * map.dotSize;
+    const bool west = dx + textCm(textWidth(label) * map.annotationSize) > right;
+    const bool south = dy + textCm(labelHeight * map.annotationSize) > top;
+    if (south) return {west ? lowerLeft : lowerRight, west ? -dx : dx, -dy};
+    return {west ? upperLeft : upperRight, west ? -dx : dx, dy};
+}
+
 void paintStationLabels(QPainter* p, PLOTCONTEXT& context)
 {
     const MAPWINDOW& map = context.setup.map;
     if (map.annotation == 0) return;
-    const float dx = labelShiftX * map.dotSize * usrSys().x.unitsPerCm;
-    const float dy = labelShiftY * map.dotSize * usrSys().y.unitsPerCm;
     SetClip(p, false);
     SetColor(p, colorBlack);
     SelectFont(p, 1, map.annotationSize);
-    SetLabelOrigin(p, labelOrigin);
     float x = 0, y = 0;
     for (const SELECTEDSTATION& station : selection::readSelectedList(context.collection)) {
         if (!placeOf(station, x, y)) continue;
-        DrawLabel(p, nullptr, stationLabel(context, station.number), x + dx, y + dy, 0, map.annotationSize);
+        const std::string label = stationLabel(context, station.number);
+        const LABELPLACE place = labelPlace(map, label, x, y);
+        SetLabelOrigin(p, place.lorg);
+        DrawLabel(p, nullptr, label, x + place.dx * usrSys().x.unitsPerCm,
+                  y + place.dy * usrSys().y.unitsPerCm, 0, map.annotationSize);
     }
     SetClip(p, true);
 }
@@ -280,15 +300,19 @@ void writePsLabels(std::FILE* ps, PLOTCONTEXT& context, std::span<const SELECTED
 {
     const MAPWINDOW& map = context.setup.map;
     if (map.annotation == 0) return;
-    const int dx = static_cast<int>(labelShiftX * map.dotSize / map.geometry.xlen * overlayGrid);
-    const int dy = static_cast<int>(labelShiftY * map.dotSize / map.geometry.ylen * overlayGrid);
+    const MAPGEOMETRY& g = map.geometry;
+    int lorg = upperRight;
     std::fprintf(ps, "0 setgray\n%d SetMyFont /fill? false def /lorg %d def\n",
-                 static_cast<int>(std::lround(map.annotationSize)), labelOrigin);
-    int x = 0, y = 0;
+                 static_cast<int>(std::lround(map.annotationSize)), lorg);
+    float u = 0, v = 0;
     for (const SELECTEDSTATION& station : stations) {
-        if (!gridPlace(map.geometry, station, x, y)) continue;
-        std::fprintf(ps, "(%s) %d %d showstring\n", psString(stationLabel(context, station.number)).c_str(),
-                     x + dx, y + dy);
+        if (!placeOf(station, u, v)) continue;
+        const std::string label = stationLabel(context, station.number);
+        const LABELPLACE place = labelPlace(map, label, u, v);
+        if (place.lorg != lorg) std::fprintf(ps, "/lorg %d def\n", lorg = place.lorg);
+        std::fprintf(ps, "(%s) %d %d showstring\n", psString(label).c_str(),
+                     overlayX(g, u) + static_cast<int>(place.dx / g.xlen * overlayGrid),
+                     overlayY(g, v) + static_cast<int>(place.dy / g.ylen * overlayGrid));
     }
     std::fputs("/lorg 0 def\n", ps);
 }

@@ -10,7 +10,6 @@
 namespace graphics {
 namespace {
 
-constexpr double stampGap = 0.25; // right of the plot, in font sizes
 constexpr float textPoints = 7, initialPoints = 11.6f;
 constexpr double lineStep = 1.3;                 // in units of textPoints
 constexpr double initialBoxWidth = 1.3;          // in units of initialPoints

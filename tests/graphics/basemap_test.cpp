@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <gtest/gtest.h>
 
 #include "common/text.h"
@@ -253,6 +255,39 @@ TEST_F(BaseMap, ColourBarOfNothingIsNothing)
     MAPWINDOW m = globe();
     for (auto& list : m.layers) list.clear();
     EXPECT_EQ(files.written([&m](std::FILE* ps) { DrawMapColorBar(nullptr, ps, m, 10); }), "");
+}
+
+TEST_F(BaseMap, StampStandsInFrontOfTheColourBar)
+{
+    for (const float factor : {0.85f, 1.0f, 1.3f}) {
+        MAPWINDOW m = files.map(0, -60, -23, -70, 70);
+        setDefaultLayers(m, files.installation);
+        m.axisColor = colorBlack;
+        m.colorBar = 1;
+        const float before = std::exchange(fontSettings().factor, factor);
+        const auto paint = [&](const char* title) {
+            QImage image = files.paper(60);
+            QPainter p(&image);
+            BASEMAPCONTEXT c = files.context();
+            c.title = title;
+            BaseMapBack(&p, c, m);
+            BaseMapTop(&p, c, m);
+            return image;
+        };
+        const QImage with = paint("Title"), without = paint("");
+        fontSettings().factor = before;
+        const int bar = int((m.geometry.xorg + m.geometry.xlen + mapColorBarGap(m.geometry)) * 60);
+        int ink = 0;
+        for (int x = 0; x < with.width(); ++x) {
+            for (int y = 0; y < with.height(); ++y) {
+                if (with.pixel(x, y) == without.pixel(x, y)) continue;
+                ++ink;
+                EXPECT_GT(x, m.plotRect[2]);
+                EXPECT_LT(x, bar) << factor;
+            }
+        }
+        EXPECT_GT(ink, 20) << factor;
+    }
 }
 
 TEST_F(BaseMap, ColourBarIsPaintedRightOfTheMap)

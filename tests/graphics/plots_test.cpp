@@ -505,6 +505,35 @@ TEST(MapPlot, StationLabelsByTheAnnotationMode)
               pixelsOtherThan(plain.image, f.mapArea(), qRgb(255, 255, 255)) + 100);
 }
 
+TEST(MapPlot, StationLabelsStayOnTheMap)
+{
+    MAPFIXTURE f; // ten stations from 60 S to 60 N along 25 W
+    f.setup.map.geometry.lonMin = -90;
+    f.setup.map.geometry.lonMax = -22;
+    f.setup.map.geometry.latMin = -80;
+    f.setup.map.geometry.latMax = 62;
+    RTestCanvas plain, labelled;
+    PlotMap(&plain.painter, f.c, true);
+    f.setup.map.annotation = 2;
+    PlotMap(&labelled.painter, f.c, true);
+    int inside = 0;
+    for (int y = 0; y < plain.image.height(); ++y) {
+        for (int x = 0; x < plain.image.width(); ++x) {
+            if (plain.image.pixel(x, y) == labelled.image.pixel(x, y)) continue;
+            ++inside;
+            EXPECT_TRUE(f.mapArea().contains(x, y)) << x << ' ' << y;
+        }
+    }
+    EXPECT_GT(inside, 500);
+    const std::string ps = f.postScript();
+    EXPECT_NE(ps.find("/lorg 4 def\n(A16 1) "), std::string::npos);
+    EXPECT_NE(ps.find("/lorg 3 def\n(A16 10) "), std::string::npos);
+    f.setup.map.geometry.lonMin = -90; // they were brought into 0 to 360
+    f.setup.map.geometry.lonMax = 20;
+    f.setup.map.toDraw = 1;
+    EXPECT_NE(f.postScript().find("/lorg 5 def\n(A16 10) "), std::string::npos);
+}
+
 TEST(MapPlot, RefreshingBuildsTheListOnlyForAMapThatIsToBeDrawn)
 {
     MAPFIXTURE f;
