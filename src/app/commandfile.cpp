@@ -12,6 +12,8 @@ namespace app {
 namespace {
 
 constexpr int maxFields = 50;
+constexpr float smallestRange = 1e-30f; // below it a scale in a picture would pass the largest number
+constexpr double largestDot = 100;
 using Fields = std::span<const std::string_view>;
 
 // What became of a line.
@@ -66,6 +68,7 @@ public:
         const RANGE both{static_cast<float>(number(i, name + " minimum")),
                          static_cast<float>(number(i + 1, name + " maximum"))};
         if (!(both.first < both.second)) complain(name + " minimum must be below " + name + " maximum");
+        if (both.second - both.first < smallestRange) complain(name + " minimum and maximum are too close");
         return both;
     }
     void complain(std::string_view what)
@@ -127,6 +130,8 @@ std::string runSetStyle(Fields fields, RCommandTarget& target)
     WINDOWSTYLE style{reader.integer(0, "window"), reader.integer(1, "plot style"), {}};
     if (fields.size() == 3) style.dotSize = static_cast<float>(reader.number(2, "dot size"));
     if (style.dotSize && !(*style.dotSize >= 0)) reader.complain("dot size is below 0");
+    if (style.dotSize && *style.dotSize > largestDot)
+        reader.complain(common::format("dot size is above %g", largestDot));
     return reader.wrong().empty() ? target.setStyle(style) : reader.wrong();
 }
 
@@ -193,6 +198,11 @@ constexpr auto wordRows = std::to_array<WORDROW>({
     {"set_import", true, 1, maxFields, runSetImport},
 });
 
+std::string fieldCount(int count)
+{
+    return common::format(count == 1 ? "%d field" : "%d fields", count);
+}
+
 std::vector<std::string_view> splitArguments(std::string_view text, bool list)
 {
     text = common::trimBlanks(text);
@@ -211,11 +221,9 @@ OUTCOME runWordRow(const WORDROW& row, std::string_view rest, RCommandTarget& ta
 {
     const std::vector<std::string_view> fields = splitArguments(rest, row.list);
     const int count = static_cast<int>(std::min<std::size_t>(fields.size(), 1000));
-    const std::string word(row.word);
-    if (count < row.fewest)
-        return {true, common::format("%s needs %d fields, not %d", word.c_str(), row.fewest, count)};
-    if (count > row.most)
-        return {true, common::format("%s takes %d fields, not %d", word.c_str(), row.most, count)};
+    const std::string word(row.word), but = ", not " + std::to_string(count);
+    if (count < row.fewest) return {true, word + " needs " + fieldCount(row.fewest) + but};
+    if (count > row.most) return {true, word + " takes " + fieldCount(row.most) + but};
     std::string wrong = row.run(fields, target);
     if (wrong.empty()) return {};
     return {true, word + ": " + wrong};

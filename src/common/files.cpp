@@ -30,6 +30,22 @@ std::string realTarget(const std::string& path)
     return error ? path : target.string();
 }
 
+// A pipe that stands under the name of a file would make the open wait for its other end, perhaps for ever.
+// Those of /dev are the program's own, such as a command file that comes from a shell.
+bool isForeignPipe(const std::string& path)
+{
+    std::error_code error;
+    return !path.starts_with("/dev/") && fs::is_fifo(path, error);
+}
+
+// Nothing stands there, or an ordinary file: a device, a pipe or a folder is never taken away for a file.
+bool isReplaceable(const std::string& path)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    return !fs::exists(status) || fs::is_regular_file(status);
+}
+
 bool syncToDisk(std::FILE* file)
 {
     return ::fsync(::fileno(file)) == 0 || errno == EINVAL || errno == ENOTSUP;
@@ -39,6 +55,7 @@ bool syncToDisk(std::FILE* file)
 
 FilePtr openFile(const std::string& path, const char* mode)
 {
+    if (isForeignPipe(path)) return {};
     FilePtr file(std::fopen(path.c_str(), mode));
     std::error_code error;
     if (file && fs::is_directory(path, error)) file.reset(); // fopen reads directories
@@ -114,7 +131,8 @@ bool copyFile(const std::string& source, const std::string& target)
 }
 
 RReplacementFile::RReplacementFile(std::string path)
-    : path_(realTarget(path)), temporary_(temporaryName(path_)), file_(openFile(temporary_, "wbx"))
+    : path_(realTarget(path)), temporary_(temporaryName(path_)),
+      file_(isReplaceable(path) ? openFile(temporary_, "wbx") : FilePtr())
 {
 }
 

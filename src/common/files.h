@@ -41,7 +41,8 @@ public:
     RReplacementFile(const RReplacementFile&) = delete;
     RReplacementFile& operator=(const RReplacementFile&) = delete;
 
-    [[nodiscard]] std::FILE* stream() const { return file_.get(); } // null if it could not be created
+    // Null if it could not be created, or if something other than an ordinary file stands in the place.
+    [[nodiscard]] std::FILE* stream() const { return file_.get(); }
     // Flushes, checks for write errors, renames. False on any failure, and then nothing was changed.
     [[nodiscard]] bool commit();
 

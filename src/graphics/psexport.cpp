@@ -100,7 +100,9 @@ public:
     [[nodiscard]] bool canBeMade() const
     {
         const std::string directory = common::splitPath(common::absolutePath(target_)).directory;
-        if (common::directoryExists(target_) || !common::directoryIsWritable(directory)) return false;
+        if (!common::directoryIsWritable(directory)) return false;
+        std::error_code error; // what stands there and is no ordinary file, such as a device, stays
+        if (std::filesystem::exists(target_, error) && !common::fileExists(target_)) return false;
         return !common::fileExists(target_) || common::isWritable(target_);
     }
     [[nodiscard]] std::FILE* open(const PLOTCONTEXT& context, const std::string& header,

@@ -15,7 +15,8 @@ struct RANGE {
     float low = 1.0e10f, high = -1.0e10f;
     [[nodiscard]] bool found() const { return low <= high; }
 };
-using RANGES = std::array<RANGE, 51>; // by variable number
+constexpr float largestPlotted = 1.0e30f; // beyond it the arithmetic of the axes would overflow
+using RANGES = std::array<RANGE, 51>;     // by variable number
 
 void widen(RANGE& range, const collection::STATIONDATA& station, int variable)
 {
@@ -23,7 +24,7 @@ void widen(RANGE& range, const collection::STATIONDATA& station, int variable)
     if (offset < 0) return;
     const float* const first = station.values.get() + offset;
     for (const float* value = first; value != first + station.levels(); ++value) {
-        if (*value == common::MISSING_VALUE || !std::isfinite(*value)) continue;
+        if (*value == common::MISSING_VALUE || !(std::abs(*value) <= largestPlotted)) continue;
         range.low = std::min(range.low, *value);
         range.high = std::max(range.high, *value);
     }

@@ -259,7 +259,7 @@ TEST(CommandFile, SetMode)
     const RRun r = run("set_mode PIE\nquit\n");
     EXPECT_FALSE(r.complete);
     EXPECT_THAT(r.notes, ElementsAre("run.cmd:1: set_mode: there is no mode \"PIE\""));
-    EXPECT_THAT(run("set_mode").notes, ElementsAre("run.cmd:1: set_mode needs 1 fields, not 0"));
+    EXPECT_THAT(run("set_mode").notes, ElementsAre("run.cmd:1: set_mode needs 1 field, not 0"));
 }
 
 TEST(CommandFile, SetWindow)
@@ -283,6 +283,9 @@ TEST(CommandFile, SetRange)
                 ElementsAre("run.cmd:1: set_range: y minimum \"nan\" doesn't read as a number"));
     EXPECT_FALSE(run("set_range 1,0,1,0,1,5").complete);
     EXPECT_FALSE(run("set_range 1,0,1e30,0,1").complete);
+    EXPECT_TRUE(run("set_range 1,0,1e-29,0,1").complete);
+    EXPECT_THAT(run("set_range 1,0,1,0,1e-38").notes,
+                ElementsAre("run.cmd:1: set_range: y minimum and maximum are too close"));
     EXPECT_FALSE(run("set_range 1,0,,0,1").complete);
 }
 
@@ -297,6 +300,8 @@ TEST(CommandFile, SetStyle)
     EXPECT_THAT(run("set_style 1,0\nset_style 2,4,1.5").recorder.calls,
                 ElementsAre("style 1 0 -1", "style 2 4 1.5"));
     EXPECT_FALSE(run("set_style 1,0,-1").complete);
+    EXPECT_TRUE(run("set_style 1,0,100").complete);
+    EXPECT_THAT(run("set_style 1,0,1e9").notes, ElementsAre("run.cmd:1: set_style: dot size is above 100"));
 }
 
 TEST(CommandFile, SetPalette)
@@ -329,6 +334,13 @@ TEST(CommandFile, SetImport)
     EXPECT_FALSE(run("set_import overwrite").complete);
     EXPECT_FALSE(run("set_import mode=1").complete);
     EXPECT_FALSE(run("set_import overwrite=maybe").complete);
+}
+
+TEST(CommandFile, WrongNumberOfFieldsIsTold)
+{
+    EXPECT_THAT(run("set_mode").notes, ElementsAre("run.cmd:1: set_mode needs 1 field, not 0"));
+    EXPECT_THAT(run("set_window 1,2").notes, ElementsAre("run.cmd:1: set_window needs 3 fields, not 2"));
+    EXPECT_THAT(run("full_range 1,2").notes, ElementsAre("run.cmd:1: full_range takes 1 field, not 2"));
 }
 
 TEST(CommandFile, WhatATargetFindsWrongEndsTheFile)

@@ -366,6 +366,79 @@ TEST_F(Program, DirectoriesAndDevicesAreNoCollections)
     }
 }
 
+TEST_F(Program, PipesUnderTheNamesOfItsFilesNeverBlock)
+{
+    makeCollection();
+    for (const char* const suffix : {".hob", ".dob", ".inv", ".cid", ".cfl", ".var"}) {
+        fs::remove(file("run.cmd"));
+        const fs::path name = file(std::string("cast") + suffix), kept = file("kept");
+        fs::rename(name, kept);
+        ASSERT_EQ(::mkfifo(name.c_str(), 0666), 0);
+        const bool needed =
+            suffix != std::string(".inv") && suffix != std::string(".cid") && suffix != std::string(".cfl");
+        EXPECT_EQ(commands("open_collection cast.var\n").code, needed ? 1 : 0) << suffix;
+        fs::remove(name);
+        fs::rename(kept, name);
+    }
+}
+
+TEST_F(Program, DevicesPipesAndLinksToThemAreNeverReplaced)
+{
+    makeCollection();
+    ASSERT_EQ(::mkfifo(file("pipe.txt").c_str(), 0666), 0);
+    ASSERT_EQ(::mkfifo(file("pipe.png").c_str(), 0666), 0);
+    ASSERT_EQ(::mkfifo(file("pipe.eps").c_str(), 0666), 0);
+    fs::create_symlink(file("pipe.txt"), file("link.txt"));
+    for (const char* const line : {"export_data pipe.txt", "export_data link.txt",
+                                   "export_graphics 0,pipe.png,20", "export_graphics 0,pipe.eps,20"}) {
+        const RUN r = commands(std::string("open_collection cast.var\n") + line + "\n");
+        EXPECT_EQ(r.code, 1) << line;
+        EXPECT_THAT(r.error, HasSubstr("run.cmd:2: ")) << line;
+    }
+    for (const char* const name : {"pipe.txt", "pipe.png", "pipe.eps"}) EXPECT_TRUE(fs::is_fifo(file(name)));
+    EXPECT_TRUE(fs::is_symlink(file("link.txt")));
+}
+
+TEST_F(Program, FilesOfTheOpenCollectionAreNoPlaceForAnExport)
+{
+    makeCollection();
+    const std::string before = collectionBytes() + read("cast.inv") + read("cast.log");
+    fs::create_symlink(file("cast.dob"), file("alias.txt"));
+    for (const char* const name :
+         {"cast.var", "./cast.hob", "cast.dob", "cast.inv", "cast.log", "alias.txt"}) {
+        const RUN r = commands(std::string("open_collection cast.var\nexport_data ") + name + "\n");
+        EXPECT_EQ(r.code, 1) << name;
+        EXPECT_THAT(r.error, HasSubstr("is a file of the open collection")) << name;
+    }
+    EXPECT_EQ(collectionBytes() + read("cast.inv") + read("cast.log"), before);
+}
+
+TEST_F(Program, PipeAsALogDoesNotBlockAnImport)
+{
+    makeCollection();
+    fs::remove(file("cast.log"));
+    ASSERT_EQ(::mkfifo(file("cast.log").c_str(), 0666), 0);
+    fs::copy_file(file("cast.txt"), file("more.txt"));
+    EXPECT_NE(commands("open_collection cast.var\nopen_collection more.txt\n").code, -1);
+}
+
+TEST_F(Program, ValuesThatNoAxisCanHoldDoNotSpoilThePage)
+{
+    std::string text = castText(2, 3);
+    for (std::size_t at = 0; (at = text.find("\t19\t", at)) != std::string::npos;)
+        text.replace(at, 4, "\t-1e38\t");
+    for (std::size_t at = 0; (at = text.find("\t18\t", at)) != std::string::npos;)
+        text.replace(at, 4, "\t3e38\t");
+    writeText(file("huge.txt"), text);
+    const RUN r = commands("open_collection huge.txt\nset_mode SCATTER\nset_window 1,2,1\n"
+                           "export_graphics -1,huge.eps,0\n");
+    EXPECT_EQ(r.code, 0) << r.error;
+    const std::string page = read("huge.eps");
+    EXPECT_THAT(page, HasSubstr("rotatedText"));
+    EXPECT_THAT(page, Not(HasSubstr("inf ")));
+    EXPECT_THAT(page, Not(HasSubstr("nan ")));
+}
+
 TEST_F(Program, EmptyAndSenselessSpreadsheetsAreToldAndMakeNothing)
 {
     for (const std::string& content : {std::string(), std::string("\n\n\n"), std::string("hello\n"),
