@@ -161,8 +161,11 @@ bool RReplacementFile::commit()
 bool writeFile(const std::string& path, std::string_view bytes)
 {
     RReplacementFile file(path);
-    return file.stream() && std::fwrite(bytes.data(), 1, bytes.size(), file.stream()) == bytes.size() &&
-           file.commit();
+    if (!file.stream()) return false;
+    // An empty text may have no address, which fwrite must not be given.
+    const bool written =
+        bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file.stream()) == bytes.size();
+    return written && file.commit();
 }
 
 PATHPARTS splitPath(std::string_view path)

@@ -77,9 +77,7 @@ bool save(const QImage& image, Format format, const std::string& path)
 {
     if (format == Format::gif) return writeGif(image, path);
     const std::string bytes = encodeImage(image, format == Format::png ? "PNG" : "JPEG");
-    common::RReplacementFile file(path);
-    return !bytes.empty() && file.stream() &&
-           std::fwrite(bytes.data(), 1, bytes.size(), file.stream()) == bytes.size() && file.commit();
+    return !bytes.empty() && common::writeFile(path, bytes);
 }
 
 // The part of the picture that shows `window`.

@@ -298,9 +298,7 @@ std::string encodeImage(const QImage& image, const char* format)
 bool writeGif(const QImage& image, const std::string& path)
 {
     const std::string bytes = encodeGif(image);
-    common::RReplacementFile file(path);
-    return !bytes.empty() && file.stream() &&
-           std::fwrite(bytes.data(), 1, bytes.size(), file.stream()) == bytes.size() && file.commit();
+    return !bytes.empty() && common::writeFile(path, bytes);
 }
 
 } // namespace graphics
