@@ -7,6 +7,7 @@
 namespace collection {
 namespace {
 
+constexpr int variableLine = 7; // of variable 1
 constexpr std::size_t valueColumn = 12, formatColumn = 60;
 constexpr std::int64_t largestDescription = 1 << 20; // a full one has about 4 kB
 
@@ -87,8 +88,10 @@ VarFileResult parseVarFile(std::string_view bytes, VARDESCRIPTION& out, VARFAULT
     }
     static_cast<void>(common::takeLine(bytes));
     for (int v = 0; v < common::variableSlots; ++v) {
+        const bool counted = v >= 1 && v <= read.variableCount;
+        if (counted && !bytes.empty()) read.describedCount = v;
         read.variables[static_cast<std::size_t>(v)] =
-            v >= 1 && v <= read.variableCount ? readVariable(common::takeLine(bytes), v) : emptyVariable(v);
+            counted ? readVariable(common::takeLine(bytes), v) : emptyVariable(v);
     }
     out = std::move(read);
     return VarFileResult::ok;
@@ -129,6 +132,11 @@ VarFileResult RCollection::readVarFile(const std::string& file, std::string_view
                             ? fault.text
                             : common::format("%s:%d: %s", varFile.c_str(), fault.line, fault.text.c_str()));
         return VarFileResult::badFormat;
+    }
+    if (description.describedCount < description.variableCount) {
+        user.note(common::format("%s: ends before line %d; variables %d to %d have no label", varFile.c_str(),
+                                 variableLine + description.describedCount, description.describedCount + 1,
+                                 description.variableCount));
     }
     directory = common::splitPath(varFile).directory;
     name = std::move(description.name);

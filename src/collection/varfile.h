@@ -13,6 +13,7 @@ namespace collection {
 struct VARDESCRIPTION {
     std::string name, type;
     int stationCount = 0, variableCount = 0;
+    int describedCount = 0; // variables that have a line; the others have empty labels
     std::array<VARINFO, common::variableSlots> variables{}; // 1 to variableCount
 };
 

@@ -165,6 +165,18 @@ TEST(ParseVarFile, FewerLinesThanVariablesLeaveEmptyLabels)
     EXPECT_EQ(out.variables[3].width, 3);
 }
 
+TEST(ReadVarFile, ADescriptionWithoutItsLastLinesIsTold)
+{
+    const testing_support::RTemporaryDirectory directory;
+    testing_support::RScriptedUser user;
+    ASSERT_TRUE(common::writeFile(directory.file("a.var"), head("a", "1", "3") + line("Depth [m]", " 8.2")));
+    RCollection collection;
+    EXPECT_EQ(collection.readVarFile(directory.file("a.var"), "", user), VarFileResult::ok);
+    ASSERT_EQ(user.notes.size(), 1u);
+    EXPECT_EQ(user.notes[0],
+              directory.file("a.var") + ": ends before line 8; variables 2 to 3 have no label");
+}
+
 TEST(ParseVarFile, CutAtEveryLengthIsRefusedOrReadsAPart)
 {
     const std::size_t counted = head("abc", "12", "2").find("Variables: 2") + 12;
