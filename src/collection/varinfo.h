@@ -31,7 +31,7 @@ struct VARINFO {
     std::int32_t assoc;       // source side: 0 not associated, else the target variable
     std::int32_t assocSource; // target side: 0 no source, -1 the default value, else the source variable
     std::int32_t column;      // column or slot of the variable in the file
-    std::int32_t qfColumn; // column of its quality flags, 0 none
+    std::int32_t qfColumn;    // column of its quality flags, 0 none
     float scale, offset;      // conversion: y = scale x + offset; offset MISSING_VALUE marks a special one
     float defaultValue;       // target side, used where assocSource is -1
 };

@@ -20,8 +20,9 @@
 
 namespace graphics {
 
-// The map of the canvas with its dots, so that frame and marks can be drawn on it again without the layers. It
-// says nothing of the domain that it shows: who changes the domain or a layer marks the map as to be drawn.
+// The map of the canvas with its dots, so that frame and marks can be drawn on it again without the layers.
+// It says nothing of the domain that it shows: who changes the domain or a layer marks the map as to be
+// drawn.
 struct MAPCACHE {
     QImage picture; // null if there is none
     QRect area;     // where it belongs, pixels

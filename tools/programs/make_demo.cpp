@@ -45,6 +45,7 @@ int main(int argc, char** argv)
         makeDirectory(directory) && write(directory + "README.txt", about) &&
         write(directory + "atlantic_section.txt",
               spreadsheet(*climatology, *relief, meridian(-25.5, -74.5, 66.5), "Gridded mean 25.5 W")) &&
-        write(directory + "global_means.txt", spreadsheet(*climatology, *relief, globe(5), "Gridded mean globe"));
+        write(directory + "global_means.txt",
+              spreadsheet(*climatology, *relief, globe(5), "Gridded mean globe"));
     return written ? 0 : fail(name, directory + ": can't be written");
 }
