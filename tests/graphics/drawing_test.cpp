@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "graphics/drawing.h"
+#include "graphics/drawingfixture.h"
 #include "graphics/palette.h"
 #include "graphics/plotpictures.h"
 #include "graphics/projection.h"
@@ -20,27 +21,13 @@ using namespace graphics;
 using namespace testing_support;
 using common::MISSING_VALUE;
 
-// Every test begins with the state of a fresh process, and leaves the state as it found it.
-class Drawing : public testing::Test {
+class Drawing : public RDrawingTest {
 protected:
     void SetUp() override
     {
-        drawState() = DRAWSTATE{};
-        fontSettings() = FONTSETTINGS{};
+        RDrawingTest::SetUp();
         SetUsrSys(0, 10, 10, 1, 0, 10, 10, 1);
-        LoadPalette("no such palette");
     }
-    void TearDown() override
-    {
-        drawState() = state_;
-        fontSettings() = fonts_;
-        usrSys() = usr_;
-    }
-
-private:
-    DRAWSTATE state_ = drawState();
-    FONTSETTINGS fonts_ = fontSettings();
-    USRSYS usr_ = usrSys();
 };
 
 std::vector<float> repeated(std::size_t n, float value)

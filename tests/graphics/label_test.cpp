@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "graphics/drawing.h"
+#include "graphics/drawingfixture.h"
 #include "graphics/labelfonts.h"
 #include "graphics/labeltext.h"
 #include "graphics/palette.h"
@@ -18,26 +19,13 @@ namespace {
 using namespace graphics;
 using namespace testing_support;
 
-class Label : public testing::Test {
+class Label : public RDrawingTest {
 protected:
     void SetUp() override
     {
-        drawState() = DRAWSTATE{};
-        fontSettings() = FONTSETTINGS{};
+        RDrawingTest::SetUp();
         SetUsrSys(0, 29, 29, 0, 0, 20.2f, 20.2f, 0);
-        LoadPalette("no such palette");
     }
-    void TearDown() override
-    {
-        drawState() = state_;
-        fontSettings() = fonts_;
-        usrSys() = usr_;
-    }
-
-private:
-    DRAWSTATE state_ = drawState();
-    FONTSETTINGS fonts_ = fontSettings();
-    USRSYS usr_ = usrSys();
 };
 
 std::u32string letters(std::string_view text)
