@@ -54,7 +54,7 @@ inline bool createCollection(collection::RCollection& collection, const std::str
     }
     for (const char* const suffix : {".hob", ".dob", ".inv", ".cid"})
         std::remove((collection.path + suffix).c_str());
-    return collection.createEmptyFiles("bench", "bench") &&
+    return collection.createEmptyFiles() &&
            collection.openStationFiles(collection.path, user) == collection::OpenFilesResult::ok;
 }
 

@@ -32,7 +32,7 @@ public:
                                  common::format("Variable %d", v));
         }
         collection.makeTempId();
-        good = collection.createEmptyFiles("bench", "host") &&
+        good = collection.createEmptyFiles() &&
                collection.openStationFiles(collection.path, user) == collection::OpenFilesResult::ok &&
                collection.openTemporaryFiles();
         for (int n = 1; good && n <= stations; ++n) good = put(n);

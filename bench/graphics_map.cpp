@@ -72,7 +72,7 @@ public:
         collection.variableCount = collection.totalVariableCount = 2;
         collection::setLabel(collection.variables[1], "Depth [m]");
         collection::setLabel(collection.variables[2], "Temperature [C]");
-        complete = collection.createEmptyFiles("user", "host") &&
+        complete = collection.createEmptyFiles() &&
                    collection.openStationFiles(collection.path, user) == collection::OpenFilesResult::ok &&
                    write(stations) && collection.openTemporaryFiles();
     }

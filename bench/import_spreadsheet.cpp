@@ -155,7 +155,7 @@ void BM_import(benchmark::State& state)
         importing::IMPORTOPTIONS options;
         options.header.emplace();
         const bool made = importing::spreadsheetVariables(path, nullptr, target, *options.header, user) &&
-                          target.createEmptyFiles("bench", "host") &&
+                          target.createEmptyFiles() &&
                           target.openStationFiles(target.path, user) == collection::OpenFilesResult::ok;
         const auto result = importing::importSpreadsheet(target, station, path, options, user);
         if (!made || result.stationsStored != state.range(0) / levelsAStation)

@@ -89,13 +89,15 @@ public:
         target.path = directory.path() + name;
         target.tempDirectory = directory.path();
         target.writable = true;
+        target.userName = "user";
+        target.hostName = "host";
         target.variableCount = target.totalVariableCount = variables;
         for (int v = 1; v <= variables; ++v) {
             collection::VARINFO& variable = target.variables.at(static_cast<std::size_t>(v));
             variable = collection::emptyVariable(v);
             collection::setLabel(variable, v <= 4 ? labels[v - 1] : "Tracer " + std::to_string(v) + " [1]");
         }
-        EXPECT_TRUE(target.createEmptyFiles("user", "host"));
+        EXPECT_TRUE(target.createEmptyFiles());
     }
 
     // Appends (or stores at `number`) and says what the writer said.

@@ -79,6 +79,8 @@ bool RSession::setNames(const std::string& path)
     collection.path = collection.directory + collection.name;
     collection.configName = collection.path;
     collection.tempDirectory = installation.temp;
+    collection.userName = installation.user;
+    collection.hostName = installation.host;
     collection.makeTempId();
     std::error_code ignored;
     std::filesystem::current_path(collection.directory, ignored);
@@ -171,7 +173,7 @@ OpenResult RSession::importAsNew(const std::string& path)
     const std::string target = collection.path + ".var";
     const bool replaces = common::fileExists(target);
     RCollectionBackup backup(collection.path);
-    if (!backup.moved() || !collection.createEmptyFiles(installation.user, installation.host)) {
+    if (!backup.moved() || !collection.createEmptyFiles()) {
         user_.about(importTitle, "Collection " + target + " could not be made!");
         abandon();
         return OpenResult::failed;
@@ -192,8 +194,6 @@ OpenResult RSession::importAsNew(const std::string& path)
 importing::IMPORTRESULT RSession::runImport(const std::string& path, std::optional<Header> header)
 {
     importing::IMPORTOPTIONS options;
-    options.run.userName = installation.user;
-    options.run.hostName = installation.host;
     options.header = std::move(header);
     return importing::importSpreadsheet(collection, scratch_, path, options, user_);
 }

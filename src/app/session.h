@@ -7,8 +7,11 @@
 #include <bitset>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "app/collectionlock.h"
 #include "app/filekind.h"
@@ -25,6 +28,17 @@
 
 namespace app {
 
+// How a new collection gets its variables.
+struct CREATIONCHOICE {
+    int set = 0;              // a collection::VariableSet
+    std::string templateFile; // for setTemplate: a .var, .o4x or .txt file
+};
+
+struct FILEQUESTION {
+    std::string caption, filter, proposal; // the filter in the form of the toolkit's file dialogs
+    bool save = false;                     // the name of a file to be made
+};
+
 // What a session asks of whoever shows it.
 class RSessionView {
 public:
@@ -36,6 +50,28 @@ public:
     virtual void recentFilesChanged() {}
     virtual void requestClose() {}                          // of the program
     [[nodiscard]] virtual int askResolution() { return 0; } // dots per inch, 0 if nobody tells
+
+    // What only a user can supply. Without one nothing is chosen, and the editor leaves its list as it is.
+    // The variables of a collection `name` that is to be made; nothing if the user cancels.
+    [[nodiscard]] virtual std::optional<CREATIONCHOICE> chooseVariables(const std::string&)
+    {
+        return std::nullopt;
+    }
+    // Edits a list of variables (index 0 is no variable; assocSource keeps the number of the old variable, 0
+    // for a new one). `old` are the variables that they take their data from, empty for a new collection.
+    // False if the user cancels.
+    [[nodiscard]] virtual bool editVariables(const std::string&, std::vector<collection::VARINFO>&,
+                                             std::span<const collection::VARINFO>)
+    {
+        return true;
+    }
+    // A file's path; empty if the user cancels.
+    [[nodiscard]] virtual std::string askFile(const FILEQUESTION&) { return {}; }
+    // A line of text; nothing if the user cancels.
+    [[nodiscard]] virtual std::optional<std::string> askLine(std::string_view, std::string_view)
+    {
+        return std::nullopt;
+    }
 };
 
 enum RunMode : int { interactiveRun = 1, commandFileRun = 2 };
@@ -74,6 +110,24 @@ public:
     [[nodiscard]] OpenResult openArgument(const std::string& argument, const std::string& directory);
     // False, after a message.
     [[nodiscard]] bool loadConfiguration(const std::string& path);
+
+    // --- the collection as a whole (collectioncommands.cpp). Each speaks for itself; false if nothing was
+    // done. Where a path is empty, or a choice is missing, the view is asked. Makes and opens an empty
+    // collection.
+    [[nodiscard]] bool createCollection(const std::string& path, std::optional<CREATIONCHOICE> choice);
+    // Of the open collection, which is closed; afterwards the target is open.
+    [[nodiscard]] bool copyCollection(const std::string& target);
+    [[nodiscard]] bool moveCollection(const std::string& target);
+    [[nodiscard]] bool deleteCollection();
+    [[nodiscard]] bool sortAndCondense();
+    // newVariables: as editVariables leaves them; empty: the view edits the present ones.
+    [[nodiscard]] bool changeVariables(std::vector<collection::VARINFO> newVariables);
+    [[nodiscard]] bool deleteSelected();
+    [[nodiscard]] bool deleteEmpty();
+    [[nodiscard]] bool deleteStation(int number);
+    [[nodiscard]] bool addLogComment(std::optional<std::string> text);
+    // Of any collection, by its path; an empty path is the open one. True if it has no inconsistency.
+    [[nodiscard]] bool checkCollection(const std::string& path);
 
     // --- pictures
     // The map and the windows of the mode in `painter`; all of them if `full`, else those that need it.

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "collection/cruiseinfo.h"
+#include "collection/journal.h"
 #include "collection/selectioncriteria.h"
 #include "collection/stationdata.h"
 #include "collection/varinfo.h"
@@ -53,7 +54,8 @@ enum class WriteResult : int {
     headerNotWritten = 4,
     dataNotWritten = 6,
     noLevels = 7,
-    tooLarge = 8
+    tooLarge = 8,
+    full = 9 // no header can point behind the last block: sorting and condensing may make room
 };
 
 class RCollection {
@@ -72,6 +74,7 @@ public:
     std::string configName;    // current configuration, without extension
     std::string tempId;        // prefix of the temporary files of this opening
     std::string tempDirectory; // where they are, with trailing separator
+    std::string userName, hostName; // for the log; they stay when the rest is reset
 
     // --- state
     bool isOpen = false;
@@ -102,6 +105,9 @@ public:
     // --- station files
     bool swapBytes = false;        // stored byte order differs from the host's
     bool foreignTimeOrder = false; // the file has the magic "NVQsol"
+    // The magic that station files get when they are made; empty: the host's. A collection that is rewritten
+    // keeps its own.
+    std::string newMagic;
     common::FilePtr valFile;       // list of selected stations, see selection/selectedlist.h
     common::FilePtr selFile;       // list of plotted stations, the same records
     RLoadStages* stages = nullptr; // not owned; null: a load applies no stages
@@ -135,6 +141,45 @@ public:
     // Stations reach the files at once, and are safe on the disk when this returns true.
     [[nodiscard]] bool flushStationFiles();
 
+    // --- changes that hold together (change.cpp). What happens to the station files and the description
+    // between beginChange() and commitChange() is on the disk as a whole or not at all, whatever cuts it off:
+    // the old bytes of every place in use are in the journal before new ones are written. Within a change
+    // writes may be held back in memory; loads and scans see them all the same. Changes nest; only the
+    // outermost one counts. A write outside of a change is a change of its own, except that `.var` isn't
+    // rewritten. `operation` names it in the log of an opening that finds it cut off. Nothing is written yet.
+    // False if the collection isn't writable, or its files are no longer the ones that were opened.
+    [[nodiscard]] bool beginChange(std::string_view operation);
+    // All stations and the description are on the disk, the journal is gone. False: everything was rolled
+    // back.
+    [[nodiscard]] bool commitChange();
+    // Files, counts and the inventory in memory are as at beginChange(); open changes around it end too.
+    void rollBackChange();
+    [[nodiscard]] bool isChanging() const;
+    // Files that the change will make, by their names in the collection's directory: they go if it is undone.
+    [[nodiscard]] bool noteMadeFiles(std::span<const std::string> names);
+    // Puts the files of these suffixes aside, as far as they exist; they come back if the change is undone,
+    // and go when it is committed. The station files must be closed.
+    [[nodiscard]] bool setFilesAside(std::span<const std::string_view> suffixes);
+    // The other way to commit: prepared, flushed files take the places of the collection's own (actions in
+    // order, each may be done twice). The station files are closed before and opened again after it with all
+    // that the new description says. False with `done` false: rolled back; with `done` true: the change
+    // stands, but the files can't be opened.
+    [[nodiscard]] bool commitReplacement(std::span<const FILEACTION> actions, int newStationCount,
+                                         common::RUser& user, bool* done = nullptr);
+
+    // --- maintenance. These ask and tell `user`; false or 0: nothing was changed. `station` is the buffer
+    // through which stations go. Rewrites the collection in the order of cruises, types and station labels,
+    // without dead space.
+    [[nodiscard]] bool sortAndCondense(STATIONDATA& station, common::RUser& user);
+    // Gives the collection another list of variables. Index 0 is no variable; assocSource of each is the
+    // number of the old variable that it takes its data from, 0 for a new one.
+    [[nodiscard]] bool changeVariableSet(STATIONDATA& station, std::span<const VARINFO> newVariables,
+                                         common::RUser& user);
+    // Each returns the number of stations removed, and rebuilds the inventory.
+    [[nodiscard]] int deleteSelectedStations(common::RUser& user);
+    [[nodiscard]] int deleteEmptyStations(common::RUser& user);
+    [[nodiscard]] int deleteStation(int number, common::RUser& user);
+
     // A scan over the header table in large blocks: calls visit(number, header, counts) for stations first to
     // last in order, as far as they exist, until it returns false. Records that can't be true are handed to
     // damaged(number) instead. Returns false if the file could not be read.
@@ -157,20 +202,21 @@ public:
     [[nodiscard]] std::vector<std::int32_t> readCruiseIndices(bool force);
 
     // --- side files, see also collection/sidefiles.h
-    void addLogLine(std::string_view message, const std::string& userName, const std::string& hostName);
+    void addLogLine(std::string_view message) const; // by userName on hostName
     // The collection variable that plays a role, by `.idv`; 0 if there is none.
     [[nodiscard]] int getVariableId(std::string_view key) const;
     [[nodiscard]] bool setVariableId(std::string_view key, int number);
     // After path, type and variables were set: removes `.idv`, sets stationCount 0, writes `.var`, logs
     // CREATE. The station files are made by the opening that follows.
-    [[nodiscard]] bool createEmptyFiles(const std::string& userName, const std::string& hostName);
+    [[nodiscard]] bool createEmptyFiles();
     [[nodiscard]] std::string infoFile() const; // where the free description is
     void makeTempId();                          // a new prefix, unlike the last
     // Makes `.val` and `.sel` in tempDirectory, with a new tempId if the present one is taken.
     [[nodiscard]] bool openTemporaryFiles();
     void closeTemporaryFiles(); // and deletes all files of this tempId
 
-    // Everything as before the first open; files are closed. `stages` and tempDirectory stay.
+    // Everything as before the first open; files are closed. `stages`, tempDirectory and the names for the
+    // log stay.
     void reset();
 
 private:

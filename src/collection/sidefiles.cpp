@@ -146,8 +146,7 @@ bool isMadeByImportsOnly(const std::string& basePath)
     return lines > 0;
 }
 
-void RCollection::addLogLine(std::string_view message, const std::string& userName,
-                             const std::string& hostName)
+void RCollection::addLogLine(std::string_view message) const
 {
     const common::FilePtr log = common::openFile(path + ".log", "ab");
     if (!log) return;
@@ -192,14 +191,14 @@ bool RCollection::setVariableId(std::string_view key, int number)
     return common::writeFile(path + ".idv", result);
 }
 
-bool RCollection::createEmptyFiles(const std::string& userName, const std::string& hostName)
+bool RCollection::createEmptyFiles()
 {
     if (!removeOne(path + ".idv")) return false;
     stationCount = 0;
     totalVariableCount = variableCount;
     headerRecordSize = 80 + 2 * variableCount;
     if (!writeVarFile(path)) return false;
-    addLogLine("CREATE", userName, hostName);
+    addLogLine("CREATE");
     return true;
 }
 

@@ -253,7 +253,7 @@ void RImportRun::writeLog()
                       collection::fileTime(state.file).c_str());
     state.logFault = !exists || state.stationsStored == 0;
     if (!state.logFault) {
-        collection_.addLogLine(text, options_.userName, options_.hostName);
+        collection_.addLogLine(text);
         return;
     }
     const common::FilePtr log =

@@ -43,7 +43,6 @@ struct CRUISEASSOCIATION {
 enum class ReplaceAnswer { yes, yesToAll, no, abort };
 
 struct RUNOPTIONS {
-    std::string userName, hostName; // for the collection's log
     std::vector<CRUISEASSOCIATION> cruises;
     // Asks whether a station is to be replaced; null: an ordinary question.
     std::function<ReplaceAnswer(std::string_view title, std::string_view text)> confirmReplace;

@@ -271,7 +271,7 @@ TEST_F(Session, RunCanBeRepeated)
 TEST_F(Session, CollectionWithOtherChangesIsNotReplaced)
 {
     openCast();
-    session.collection.addLogLine("DELETE 2 Stations", "ann", "box");
+    session.collection.addLogLine("DELETE 2 Stations");
     session.close(true);
     user->messages.clear();
     const std::string before = read("cast.hob") + read("cast.dob") + read("cast.var") + read("cast.log");

@@ -58,12 +58,14 @@ TEST_F(SideFiles, AVariableIdThatIsNoVariableIsNone)
 
 TEST_F(SideFiles, LogLinesAreAppendedInTheirForm)
 {
-    collection.addLogLine("IMPORT     3 Stations a.txt (Jan/01/2020 00:00:00)", "me", "here");
-    collection.addLogLine("COMMENT two\nlines", "me", "here");
+    collection.addLogLine("IMPORT     3 Stations a.txt (Jan/01/2020 00:00:00)");
+    collection.userName = "me";
+    collection.hostName = "here";
+    collection.addLogLine("COMMENT two\nlines");
     const std::string log = sample.bytes(".log");
     const std::regex form(
         "[A-Z][a-z]{2}/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d> user:host CREATE\n"
-        "[A-Z][a-z]{2}/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d> me:here IMPORT     3 Stations a.txt "
+        "[A-Z][a-z]{2}/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d> user:host IMPORT     3 Stations a.txt "
         "\\(Jan/01/2020 00:00:00\\)\n[^\n]*> me:here COMMENT two lines\n");
     EXPECT_TRUE(std::regex_match(log, form)) << log;
 }
@@ -85,11 +87,11 @@ TEST(LogTime, EnglishMonthsInLocalTime)
 TEST_F(SideFiles, OnlyCreationsAndImportsCanBeRunAgain)
 {
     EXPECT_TRUE(isMadeByImportsOnly(collection.path));
-    collection.addLogLine("IMPORT     3 Stations a > b.txt (x)", "me", "here");
+    collection.addLogLine("IMPORT     3 Stations a > b.txt (x)");
     EXPECT_TRUE(isMadeByImportsOnly(collection.path));
     sample.setBytes(".log", sample.bytes(".log") + "ERROR: IMPORT     0 Stations a > b.txt (x)\n");
     EXPECT_TRUE(isMadeByImportsOnly(collection.path));
-    collection.addLogLine("COMMENT CREATE", "me", "here");
+    collection.addLogLine("COMMENT CREATE");
     EXPECT_FALSE(isMadeByImportsOnly(collection.path));
     EXPECT_FALSE(isMadeByImportsOnly(collection.path + "x"));
     sample.setBytes(".log", "garbage\n");
@@ -140,7 +142,7 @@ TEST_F(SideFiles, CreationRemovesIdsWritesTheDescriptionAndLogs)
     sample.setBytes(".idv", "a=1\n");
     collection.closeStationFiles();
     collection.stationCount = 7;
-    ASSERT_TRUE(collection.createEmptyFiles("user", "host"));
+    ASSERT_TRUE(collection.createEmptyFiles());
     EXPECT_FALSE(common::fileExists(collection.path + ".idv"));
     EXPECT_EQ(collection.stationCount, 0);
     EXPECT_NE(sample.bytes(".var").find("Nstat: 0\n"), std::string::npos);

@@ -296,7 +296,7 @@ public:
         importing::IMPORTOPTIONS options;
         options.header.emplace();
         EXPECT_TRUE(importing::spreadsheetVariables(source, nullptr, c, *options.header, user));
-        EXPECT_TRUE(c.createEmptyFiles("u", "h"));
+        EXPECT_TRUE(c.createEmptyFiles());
         EXPECT_EQ(c.openStationFiles(c.path, user), collection::OpenFilesResult::ok);
         collection::STATIONDATA station;
         EXPECT_EQ(importing::importSpreadsheet(c, station, source, options, user).end,

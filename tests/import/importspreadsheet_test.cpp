@@ -41,8 +41,8 @@ public:
 
     RImports()
     {
-        options.run.userName = "ann";
-        options.run.hostName = "ship";
+        sample.collection.userName = "ann";
+        sample.collection.hostName = "ship";
         options.run.stationStored = [this](const collection::STATIONHDR& h) {
             stored.emplace_back(h.station);
         };
@@ -520,7 +520,7 @@ TEST(SpreadsheetVariables, BecomeThoseOfTheNewCollection)
     target.name = "new";
     target.path = directory.path() + "new";
     target.writable = true;
-    ASSERT_TRUE(target.createEmptyFiles("u", "h"));
+    ASSERT_TRUE(target.createEmptyFiles());
     ASSERT_EQ(target.openStationFiles(target.path, user), collection::OpenFilesResult::ok);
     collection::STATIONDATA station;
     IMPORTOPTIONS options;
@@ -566,7 +566,7 @@ TEST(ImportSpreadsheet, ARealSection)
     target.name = "section";
     target.path = directory.path() + "section";
     target.writable = true;
-    ASSERT_TRUE(target.createEmptyFiles("u", "h"));
+    ASSERT_TRUE(target.createEmptyFiles());
     ASSERT_EQ(target.openStationFiles(target.path, user), collection::OpenFilesResult::ok);
     collection::STATIONDATA station;
     IMPORTOPTIONS options;

@@ -1,0 +1,85 @@
+#pragma once
+
+// The rollback journal of a collection, `<path>.jnl`: what a change in place needs to be undone, and what is
+// left to do once it is decided. It stands beside the files from before the first old byte is overwritten
+// until the change is whole on the disk. A journal that an opening finds belongs to a change that was cut
+// off.
+//
+// The file is a sequence of frames, each with its length and a checksum; a frame that isn't whole ends it.
+// Numbers are little-endian, names are names of files in the collection's own directory.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace collection {
+
+enum class JournalFile : std::uint8_t { hob = 0, dob = 1 };
+
+// The files as far as stations refer to them, and the count of the description.
+struct JOURNALSTATE {
+    std::int64_t hobSize = 0, dobSize = 0; // bytes
+    std::int32_t stationCount = 0;
+};
+
+// What is done to whole files when a change is complete. Names without directory.
+struct FILEACTION {
+    enum Kind : std::uint8_t { rename = 0, remove = 1 } kind = rename;
+    std::string from, to; // `to` only for a renaming
+};
+
+class RJournal {
+public:
+    RJournal();
+    ~RJournal(); // leaves the file in its place, for the next opening, unless finish() was reached
+    RJournal(const RJournal&) = delete;
+    RJournal& operator=(const RJournal&) = delete;
+
+    // Makes the file with its head, durably. False if it can't be made or if there is one already.
+    [[nodiscard]] bool begin(const std::string& basePath, std::string_view operation,
+                             const JOURNALSTATE& before);
+    [[nodiscard]] bool isOpen() const;
+
+    // Notes, collected in memory until sync():
+    // the bytes that stand at a place of a station file, which will be overwritten;
+    void save(JournalFile file, std::int64_t offset, std::span<const std::byte> old);
+    // a file that the change will make: it goes if the change is undone;
+    void willMake(std::string_view name);
+    // a file that the change will put aside under another name: it comes back if the change is undone.
+    void willSetAside(std::string_view name, std::string_view aside);
+
+    // True when all notes are on the disk: only then may the change go on to what they protect.
+    [[nodiscard]] bool sync();
+    // The change is decided: from here on a cut-off is completed, not undone. True when that is on the disk.
+    [[nodiscard]] bool commit(const JOURNALSTATE& after, std::span<const FILEACTION> actions);
+    // The change is whole, or undone, on the disk: the file goes.
+    [[nodiscard]] bool finish();
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+[[nodiscard]] std::string journalPath(const std::string& basePath);
+
+enum class RecoveryResult {
+    none,      // there is no journal
+    undone,    // the files are as before the change
+    completed, // the change is whole
+    failed     // the journal stays; `fault` says what is wrong
+};
+struct RECOVERY {
+    RecoveryResult result = RecoveryResult::none;
+    std::string operation; // that was cut off, as given to begin()
+    std::string fault;
+};
+
+// Undoes or completes what a change that was cut off has left. The caller holds the lock of the collection.
+// May itself be cut off at any point and run again. Nothing that stands in a journal is believed: one that
+// doesn't belong to these files changes nothing and fails.
+[[nodiscard]] RECOVERY recoverCollection(const std::string& basePath);
+
+} // namespace collection
