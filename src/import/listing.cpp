@@ -49,9 +49,10 @@ public:
     }
 
 private:
-    [[nodiscard]] bool refuse(const std::string& what)
+    [[nodiscard]] bool refuse(const std::string& what) { return refuse(reader_.lineNumber(), what); }
+    [[nodiscard]] bool refuse(int line, const std::string& what)
     {
-        fault_ = common::format("%s:%d: %s", path_.c_str(), std::max(1, reader_.lineNumber()), what.c_str());
+        fault_ = common::format("%s:%d: %s", path_.c_str(), std::max(1, line), what.c_str());
         return false;
     }
 
@@ -60,8 +61,8 @@ private:
     {
         using Result = RLineReader::Result;
         const Result result = reader_.next(line_);
-        if (result == Result::tooLong) return refuse("the line is too long");
-        if (result == Result::failed) return refuse("can't be read");
+        if (result == Result::tooLong) return refuse(reader_.lineNumber() + 1, "the line is too long");
+        if (result == Result::failed) return refuse(reader_.lineNumber() + 1, "can't be read");
         if (result == Result::end) return refuse(std::string("the file ends before the ") + what);
         return true;
     }
