@@ -39,14 +39,6 @@ void readFormat(std::string_view text, VARINFO& variable)
     variable.width = std::clamp(variable.width, variable.decimals + 3, variable.decimals + 15);
 }
 
-VARINFO readVariable(std::string_view line, int number)
-{
-    VARINFO variable = emptyVariable(number);
-    readFormat(line.size() > formatColumn ? line.substr(formatColumn) : std::string_view(), variable);
-    setLabel(variable, common::trimBlanks(line.substr(0, formatColumn)));
-    return variable;
-}
-
 VarFileResult refuse(VARFAULT& fault, int line, std::string text)
 {
     fault = {line, std::move(text)};
@@ -68,6 +60,14 @@ std::string withExtension(const std::string& file)
 }
 
 } // namespace
+
+VARINFO parseVariableLine(std::string_view line, int number)
+{
+    VARINFO variable = emptyVariable(number);
+    readFormat(line.size() > formatColumn ? line.substr(formatColumn) : std::string_view(), variable);
+    setLabel(variable, common::trimBlanks(line.substr(0, formatColumn)));
+    return variable;
+}
 
 VarFileResult parseVarFile(std::string_view bytes, VARDESCRIPTION& out, VARFAULT& fault)
 {
@@ -91,7 +91,7 @@ VarFileResult parseVarFile(std::string_view bytes, VARDESCRIPTION& out, VARFAULT
         const bool counted = v >= 1 && v <= read.variableCount;
         if (counted && !bytes.empty()) read.describedCount = v;
         read.variables[static_cast<std::size_t>(v)] =
-            counted ? readVariable(common::takeLine(bytes), v) : emptyVariable(v);
+            counted ? parseVariableLine(common::takeLine(bytes), v) : emptyVariable(v);
     }
     out = std::move(read);
     return VarFileResult::ok;
