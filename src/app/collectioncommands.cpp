@@ -140,17 +140,35 @@ bool RSession::runFamilyCommand(const FAMILYCOMMAND& command, const std::string&
     return false;
 }
 
+// The collection that was closed for an operation which has failed.
+void RSession::openAgain(const std::string& file, std::unique_ptr<RScratchFolder> unpacked)
+{
+    openingTemporary_ = unpacked != nullptr;
+    const OpenResult result = openKind(FileKind::collection, file);
+    openingTemporary_ = false;
+    if (result != OpenResult::ok || !unpacked) return;
+    unpacked_ = std::move(unpacked);
+    collection.writable = false;
+}
+
 bool RSession::copyOrMove(const FAMILYCOMMAND& command, const std::string& target)
 {
     const std::string from = collection.path;
-    const std::string to =
-        targetBase(target, {"Select Target Collection Name ...", "Collection Name (*.var)",
-                            collection.directory + "copy_of_" + collection.name + ".var", true});
-    if (to.empty() || !mayTakePlace(command, to) || !close(false)) return false;
+    // What was unpacked for this session is proposed where the user works.
+    const std::string proposed =
+        collection.isTemporaryFile ? common::absolutePath("./") : collection.directory;
+    const std::string to = targetBase(target, {"Select Target Collection Name ...", "Collection Name (*.var)",
+                                               proposed + "copy_of_" + collection.name + ".var", true});
+    if (to.empty() || !mayTakePlace(command, to)) return false;
+    std::unique_ptr<RScratchFolder> unpacked = std::move(unpacked_); // closing would take the source away
+    if (!close(false)) {
+        unpacked_ = std::move(unpacked);
+        return false;
+    }
     const bool good = runFamilyCommand(command, from, to);
     lock_.release();
     if (!good) {
-        static_cast<void>(openKind(FileKind::collection, from + ".var"));
+        openAgain(from + ".var", std::move(unpacked));
         return false;
     }
     if (!isThere(from)) forgetRecentFile(from + ".var");
@@ -181,7 +199,7 @@ bool RSession::deleteCollection()
     lock_.release();
     if (result != collection::FilesResult::ok && result != collection::FilesResult::otherFiles) {
         user_.about(deletionTitle, "Could not delete collection!\n\n" + std::string(elsewhere));
-        static_cast<void>(openKind(FileKind::collection, path + ".var"));
+        openAgain(path + ".var", nullptr);
         return false;
     }
     forgetRecentFile(path + ".var");

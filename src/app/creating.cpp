@@ -20,27 +20,6 @@ constexpr std::string_view templateFilter =
 constexpr auto replacedSuffixes =
     std::to_array<std::string_view>({".hob", ".var", ".dob", ".inv", ".cid", ".idv"});
 
-// The log as it was before a collection was made that didn't come about.
-class RLogKeeper {
-public:
-    explicit RLogKeeper(const std::string& basePath)
-        : file_(basePath + ".log"), text_(common::readFile(file_))
-    {
-    }
-    void restore() const
-    {
-        if (text_) {
-            static_cast<void>(common::writeFile(file_, *text_));
-        } else {
-            std::remove(file_.c_str());
-        }
-    }
-
-private:
-    const std::string file_;
-    const std::optional<std::string> text_;
-};
-
 bool isUsable(std::span<const collection::VARINFO> variables)
 {
     return variables.size() >= 2 && variables.size() <= common::maxVariables + 1;
@@ -150,12 +129,8 @@ bool RSession::canMake(std::string_view caption, bool byNothing)
 // which the caller ends. Names, type and variables are set.
 bool RSession::makeFiles(std::string_view operation)
 {
-    std::vector<std::string> names;
-    for (const std::string_view suffix : replacedSuffixes)
-        names.push_back(collection.name + std::string(suffix));
     if (!collection.beginChange(operation)) return false;
-    if (collection.setFilesAside(replacedSuffixes) && collection.noteMadeFiles(names) &&
-        collection.createEmptyFiles() &&
+    if (collection.setFilesAside(replacedSuffixes) && collection.createEmptyFiles() &&
         collection.openStationFiles(collection.path, user_) == collection::OpenFilesResult::ok)
         return true;
     collection.rollBackChange();
@@ -171,11 +146,9 @@ OpenResult RSession::makeEmpty(const NEWCOLLECTION& made)
     collection.type = made.type;
     std::copy(made.variables.begin(), made.variables.end(), collection.variables.begin());
     collection.variableCount = collection.totalVariableCount = static_cast<int>(made.variables.size()) - 1;
-    const RLogKeeper log(collection.path);
     if (!makeFiles("CREATE") || !collection.commitChange()) {
         user_.about(creationTitle, "Collection " + file + " could not be made!");
         abandon();
-        log.restore();
         return OpenResult::failed;
     }
     if (!collection.openTemporaryFiles()) return tellNoLists();
@@ -245,11 +218,9 @@ OpenResult RSession::importAsNew(const std::string& path)
     }
     const std::string target = collection.path + ".var";
     const bool replaces = common::fileExists(target);
-    const RLogKeeper log(collection.path);
     if (!makeFiles("IMPORT " + common::splitPath(path).baseName)) {
         user_.about(importTitle, "Collection " + target + " could not be made!");
         abandon();
-        log.restore();
         return OpenResult::failed;
     }
     const bool lists = collection.openTemporaryFiles();
@@ -261,7 +232,6 @@ OpenResult RSession::importAsNew(const std::string& path)
         if (keep) user_.about(importTitle, "Collection " + target + " could not be made!");
         collection.rollBackChange();
         abandon();
-        log.restore();
         return lists ? OpenResult::failed : tellNoLists();
     }
     becomeReady(target);

@@ -38,37 +38,14 @@ std::string basePathOf(const std::string& description)
     return parts.directory + (good ? read.name : parts.baseName);
 }
 
-void removeWholeFamily(const std::string& basePath)
-{
-    const common::PATHPARTS parts = common::splitPath(basePath + ".");
-    std::error_code error;
-    for (std::filesystem::directory_iterator it(parts.directory, error), end; !error && it != end;
-         it.increment(error)) {
-        std::error_code ignored;
-        if (it->path().filename().string().starts_with(parts.baseName + ".") && it->is_regular_file(ignored))
-            std::filesystem::remove(it->path(), ignored);
-    }
-}
-
 } // namespace
 
 OpenResult RSession::openArgument(const std::string& argument, const std::string& directory)
 {
-    if (archiveClass(argument) == Archive::none) {
-        const std::string name = withDefaultExtension(argument);
-        return openKind(fileKind(name), common::makeAbsolute(name, directory));
-    }
-    const std::string file = unpackArgument(common::makeAbsolute(argument, directory));
-    if (file.empty()) {
-        view_.statusChanged();
-        return OpenResult::failed;
-    }
-    openingTemporary_ = true;
-    const common::PATHPARTS parts = common::splitPath(file);
-    const OpenResult result = openKind(fileKind(parts.baseName + parts.extension), file);
-    if (openingTemporary_ && !collection.isTemporaryFile) removeWholeFamily(common::splitPath(file).baseName);
-    openingTemporary_ = false;
-    return result;
+    if (archiveClass(argument) != Archive::none)
+        return unpackArgument(common::makeAbsolute(argument, directory));
+    const std::string name = withDefaultExtension(argument);
+    return openKind(fileKind(name), common::makeAbsolute(name, directory));
 }
 
 OpenResult RSession::open(const std::string& path)
@@ -103,7 +80,8 @@ OpenResult RSession::openKind(FileKind kind, const std::string& path)
 // Directory, name and base path of the collection that `path` stands for; the current directory follows.
 bool RSession::setNames(const std::string& path)
 {
-    const common::PATHPARTS parts = common::splitPath(path);
+    common::PATHPARTS parts = common::splitPath(path);
+    if (!newDirectory_.empty()) parts.directory = newDirectory_;
     if (!common::directoryExists(parts.directory)) {
         user_.about("Collection Directory", parts.directory + "\n\ndoes not exist!");
         return false;
@@ -143,8 +121,8 @@ std::string RSession::takeForWriting(const std::string& basePath)
 bool RSession::putRight(const std::string& basePath, const std::string& readOnlyReason)
 {
     const std::string file = basePath + ".var", journal = collection::journalPath(basePath);
-    if (common::fileSize(journal) < 0) return true;
     if (!readOnlyReason.empty()) {
+        if (common::fileSize(journal) < 0) return true;
         user_.about(openingTitle,
                     "Collection " + file +
                         " is in the middle of a change, and only who may write can end it!\n\n" +
@@ -213,11 +191,9 @@ void RSession::abandon()
 {
     collection.closeTemporaryFiles();
     collection.closeStationFiles();
-    const bool temporary = collection.isTemporaryFile;
-    const std::string base = collection.path;
     collection.reset();
     lock_.release();
-    if (temporary) removeWholeFamily(base);
+    unpacked_.reset();
 }
 
 importing::IMPORTRESULT RSession::runImport(const std::string& path, std::optional<Header> header)

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -15,6 +16,7 @@
 #include "app/filekind.h"
 #include "app/gate.h"
 #include "app/histories.h"
+#include "app/scratchfolder.h"
 #include "app/settings.h"
 #include "app/setupvariables.h"
 #include "collection/collectionfiles.h"
@@ -109,9 +111,6 @@ public:
     // A file of the command line or a drop: `argument` says what it is taken for, relative paths are against
     // `directory`.
     [[nodiscard]] OpenResult openArgument(const std::string& argument, const std::string& directory);
-    // The file that a packed argument holds, unpacked in the temporary directory (unpacking.cpp); empty,
-    // after a message, if there is none. `archive` is absolute.
-    [[nodiscard]] std::string unpackArgument(const std::string& archive);
     // False, after a message.
     [[nodiscard]] bool loadConfiguration(const std::string& path);
 
@@ -210,6 +209,7 @@ private:
     [[nodiscard]] bool copyOrMove(const FAMILYCOMMAND& command, const std::string& target);
     [[nodiscard]] bool runFamilyCommand(const FAMILYCOMMAND& command, const std::string& from,
                                         const std::string& to);
+    void openAgain(const std::string& file, std::unique_ptr<RScratchFolder> unpacked);
     [[nodiscard]] bool mayTakePlace(const FAMILYCOMMAND& command, const std::string& basePath);
     [[nodiscard]] std::string targetBase(const std::string& path, const FILEQUESTION& question);
     [[nodiscard]] bool deleteStations(const std::function<int()>& remove);
@@ -225,12 +225,20 @@ private:
     void findRangesOf(int window);
     [[nodiscard]] bool writeGraphics(const std::string& path, int window, int dpi);
 
+    // unpacking.cpp; paths are absolute
+    [[nodiscard]] OpenResult unpackArgument(const std::string& archive);
+    [[nodiscard]] OpenResult openUnpacked(FileKind kind, const std::string& path, const std::string& archive,
+                                          std::unique_ptr<RScratchFolder> folder);
+    [[nodiscard]] OpenResult openBeside(FileKind kind, const std::string& path, const std::string& directory);
+
     common::RUser& user_;
     RSessionView& view_;
     selection::RSelectionStages stages_;
     collection::RCollectionLock lock_;
-    bool openingTemporary_ = false;   // what is being opened was unpacked and goes when it is closed
-    collection::STATIONDATA scratch_; // for plots and imports
+    bool openingTemporary_ = false; // what is being opened was unpacked and goes when it is closed
+    std::string newDirectory_;      // where a file that is being opened makes a collection; empty: beside it
+    std::unique_ptr<RScratchFolder> unpacked_; // holds the open collection, if that was unpacked
+    collection::STATIONDATA scratch_;          // for plots and imports
     RANGEDWINDOWS ranged_;
 };
 
