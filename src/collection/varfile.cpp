@@ -35,14 +35,6 @@ void readFormat(std::string_view line, VARINFO& variable)
     variable.width = std::clamp(format.first, variable.decimals + 3, variable.decimals + 15);
 }
 
-VARINFO readVariable(std::string_view line, int number)
-{
-    VARINFO variable = emptyVariable(number);
-    readFormat(line, variable);
-    setLabel(variable, common::trimBlanks(line.substr(0, formatColumn)));
-    return variable;
-}
-
 VarFileResult refuse(VARFAULT& fault, int line, std::string text)
 {
     fault = {line, std::move(text)};
@@ -76,6 +68,14 @@ std::pair<int, int> formatOfLine(std::string_view line)
     return format;
 }
 
+VARINFO parseVariableLine(std::string_view line, int number)
+{
+    VARINFO variable = emptyVariable(number);
+    readFormat(line, variable);
+    setLabel(variable, common::trimBlanks(line.substr(0, formatColumn)));
+    return variable;
+}
+
 VarFileResult parseVarFile(std::string_view bytes, VARDESCRIPTION& out, VARFAULT& fault)
 {
     fault = {};
@@ -98,7 +98,7 @@ VarFileResult parseVarFile(std::string_view bytes, VARDESCRIPTION& out, VARFAULT
         const bool counted = v >= 1 && v <= read.variableCount;
         if (counted && !bytes.empty()) read.describedCount = v;
         read.variables[static_cast<std::size_t>(v)] =
-            counted ? readVariable(common::takeLine(bytes), v) : emptyVariable(v);
+            counted ? parseVariableLine(common::takeLine(bytes), v) : emptyVariable(v);
     }
     out = std::move(read);
     return VarFileResult::ok;
