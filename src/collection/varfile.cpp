@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "collection/stationstreams.h"
 #include "common/text.h"
 
 namespace collection {
@@ -9,7 +10,6 @@ namespace {
 
 constexpr int variableLine = 7; // of variable 1
 constexpr std::size_t valueColumn = 12, formatColumn = 60;
-constexpr std::int64_t largestDescription = 1 << 20; // a full one has about 4 kB
 
 std::string_view valueOf(std::string_view line)
 {
@@ -28,15 +28,11 @@ bool isUsableName(std::string_view name)
     return !name.empty() && name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
 
-void readFormat(std::string_view text, VARINFO& variable)
+void readFormat(std::string_view line, VARINFO& variable)
 {
-    variable.width = variable.decimals = 0;
-    if (common::takeInt(text, variable.width) && text.starts_with('.')) {
-        text.remove_prefix(1);
-        if (!common::takeInt(text, variable.decimals)) variable.decimals = 0;
-    }
-    variable.decimals = std::clamp(variable.decimals, 0, 4);
-    variable.width = std::clamp(variable.width, variable.decimals + 3, variable.decimals + 15);
+    const std::pair<int, int> format = formatOfLine(line);
+    variable.decimals = std::clamp(format.second, 0, 4);
+    variable.width = std::clamp(format.first, variable.decimals + 3, variable.decimals + 15);
 }
 
 VarFileResult refuse(VARFAULT& fault, int line, std::string text)
@@ -61,10 +57,21 @@ std::string withExtension(const std::string& file)
 
 } // namespace
 
+std::pair<int, int> formatOfLine(std::string_view line)
+{
+    std::pair<int, int> format{0, 0};
+    std::string_view text = line.size() > formatColumn ? line.substr(formatColumn) : std::string_view();
+    if (common::takeInt(text, format.first) && text.starts_with('.')) {
+        text.remove_prefix(1);
+        if (!common::takeInt(text, format.second)) format.second = 0;
+    }
+    return format;
+}
+
 VARINFO parseVariableLine(std::string_view line, int number)
 {
     VARINFO variable = emptyVariable(number);
-    readFormat(line.size() > formatColumn ? line.substr(formatColumn) : std::string_view(), variable);
+    readFormat(line, variable);
     setLabel(variable, common::trimBlanks(line.substr(0, formatColumn)));
     return variable;
 }
@@ -156,7 +163,9 @@ bool RCollection::writeVarFile(const std::string& basePath)
     const std::string_view baseName = std::string_view(basePath).substr(basePath.rfind('/') + 1);
     if (!isUsableName(baseName)) return false;
     const std::string text = formatVarFile(baseName, type, stationCount, variableCount, variables);
-    return common::writeFile(basePath + ".var", text);
+    if (!common::writeFile(basePath + ".var", text)) return false;
+    if (basePath == path) files_->describedCount = stationCount;
+    return true;
 }
 
 } // namespace collection

@@ -3,8 +3,10 @@
 // The text of a `.var` file, the description of a collection.
 
 #include <array>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "collection/rcollection.h"
 
@@ -33,6 +35,11 @@ struct VARFAULT {
 [[nodiscard]] std::string formatVarFile(std::string_view name, std::string_view type, int stationCount,
                                         int variableCount, std::span<const VARINFO> variables);
 
+// Width and decimals as they stand in the line of a variable, before they are brought into their limits; 0
+// for what isn't there.
+[[nodiscard]] std::pair<int, int> formatOfLine(std::string_view line);
+
+inline constexpr std::int64_t largestDescription = 1 << 20; // bytes; a full one has about 4 kB
 inline constexpr std::string_view oldFormatText = "Collection is of pre-NVQ4.0 Format";
 
 } // namespace collection
