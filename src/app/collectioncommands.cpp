@@ -158,7 +158,7 @@ bool RSession::copyOrMove(const FAMILYCOMMAND& command, const std::string& targe
     const std::string proposed =
         collection.isTemporaryFile ? common::absolutePath("./") : collection.directory;
     const std::string to = targetBase(target, {"Select Target Collection Name ...", "Collection Name (*.var)",
-                                               proposed + "copy_of_" + collection.name + ".var", true});
+                                               proposed + "copy_of_" + collection.name + ".var", true, true});
     if (to.empty() || !mayTakePlace(command, to)) return false;
     std::unique_ptr<RScratchFolder> unpacked = std::move(unpacked_); // closing would take the source away
     if (!close(false)) {

@@ -1,7 +1,5 @@
 // The menus of the main window, and what their entries do.
 
-#include <algorithm>
-
 #include <QMenu>
 #include <QMenuBar>
 
@@ -34,7 +32,7 @@ constexpr LAYOUTENTRY layoutEntries[] = {{cmdFirstLayout, "STATION 2 Win"},
                                          {cmdFirstLayout + 2, "SCATTER 2 Win"},
                                          {cmdFirstLayout + 3, "SCATTER 6 Win"}};
 
-// The commands of the collection as a whole; the session asks for what they need.
+// The commands of the collection as a whole; the session asks for what they need, and tells what was done.
 struct COLLECTIONCOMMAND {
     int id;
     bool (*run)(RSession&);
@@ -147,14 +145,17 @@ void RAppWindow::processMenuItem(int commandId)
     const bool busy = dispatching_ || session_.state == stateBusy; // also for commands without a rule
     if (busy || !session_.isAllowed(commandId, 0)) return;
     dispatching_ = true;
-    dispatch(commandId);
+    const bool toldResult = dispatch(commandId);
     dispatching_ = false;
-    statusMessage();
+    if (!toldResult) statusMessage();
 }
 
-void RAppWindow::dispatch(int commandId)
+// True if the status line tells what was done.
+bool RAppWindow::dispatch(int commandId)
 {
-    if (dispatchCollection(commandId)) return;
+    for (const COLLECTIONCOMMAND& command : collectionCommands) {
+        if (command.id == commandId) return command.run(session_);
+    }
     if (commandId == cmdOpen) openByDialog();
     if (commandId == cmdClose) session_.close(false);
     if (commandId == cmdExecuteBatchFile) executeByDialog();
@@ -173,15 +174,7 @@ void RAppWindow::dispatch(int commandId)
     for (const LAYOUTENTRY& entry : layoutEntries) {
         if (commandId == entry.id) static_cast<void>(session_.useLayout(entry.text));
     }
-}
-
-bool RAppWindow::dispatchCollection(int commandId)
-{
-    const auto row = std::find_if(collectionCommands.begin(), collectionCommands.end(),
-                                  [commandId](const COLLECTIONCOMMAND& c) { return c.id == commandId; });
-    if (row == collectionCommands.end()) return false;
-    static_cast<void>(row->run(session_)); // it told the user
-    return true;
+    return false;
 }
 
 void RAppWindow::openByDialog()

@@ -357,9 +357,12 @@ bool RAppWindow::editVariables(const std::string& name, std::vector<collection::
 std::string RAppWindow::askFile(const FILEQUESTION& question)
 {
     if (!user_.interactive()) return RSessionView::askFile(question);
-    const auto ask = question.save ? dialogs::askSaveName : dialogs::askOpenName;
-    return ask(this, fromUtf8(question.caption), fromUtf8(question.filter), fromUtf8(question.proposal))
-        .toStdString();
+    const QString caption = fromUtf8(question.caption), filter = fromUtf8(question.filter),
+                  proposal = fromUtf8(question.proposal);
+    const QString name = question.save
+                             ? dialogs::askSaveName(this, caption, filter, proposal, !question.mayBeThere)
+                             : dialogs::askOpenName(this, caption, filter, proposal);
+    return name.toStdString();
 }
 
 std::optional<std::string> RAppWindow::askLine(std::string_view title, std::string_view prompt)

@@ -94,8 +94,7 @@ private:
     void enableMenu(QMenu* menu);
     void showMenuHelp(int commandId);
     void fillRecentFiles();
-    void dispatch(int commandId);
-    [[nodiscard]] bool dispatchCollection(int commandId); // false if it is another command
+    [[nodiscard]] bool dispatch(int commandId);
     void openByDialog();
     void executeByDialog();
     void saveScreen();

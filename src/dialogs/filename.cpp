@@ -47,7 +47,8 @@ QString askOpenName(QWidget* parent, const QString& caption, const QString& filt
     return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
-QString askSaveName(QWidget* parent, const QString& caption, const QString& filters, const QString& proposal)
+QString askSaveName(QWidget* parent, const QString& caption, const QString& filters, const QString& proposal,
+                    bool confirmed)
 {
     QString start = proposal, filter;
     for (;;) {
@@ -61,7 +62,7 @@ QString askSaveName(QWidget* parent, const QString& caption, const QString& filt
         if (dialog.exec() != QDialog::Accepted) return {};
         filter = dialog.selectedNameFilter();
         start = withFilterExtension(dialog.selectedFiles().value(0), filter, filters);
-        if (!QFileInfo::exists(start)) return start;
+        if (!confirmed || !QFileInfo::exists(start)) return start;
         if (confirm(parent, caption, start + QStringLiteral(" already exists.\n\nReplace it?"))) return start;
     }
 }

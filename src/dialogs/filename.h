@@ -14,8 +14,8 @@ namespace dialogs {
                                   const QString& start);
 
 // Asks for the name of a file to be made, which has the extension of the chosen filter; empty if the user
-// cancels. A file that is there may be taken after a question.
+// cancels. confirmed: a file that is there is taken only after a question.
 [[nodiscard]] QString askSaveName(QWidget* parent, const QString& caption, const QString& filters,
-                                  const QString& proposal);
+                                  const QString& proposal, bool confirmed);
 
 } // namespace dialogs

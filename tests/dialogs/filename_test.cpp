@@ -69,7 +69,7 @@ protected:
 TEST_F(FileName, SaveProposesAndAddsTheExtension)
 {
     choose("plot", "JPEG (*.jpg)");
-    EXPECT_EQ(dialogs::askSaveName(nullptr, QStringLiteral("Save ..."), pictures, path("copy_of_a")),
+    EXPECT_EQ(dialogs::askSaveName(nullptr, QStringLiteral("Save ..."), pictures, path("copy_of_a"), true),
               path("plot.jpg"));
     EXPECT_EQ(seen, "Save ...");
     EXPECT_EQ(proposed, folder.file("copy_of_a"));
@@ -81,7 +81,8 @@ TEST_F(FileName, ReplacingAFileIsAskedAboutItsWholeName)
     choose("plot");
     testing_support::BOX box;
     answerNext("&Yes", &box);
-    EXPECT_EQ(dialogs::askSaveName(nullptr, QStringLiteral("Save ..."), pictures, {}), path("plot.png"));
+    EXPECT_EQ(dialogs::askSaveName(nullptr, QStringLiteral("Save ..."), pictures, {}, true),
+              path("plot.png"));
     EXPECT_EQ(box.title, "Save ...");
     EXPECT_EQ(box.text, folder.file("plot.png") + " already exists.\n\nReplace it?");
 }
@@ -94,7 +95,8 @@ TEST_F(FileName, RefusedReplacingAsksForAnotherName)
         choose("other");
         box.defaultButton()->click();
     });
-    EXPECT_EQ(dialogs::askSaveName(nullptr, QStringLiteral("Save ..."), pictures, {}), path("other.png"));
+    EXPECT_EQ(dialogs::askSaveName(nullptr, QStringLiteral("Save ..."), pictures, {}, true),
+              path("other.png"));
     EXPECT_EQ(proposed, folder.file("plot.png")); // the refused one
 }
 
@@ -108,11 +110,22 @@ TEST_F(FileName, OpenGivesAnExistingFile)
     EXPECT_EQ(seen, "Open ...");
 }
 
+TEST_F(FileName, FileThatMayBeThereIsTakenUnasked)
+{
+    make("plot.png");
+    choose("plot");
+    EXPECT_EQ(dialogs::askSaveName(nullptr, QStringLiteral("Save ..."), pictures, {}, false),
+              path("plot.png"));
+}
+
 TEST_F(FileName, CancelGivesNothing)
 {
-    for (const auto ask : {dialogs::askOpenName, dialogs::askSaveName}) {
+    for (int i = 0; i < 2; ++i) {
         withNext<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
-        EXPECT_TRUE(ask(nullptr, QStringLiteral("t"), pictures, path("a.png")).isEmpty());
+        const QString caption = QStringLiteral("t"), start = path("a.png");
+        EXPECT_TRUE((i == 0 ? dialogs::askOpenName(nullptr, caption, pictures, start)
+                            : dialogs::askSaveName(nullptr, caption, pictures, start, true))
+                        .isEmpty());
     }
 }
 
