@@ -178,7 +178,7 @@ private:
     [[nodiscard]] OpenResult importIntoOpen(const std::string& path);
     [[nodiscard]] bool setNames(const std::string& path);
     [[nodiscard]] std::string takeForWriting(const std::string& basePath);
-    [[nodiscard]] bool putRight(const std::string& basePath, const std::string& readOnlyReason);
+    [[nodiscard]] bool putRight(std::string basePath, const std::string& readOnlyReason);
     [[nodiscard]] OpenResult openFiles();
     [[nodiscard]] OpenResult tellNoLists();
     [[nodiscard]] importing::IMPORTRESULT runImport(const std::string& path, std::optional<Header> header);

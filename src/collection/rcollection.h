@@ -250,6 +250,11 @@ private:
     void noteMoved(int number, const STATIONHDR& header);
     void applyStages(STATIONDATA& station);
 
+    [[nodiscard]] std::vector<std::uint8_t> marksOfEmpty(common::RUser& user);
+    [[nodiscard]] int dropStations(std::span<const std::uint8_t> marks, std::string_view logLine,
+                                   common::RUser& user);
+    [[nodiscard]] bool writeKeptHeaders(std::span<const std::uint8_t> marks, common::RUser& user);
+
     [[nodiscard]] bool filesAreInPlace() const;
     [[nodiscard]] bool finishChange(bool withDescription);
     [[nodiscard]] std::string describe(int count) const;
@@ -271,10 +276,6 @@ private:
     [[nodiscard]] bool prepareReplacement(std::span<const FILEACTION> actions);
     [[nodiscard]] bool decideReplacement(std::span<const FILEACTION> actions, int newStationCount,
                                          std::optional<std::string_view> description);
-    [[nodiscard]] std::vector<std::uint8_t> marksOfEmpty(common::RUser& user);
-    [[nodiscard]] int dropStations(std::span<const std::uint8_t> marks, std::string_view logLine,
-                                   common::RUser& user);
-    [[nodiscard]] bool writeKeptHeaders(std::span<const std::uint8_t> marks, common::RUser& user);
 
     int buildFullInventory(common::RUser& user);
     int buildSelectedInventory(common::RUser& user);
