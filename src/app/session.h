@@ -40,6 +40,7 @@ struct CREATIONCHOICE {
 struct FILEQUESTION {
     std::string caption, filter, proposal; // the filter in the form of the toolkit's file dialogs
     bool save = false;                     // the name of a file to be made
+    bool mayBeThere = false;               // who asks sees to a file of that name himself
 };
 
 // What a session asks of whoever shows it.
