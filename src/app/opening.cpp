@@ -1,6 +1,5 @@
 #include <filesystem>
 
-#include "app/collectionbackup.h"
 #include "app/session.h"
 #include "common/files.h"
 #include "common/text.h"
@@ -17,6 +16,11 @@ std::string plainBaseName(const std::string& name)
 {
     return common::replaceAll(common::replaceAll(name, ":", "_"), " ", "_");
 }
+
+// The files of an old collection that make way for those of a new one; the log goes on, and what the new one
+// does not write itself stays.
+constexpr auto replacedSuffixes =
+    std::to_array<std::string_view>({".hob", ".var", ".dob", ".inv", ".cid", ".idv"});
 
 bool canOpen(FileKind kind)
 {
@@ -172,8 +176,9 @@ OpenResult RSession::importAsNew(const std::string& path)
     }
     const std::string target = collection.path + ".var";
     const bool replaces = common::fileExists(target);
-    RCollectionBackup backup(collection.path);
-    if (!backup.moved() || !collection.createEmptyFiles()) {
+    // One change from the first old file that is put aside to the last new station.
+    if (!collection.beginChange("IMPORT") || !collection.setFilesAside(replacedSuffixes) ||
+        !collection.createEmptyFiles()) {
         user_.about(importTitle, "Collection " + target + " could not be made!");
         abandon();
         return OpenResult::failed;
@@ -185,7 +190,11 @@ OpenResult RSession::importAsNew(const std::string& path)
         abandon();
         return OpenResult::failed;
     }
-    backup.keep();
+    if (!collection.commitChange()) {
+        user_.about(importTitle, "Collection " + target + " could not be made!");
+        abandon();
+        return OpenResult::failed;
+    }
     becomeReady(target);
     return good ? OpenResult::ok : OpenResult::failed;
 }
