@@ -31,10 +31,8 @@ bool canOpen(FileKind kind)
 
 OpenResult RSession::openArgument(const std::string& argument, const std::string& directory)
 {
-    if (archiveClass(argument) != Archive::none) {
-        user_.about("Unzipping", "NVQ can't open packed files yet:\n\n" + argument);
-        return OpenResult::failed;
-    }
+    if (archiveClass(argument) != Archive::none)
+        return unpackArgument(common::makeAbsolute(argument, directory));
     const std::string name = withDefaultExtension(argument);
     return openKind(fileKind(name), common::makeAbsolute(name, directory));
 }
@@ -70,7 +68,8 @@ OpenResult RSession::openKind(FileKind kind, const std::string& path)
 // Directory, name and base path of the collection that `path` stands for; the current directory follows.
 bool RSession::setNames(const std::string& path)
 {
-    const common::PATHPARTS parts = common::splitPath(path);
+    common::PATHPARTS parts = common::splitPath(path);
+    if (!newDirectory_.empty()) parts.directory = newDirectory_;
     if (!common::directoryExists(parts.directory)) {
         user_.about("Collection Directory", parts.directory + "\n\ndoes not exist!");
         return false;
@@ -82,6 +81,7 @@ bool RSession::setNames(const std::string& path)
     collection.name = asItIs ? parts.baseName : plainBaseName(parts.baseName);
     collection.path = collection.directory + collection.name;
     collection.configName = collection.path;
+    collection.isTemporaryFile = openingTemporary_;
     collection.tempDirectory = installation.temp;
     collection.userName = installation.user;
     collection.hostName = installation.host;
@@ -133,6 +133,7 @@ void RSession::abandon()
     collection.closeStationFiles();
     collection.reset();
     lock_.release();
+    unpacked_.reset();
 }
 
 bool RSession::mayReplace()
@@ -241,8 +242,10 @@ void RSession::becomeReady(const std::string& path)
     currentStation.clear();
     view_.captionChanged(title + " - " + path);
     state = stateReady;
-    addRecentFile(settings.recentFiles, path);
-    view_.recentFilesChanged();
+    if (!collection.isTemporaryFile) {
+        addRecentFile(settings.recentFiles, path);
+        view_.recentFilesChanged();
+    }
     listChanged();
 }
 
