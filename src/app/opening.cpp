@@ -27,10 +27,8 @@ bool canOpen(FileKind kind)
 
 OpenResult RSession::openArgument(const std::string& argument, const std::string& directory)
 {
-    if (archiveClass(argument) != Archive::none) {
-        user_.about("Unzipping", "NVQ can't open packed files yet:\n\n" + argument);
-        return OpenResult::failed;
-    }
+    if (archiveClass(argument) != Archive::none)
+        return unpackArgument(common::makeAbsolute(argument, directory));
     const std::string name = withDefaultExtension(argument);
     return openKind(fileKind(name), common::makeAbsolute(name, directory));
 }
@@ -66,7 +64,8 @@ OpenResult RSession::openKind(FileKind kind, const std::string& path)
 // Directory, name and base path of the collection that `path` stands for; the current directory follows.
 bool RSession::setNames(const std::string& path)
 {
-    const common::PATHPARTS parts = common::splitPath(path);
+    common::PATHPARTS parts = common::splitPath(path);
+    if (!newDirectory_.empty()) parts.directory = newDirectory_;
     if (!common::directoryExists(parts.directory)) {
         user_.about("Collection Directory", parts.directory + "\n\ndoes not exist!");
         return false;
@@ -78,6 +77,7 @@ bool RSession::setNames(const std::string& path)
     collection.name = asItIs ? parts.baseName : plainBaseName(parts.baseName);
     collection.path = collection.directory + collection.name;
     collection.configName = collection.path;
+    collection.isTemporaryFile = openingTemporary_;
     collection.tempDirectory = installation.temp;
     collection.userName = installation.user;
     collection.hostName = installation.host;
@@ -129,6 +129,7 @@ void RSession::abandon()
     collection.closeStationFiles();
     collection.reset();
     lock_.release();
+    unpacked_.reset();
 }
 
 bool RSession::mayReplace()
@@ -179,7 +180,6 @@ OpenResult RSession::importAsNew(const std::string& path)
         return OpenResult::failed;
     }
     if (const OpenResult opened = openFiles(); opened != OpenResult::ok) return opened;
-    static_cast<void>(lock_.acquire(collection.path)); // of the new files
     const importing::IMPORTRESULT result = runImport(path, std::move(header));
     const bool good = result.end == importing::ImportEnd::done && result.stationsStored > 0;
     if (!good && (replaces || result.stationsStored == 0)) {
@@ -233,8 +233,10 @@ void RSession::becomeReady(const std::string& path)
     currentStation.clear();
     view_.captionChanged(title + " - " + path);
     state = stateReady;
-    addRecentFile(settings.recentFiles, path);
-    view_.recentFilesChanged();
+    if (!collection.isTemporaryFile) {
+        addRecentFile(settings.recentFiles, path);
+        view_.recentFilesChanged();
+    }
     listChanged();
 }
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <bitset>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -13,11 +14,12 @@
 #include <utility>
 #include <vector>
 
-#include "app/collectionlock.h"
 #include "app/filekind.h"
 #include "app/gate.h"
 #include "app/histories.h"
+#include "app/scratchfolder.h"
 #include "app/settings.h"
+#include "collection/collectionlock.h"
 #include "collection/rcollection.h"
 #include "collection/sidefiles.h"
 #include "common/installation.h"
@@ -183,11 +185,20 @@ private:
     void findRangesOf(int window);
     [[nodiscard]] bool writeGraphics(const std::string& path, int window, int dpi);
 
+    // unpacking.cpp; paths are absolute
+    [[nodiscard]] OpenResult unpackArgument(const std::string& archive);
+    [[nodiscard]] OpenResult openUnpacked(FileKind kind, const std::string& path, const std::string& archive,
+                                          std::unique_ptr<RScratchFolder> folder);
+    [[nodiscard]] OpenResult openBeside(FileKind kind, const std::string& path, const std::string& directory);
+
     common::RUser& user_;
     RSessionView& view_;
     selection::RSelectionStages stages_;
-    RCollectionLock lock_;
-    collection::STATIONDATA scratch_; // for plots and imports
+    collection::RCollectionLock lock_;
+    bool openingTemporary_ = false; // what is being opened was unpacked and goes when it is closed
+    std::string newDirectory_;      // where a file that is being opened makes a collection; empty: beside it
+    std::unique_ptr<RScratchFolder> unpacked_; // holds the open collection, if that was unpacked
+    collection::STATIONDATA scratch_;          // for plots and imports
     // Windows whose axes have their ranges, by mode and window number.
     std::array<std::bitset<common::maxDataWindows + 1>, graphics::modeCount> ranged_;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "collection/stationstreams.h"
 #include "common/text.h"
 
 namespace collection {
@@ -32,14 +33,6 @@ void readFormat(std::string_view line, VARINFO& variable)
     const std::pair<int, int> format = formatOfLine(line);
     variable.decimals = std::clamp(format.second, 0, 4);
     variable.width = std::clamp(format.first, variable.decimals + 3, variable.decimals + 15);
-}
-
-VARINFO readVariable(std::string_view line, int number)
-{
-    VARINFO variable = emptyVariable(number);
-    readFormat(line, variable);
-    setLabel(variable, common::trimBlanks(line.substr(0, formatColumn)));
-    return variable;
 }
 
 VarFileResult refuse(VARFAULT& fault, int line, std::string text)
@@ -75,6 +68,14 @@ std::pair<int, int> formatOfLine(std::string_view line)
     return format;
 }
 
+VARINFO parseVariableLine(std::string_view line, int number)
+{
+    VARINFO variable = emptyVariable(number);
+    readFormat(line, variable);
+    setLabel(variable, common::trimBlanks(line.substr(0, formatColumn)));
+    return variable;
+}
+
 VarFileResult parseVarFile(std::string_view bytes, VARDESCRIPTION& out, VARFAULT& fault)
 {
     fault = {};
@@ -97,7 +98,7 @@ VarFileResult parseVarFile(std::string_view bytes, VARDESCRIPTION& out, VARFAULT
         const bool counted = v >= 1 && v <= read.variableCount;
         if (counted && !bytes.empty()) read.describedCount = v;
         read.variables[static_cast<std::size_t>(v)] =
-            counted ? readVariable(common::takeLine(bytes), v) : emptyVariable(v);
+            counted ? parseVariableLine(common::takeLine(bytes), v) : emptyVariable(v);
     }
     out = std::move(read);
     return VarFileResult::ok;
@@ -162,7 +163,9 @@ bool RCollection::writeVarFile(const std::string& basePath)
     const std::string_view baseName = std::string_view(basePath).substr(basePath.rfind('/') + 1);
     if (!isUsableName(baseName)) return false;
     const std::string text = formatVarFile(baseName, type, stationCount, variableCount, variables);
-    return common::writeFile(basePath + ".var", text);
+    if (!common::writeFile(basePath + ".var", text)) return false;
+    if (basePath == path) files_->describedCount = stationCount;
+    return true;
 }
 
 } // namespace collection

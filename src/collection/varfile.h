@@ -28,6 +28,10 @@ struct VARFAULT {
 // Reads a description. `out` changes only on ok; otherwise `fault` tells line and reason.
 [[nodiscard]] VarFileResult parseVarFile(std::string_view bytes, VARDESCRIPTION& out, VARFAULT& fault);
 
+// The variable of a line: the label in its first 60 bytes, as it stands there, and behind it the format as
+// "width.decimals". What is no format gives the smallest one.
+[[nodiscard]] VARINFO parseVariableLine(std::string_view line, int number);
+
 [[nodiscard]] std::string formatVarFile(std::string_view name, std::string_view type, int stationCount,
                                         int variableCount, std::span<const VARINFO> variables);
 

@@ -165,12 +165,6 @@ TEST_F(Session, ArgumentWithoutAnExtensionIsACollection)
     EXPECT_EQ(session.openArgument("cast", folder.path()), OpenResult::ok);
 }
 
-TEST_F(Session, PackedFilesAreRefusedWithAMessage)
-{
-    EXPECT_EQ(session.openArgument("a.nc.gz", folder.path()), OpenResult::failed);
-    EXPECT_THAT(user->messages, ElementsAre("Unzipping: NVQ can't open packed files yet:\n\na.nc.gz"));
-}
-
 TEST_F(Session, UnknownKindIsTold)
 {
     EXPECT_EQ(session.open("/data/x.dat"), OpenResult::failed);
