@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "collection/check.h"
 #include "collection/sidefiles.h"
 #include "import/importspreadsheet.h"
 #include "import/spreadsheetfixture.h"
@@ -63,7 +64,16 @@ public:
         stored.clear();
         options.mode = mode;
         result = importSpreadsheet(collection(), sample.station, path(), options, user());
+        expectSoundFiles();
         return *this;
+    }
+    // Whatever an import did or met, the files agree.
+    void expectSoundFiles()
+    {
+        RScriptedUser checker;
+        for (const auto& finding : collection::checkCollection(collection().path, checker).findings) {
+            EXPECT_NE(finding.kind, collection::FINDING::inconsistency) << finding.text;
+        }
     }
     [[nodiscard]] READSTATION load(int number)
     {
