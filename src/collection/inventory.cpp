@@ -1,10 +1,11 @@
 // The inventory of a collection: its tables, the `.inv` file and the cruise indices of the `.cid` file.
 
 #include <algorithm>
-#include <filesystem>
+#include <new>
 
 #include "collection/cruisetable.h"
 #include "collection/damage.h"
+#include "collection/filetimes.h"
 #include "collection/rcollection.h"
 #include "common/byteorder.h"
 #include "common/text.h"
@@ -13,15 +14,15 @@ namespace collection {
 namespace {
 
 constexpr std::string_view busyText = "Building inventory ...";
+constexpr std::string_view buildTitle = "buildInventory", noRoomToBuild = "Could not Allocate Workspace",
+                           readTitle = "readInventory",
+                           noRoomToRead = "Could not allocate CRUISEINFO workspace";
 
-// Not older than the file beside it, and there.
-bool isCurrent(const std::string& file, const std::string& source)
+// The memory goes too: there was none left.
+void drop(std::vector<CRUISEINFO>& table, int& count)
 {
-    std::error_code error;
-    const auto time = std::filesystem::last_write_time(file, error);
-    if (error) return false;
-    const auto sourceTime = std::filesystem::last_write_time(source, error);
-    return !error && sourceTime <= time;
+    std::vector<CRUISEINFO>().swap(table);
+    count = 0;
 }
 
 // Updates the progress each time that a step of stations is done.
@@ -54,9 +55,16 @@ bool allWithin(const std::vector<std::int32_t>& indices, std::int32_t end)
 int RCollection::readInventory(bool force, common::RUser& user)
 {
     const bool current = !force && kind == 1 && isCurrent(path + ".inv", path + ".hob");
-    if (current && readInventoryFile()) return cruiseCount;
-    makeInventoryTables(true, user);
-    static_cast<void>(writeInventoryFile()); // it can be made again at any time
+    try {
+        if (current && readInventoryFile()) return cruiseCount;
+    } catch (const std::bad_alloc&) {
+        drop(cruises, cruiseCount);
+        sampleCount = 0;
+        user.about(readTitle, noRoomToRead);
+        return 0;
+    }
+    if (makeInventoryTables(true, user) > 0 || stationCount == 0)
+        static_cast<void>(writeInventoryFile()); // it can be made again at any time
     return cruiseCount;
 }
 
@@ -73,8 +81,15 @@ int RCollection::makeInventoryTables(bool allStations, common::RUser& user)
 int RCollection::buildInventory(bool allStations, common::RUser& user)
 {
     if (kind != 1) return 0;
-    const common::RBusyGuard busy(user, busyText);
-    return allStations ? buildFullInventory(user) : buildSelectedInventory(user);
+    try {
+        const common::RBusyGuard busy(user, busyText);
+        return allStations ? buildFullInventory(user) : buildSelectedInventory(user);
+    } catch (const std::bad_alloc&) {
+        drop(allStations ? cruises : selectedCruises, allStations ? cruiseCount : selectedCruiseCount);
+        if (allStations) sampleCount = 0;
+    }
+    user.about(buildTitle, noRoomToBuild);
+    return 0;
 }
 
 int RCollection::buildFullInventory(common::RUser& user)
@@ -144,14 +159,14 @@ bool RCollection::writeInventoryFile()
 {
     if (!writable || kind != 1) return false;
     const std::string text = formatInventory(cruises, stationCount, sampleCount, variableCount);
-    return common::writeFile(path + ".inv", text);
+    if (!common::writeFile(path + ".inv", text)) return false;
+    letTimePass(path + ".inv"); // a change of the headers must make it out of date
+    return true;
 }
 
 bool RCollection::readInventoryFile()
 {
-    // A line has at most 500 bytes, and no entry is without a station.
-    const std::int64_t limit = (std::int64_t{stationCount} + 2) * 500;
-    const auto text = common::readFile(path + ".inv", limit);
+    const auto text = common::readFile(path + ".inv", largestInventory(stationCount));
     INVENTORY read;
     if (!text || !parseInventory(*text, read) || read.stations != stationCount) return false;
     cruises = std::move(read.entries);
@@ -180,7 +195,10 @@ std::vector<std::int32_t> RCollection::readCruiseIndices(bool force)
             return true;
         },
         [](int) {});
-    if (read) writeCruiseIndices(indices);
+    if (read) {
+        writeCruiseIndices(indices);
+        if (writable) letTimePass(path + ".cid");
+    }
     return indices;
 }
 

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "collection/check.h"
 #include "collection/sidefiles.h"
 #include "filesizelimit.h"
 #include "import/importspreadsheet.h"
@@ -65,7 +66,16 @@ public:
         stored.clear();
         options.mode = mode;
         result = importSpreadsheet(collection(), sample.station, path(), options, user());
+        expectSoundFiles();
         return *this;
+    }
+    // Whatever an import did or met, the files agree.
+    void expectSoundFiles()
+    {
+        RScriptedUser checker;
+        for (const auto& finding : collection::checkCollection(collection().path, checker).findings) {
+            EXPECT_NE(finding.kind, collection::FINDING::inconsistency) << finding.text;
+        }
     }
     [[nodiscard]] READSTATION load(int number)
     {
