@@ -210,7 +210,6 @@ private:
     [[nodiscard]] bool copyOrMove(const FAMILYCOMMAND& command, const std::string& target);
     [[nodiscard]] bool runFamilyCommand(const FAMILYCOMMAND& command, const std::string& from,
                                         const std::string& to);
-    void openAgain(const std::string& file, std::unique_ptr<RScratchFolder> unpacked);
     [[nodiscard]] bool mayTakePlace(const FAMILYCOMMAND& command, const std::string& basePath);
     [[nodiscard]] std::string targetBase(const std::string& path, const FILEQUESTION& question);
     [[nodiscard]] bool deleteStations(const std::function<int()>& remove);
@@ -230,6 +229,8 @@ private:
     [[nodiscard]] OpenResult unpackArgument(const std::string& archive);
     [[nodiscard]] OpenResult openUnpacked(FileKind kind, const std::string& path, const std::string& archive,
                                           std::unique_ptr<RScratchFolder> folder);
+    [[nodiscard]] OpenResult openTemporary(FileKind kind, const std::string& path,
+                                           std::unique_ptr<RScratchFolder> folder);
     [[nodiscard]] OpenResult openBeside(FileKind kind, const std::string& path, const std::string& directory);
 
     common::RUser& user_;
