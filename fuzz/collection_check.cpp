@@ -46,16 +46,32 @@ public:
     bool interactive() const override { return false; }
 };
 
+// A folder of its own, in memory if there is such a place.
+class RFolder {
+public:
+    RFolder()
+    {
+        const bool inMemory = std::filesystem::exists("/dev/shm");
+        path_ = std::string(inMemory ? "/dev/shm" : "/tmp") + "/nvqcheck_" + std::to_string(::getpid()) + "/";
+        std::filesystem::create_directory(path_);
+    }
+    ~RFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    RFolder(const RFolder&) = delete;
+    RFolder& operator=(const RFolder&) = delete;
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
 const std::string& directory()
 {
-    static const std::string path = [] {
-        const bool inMemory = std::filesystem::exists("/dev/shm");
-        std::string name =
-            std::string(inMemory ? "/dev/shm" : "/tmp") + "/nvqcheck_" + std::to_string(::getpid());
-        std::filesystem::create_directory(name);
-        return name + "/";
-    }();
-    return path;
+    static const RFolder folder;
+    return folder.path();
 }
 
 void put(const std::string& file, std::string_view bytes)
