@@ -149,9 +149,9 @@ bool RSession::copyOrMove(const FAMILYCOMMAND& command, const std::string& targe
 {
     const std::string from = collection.path;
     const std::string beside = collection.isTemporaryFile ? "" : collection.directory; // not where it is lost
-    const std::string to =
-        targetBase(target, {"Select Target Collection Name ...", "Collection Name (*.var)",
-                            common::absolutePath(beside + "copy_of_" + collection.name + ".var"), true});
+    const std::string to = targetBase(
+        target, {"Select Target Collection Name ...", "Collection Name (*.var)",
+                 common::absolutePath(beside + "copy_of_" + collection.name + ".var"), true, true});
     if (to.empty() || !mayTakePlace(command, to)) return false;
     std::unique_ptr<RScratchFolder> unpacked = std::move(unpacked_); // its files must outlast the closing
     if (!close(false)) {
