@@ -270,10 +270,10 @@ bool RSession::deleteStations(const std::function<int()>& remove)
     const std::string path = collection.path;
     const int count = remove();
     if (count <= 0) return false;
+    if (collection.isOpen && collection.stationCount == 0)
+        static_cast<void>(collection.sortAndCondense(scratch_, user_)); // it tells what goes wrong
     stationsChanged();
     tellDone(path + ".var: " + counted(count, "station", "stations") + " deleted");
-    if (collection.isOpen && collection.stationCount == 0 && collection.sortAndCondense(scratch_, user_))
-        stationsChanged();
     return collection.isOpen;
 }
 
