@@ -1,0 +1,59 @@
+#include "common/text.h"
+#include "operations.h"
+#include "samplecollection.h"
+
+namespace reliability {
+namespace {
+
+bool editHeader(ROpenCollection& open, int number, float depth)
+{
+    collection::STATIONHDR header;
+    if (!open.collection.readStationHeader(number, header, nullptr)) return false;
+    header.bottomDepth = depth;
+    common::copyText(header.station, "N" + std::to_string(number));
+    return open.collection.writeStationHeader(number, header, nullptr);
+}
+
+bool store(ROpenCollection& open, int number, int levels, float seed)
+{
+    testing_support::fillStation(open.station, testing_support::profile(levels, 4, seed));
+    testing_support::label(open.station, "A", "77");
+    testing_support::place(open.station, 30, -20);
+    return open.collection.writeStation(number, open.station, false) == collection::WriteResult::ok;
+}
+
+// Two headers and a station in one change.
+bool editTogether(ROpenCollection& open)
+{
+    if (!open.collection.beginChange("EDIT")) return false;
+    if (!editHeader(open, 1, 111) || !editHeader(open, 9, 999) || !store(open, 3, 2, 70)) {
+        open.collection.rollBackChange();
+        return false;
+    }
+    return open.collection.commitChange();
+}
+
+OPERATION plain(const std::string& name, std::function<bool(ROpenCollection&)> run)
+{
+    OPERATION operation;
+    operation.name = name;
+    operation.run = std::move(run);
+    operation.speaks = false;
+    return operation;
+}
+
+} // namespace
+
+std::vector<OPERATION> stationOperations()
+{
+    return {
+        plain("HeaderEdit", [](ROpenCollection& open) { return editHeader(open, 4, 1234); }),
+        plain("OverwriteOfAStation", [](ROpenCollection& open) { return store(open, 1, 8, 71); }),
+        plain("GrowthOfTheLastStation",
+              [](ROpenCollection& open) { return store(open, open.collection.stationCount, 30, 72); }),
+        plain("GrowthOfAStation", [](ROpenCollection& open) { return store(open, 2, 31, 73); }),
+        plain("EditsInOneChange", editTogether),
+    };
+}
+
+} // namespace reliability
