@@ -33,6 +33,22 @@ OPERATION importIntoEmpty()
     return operation;
 }
 
+// The user wants it undone when it reports.
+OPERATION importThatIsUndone()
+{
+    OPERATION operation =
+        importOf("ImportThatIsUndone", {{"B", "12", 30, 50}, {"E", "1", 6, 51}, {"A", "1", 3, 52}});
+    operation.changesNothing = true;
+    operation.run = [](ROpenCollection& open) {
+        open.user.acceptReports = false;
+        importing::IMPORTOPTIONS options;
+        const importing::IMPORTRESULT result = importing::importSpreadsheet(
+            open.collection, open.station, open.folder + "casts.txt", options, open.user);
+        return result.end == importing::ImportEnd::cancelled;
+    };
+    return operation;
+}
+
 } // namespace
 
 std::vector<OPERATION> importOperations()
@@ -53,6 +69,7 @@ std::vector<OPERATION> importOperations()
         importOf("ImportThatMerges", {{"B", "12", 12, 60}, {"A", "1", 7, 61}}, ImportMode::merge),
         importOf("ImportThatUpdates", {{"B", "12", 9, 60}, {"A", "1", 14, 61}}, ImportMode::update),
         importIntoEmpty(),
+        importThatIsUndone(),
     };
 }
 

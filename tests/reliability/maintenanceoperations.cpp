@@ -36,6 +36,17 @@ bool deleteCruise(ROpenCollection& open, std::string_view cruise)
     return open.collection.deleteSelectedStations(open.user) > 0;
 }
 
+// ESC at the fourth station, and yes.
+OPERATION sortThatIsAborted()
+{
+    OPERATION operation = plain("SortThatIsAborted", [](ROpenCollection& open) {
+        open.user.abortAfter = 4;
+        return !open.collection.sortAndCondense(open.station, open.user);
+    });
+    operation.changesNothing = true;
+    return operation;
+}
+
 } // namespace
 
 std::vector<OPERATION> maintenanceOperations()
@@ -43,6 +54,7 @@ std::vector<OPERATION> maintenanceOperations()
     return {
         plain("SortAndCondense",
               [](ROpenCollection& open) { return open.collection.sortAndCondense(open.station, open.user); }),
+        sortThatIsAborted(),
         plain("ChangeOfVariables", changeVariables),
         plain("DeletionOfSelectedStations", [](ROpenCollection& open) { return deleteCruise(open, "A"); }),
         plain("DeletionOfAllStations", [](ROpenCollection& open) { return deleteCruise(open, "*"); }),

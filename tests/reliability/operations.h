@@ -20,8 +20,10 @@ struct OPERATION {
     std::function<bool(ROpenCollection&)> run;
     std::vector<std::string> collections{"sample"}; // that the folder may hold
     std::map<std::string, std::string> inputs{};    // other files of the folder and their bytes
-    // It is a series of changes: each state between two of them is good, too.
-    bool isSeries = false;
+    // It is a series of changes, the last of which is `run`: each state between two of them is good, too.
+    std::vector<std::function<bool(ROpenCollection&)>> first{};
+    // The user takes it back.
+    bool changesNothing = false;
     // What it did is safe on the disk when it says so.
     bool isDurable = true;
     // It says for itself why it failed.
@@ -58,7 +60,7 @@ public:
     void reset() const { copyFolder(start_, work_); }
     // What a process does that opens the collection, runs the operation and closes it again.
     enum Exit { done = 0, refused = 1, silent = 2, otherwiseInMemory = 3, notOpened = 4 };
-    [[nodiscard]] int workThrough(const std::string& folder) const;
+    [[nodiscard]] int workThrough(const std::string& folder) const { return workThrough(folder, allSteps); }
     // It removes a file of this name, which isn't there, when the operation says that it is done.
     static constexpr const char* doneMark = "done_mark";
     [[nodiscard]] EXAMINATION examine(const std::string& folder) const;
@@ -73,10 +75,15 @@ public:
     [[nodiscard]] const Contents& newState() const { return new_; }
     // What the last process that worked through the case has told.
     [[nodiscard]] std::string told() const;
-    // Further states that are good.
-    std::vector<Contents> between;
 
 private:
+    static constexpr std::size_t allSteps = 1000;
+    [[nodiscard]] int workThrough(const std::string& folder, std::size_t steps) const;
+    // Lets a process of its own do the first steps; the state behind them.
+    [[nodiscard]] Contents stateAfter(std::size_t steps);
+    [[nodiscard]] bool isBetween(const Contents& contents) const;
+
+    std::vector<Contents> between_; // good states of a series
     CASE case_;
     testing_support::RTemporaryDirectory directory_;
     std::string start_, work_;

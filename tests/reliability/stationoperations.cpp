@@ -42,6 +42,21 @@ OPERATION plain(const std::string& name, std::function<bool(ROpenCollection&)> r
     return operation;
 }
 
+// What a user may do in one sitting.
+OPERATION series()
+{
+    OPERATION operation =
+        plain("SeriesOfChanges", [](ROpenCollection& open) { return store(open, 4, 26, 82); });
+    operation.first = {
+        [](ROpenCollection& open) { return editHeader(open, 2, 77); },
+        [](ROpenCollection& open) { return open.collection.deleteStation(3, open.user) == 1; },
+        [](ROpenCollection& open) { return store(open, 1, 40, 81); },
+        [](ROpenCollection& open) { return open.collection.sortAndCondense(open.station, open.user); },
+        [](ROpenCollection& open) { return editHeader(open, 5, 99); },
+    };
+    return operation;
+}
+
 } // namespace
 
 std::vector<OPERATION> stationOperations()
@@ -53,6 +68,7 @@ std::vector<OPERATION> stationOperations()
               [](ROpenCollection& open) { return store(open, open.collection.stationCount, 30, 72); }),
         plain("GrowthOfAStation", [](ROpenCollection& open) { return store(open, 2, 31, 73); }),
         plain("EditsInOneChange", editTogether),
+        series(),
     };
 }
 
