@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "common/files.h"
 #include "common/text.h"
 #include "faults.h"
 #include "operations.h"
@@ -24,10 +25,11 @@ struct REFUSAL {
 
 class Refusals : public testing::TestWithParam<CASE> {};
 
-// A full disk has room for nothing new; names can be changed and taken away.
+// A full disk has room for nothing new; what is there can be overwritten, names can be changed and taken away.
 bool needsRoom(const FILECALL& call)
 {
-    return call.kind == FILECALL::write || (call.kind == FILECALL::make && call.file == 0);
+    if (call.kind == FILECALL::write) return call.offset + call.length > common::fileSize(call.path);
+    return call.kind == FILECALL::make && call.file == 0;
 }
 
 // Refuses the n-th call of a process. False if it made fewer. `exit` is how it ended, `call` what was
