@@ -179,7 +179,6 @@ OpenResult RSession::importAsNew(const std::string& path)
         return OpenResult::failed;
     }
     if (const OpenResult opened = openFiles(); opened != OpenResult::ok) return opened;
-    static_cast<void>(lock_.acquire(collection.path)); // of the new files
     const importing::IMPORTRESULT result = runImport(path, std::move(header));
     const bool good = result.end == importing::ImportEnd::done && result.stationsStored > 0;
     if (!good && (replaces || result.stationsStored == 0)) {

@@ -13,11 +13,11 @@
 #include <utility>
 #include <vector>
 
-#include "app/collectionlock.h"
 #include "app/filekind.h"
 #include "app/gate.h"
 #include "app/histories.h"
 #include "app/settings.h"
+#include "collection/collectionlock.h"
 #include "collection/rcollection.h"
 #include "collection/sidefiles.h"
 #include "common/installation.h"
@@ -186,7 +186,7 @@ private:
     common::RUser& user_;
     RSessionView& view_;
     selection::RSelectionStages stages_;
-    RCollectionLock lock_;
+    collection::RCollectionLock lock_;
     collection::STATIONDATA scratch_; // for plots and imports
     // Windows whose axes have their ranges, by mode and window number.
     std::array<std::bitset<common::maxDataWindows + 1>, graphics::modeCount> ranged_;

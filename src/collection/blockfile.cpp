@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
@@ -38,7 +39,7 @@ bool RBlockFile::open(const std::string& path, Mode mode)
         close();
         return false;
     }
-    size_ = status.st_size;
+    size_ = fileSize_ = status.st_size;
     return true;
 }
 
@@ -46,8 +47,17 @@ void RBlockFile::close()
 {
     if (descriptor_ >= 0) ::close(descriptor_);
     descriptor_ = -1;
-    size_ = start_ = expected_ = 0;
+    held_.clear();
+    size_ = fileSize_ = start_ = expected_ = 0;
     valid_ = 0;
+}
+
+bool RBlockFile::isAt(const std::string& path) const
+{
+    struct stat here {
+    }, there{};
+    return ::fstat(descriptor_, &here) == 0 && ::stat(path.c_str(), &there) == 0 &&
+           here.st_dev == there.st_dev && here.st_ino == there.st_ino;
 }
 
 const std::byte* RBlockFile::view(std::int64_t offset, std::size_t length)
@@ -64,22 +74,87 @@ const std::byte* RBlockFile::view(std::int64_t offset, std::size_t length)
         buffer_ = std::make_unique_for_overwrite<std::byte[]>(capacity_);
     }
     start_ = offset;
-    valid_ = 0;
-    const std::int64_t got = readSome(offset, buffer_.get(), wanted);
-    if (got > 0) valid_ = static_cast<std::size_t>(got);
+    valid_ = readSome(offset, {buffer_.get(), wanted});
     return valid_ < length || valid_ == 0 ? nullptr : buffer_.get();
 }
 
 bool RBlockFile::read(std::int64_t offset, std::span<std::byte> out)
 {
-    return readSome(offset, out.data(), out.size()) == static_cast<std::int64_t>(out.size());
+    return readSome(offset, out) == out.size();
 }
 
 bool RBlockFile::write(std::int64_t offset, std::span<const std::byte> first,
                        std::span<const std::byte> second)
 {
+    if (!flush()) return false;
+    if (!writeFile(offset, first, second)) {
+        valid_ = 0; // part of it may have been written
+        return false;
+    }
+    patch(offset, first);
+    patch(offset + static_cast<std::int64_t>(first.size()), second);
+    return true;
+}
+
+void RBlockFile::hold(std::int64_t offset, std::span<const std::byte> first,
+                      std::span<const std::byte> second)
+{
+    const std::int64_t middle = offset + static_cast<std::int64_t>(first.size());
+    held_.put(offset, first);
+    held_.put(middle, second);
+    patch(offset, first);
+    patch(middle, second);
+    size_ = std::max(size_, middle + static_cast<std::int64_t>(second.size()));
+}
+
+bool RBlockFile::flush()
+{
+    if (held_.isEmpty()) return true;
+    const bool written = held_.forEach([this](std::int64_t offset, std::span<const std::byte> bytes) {
+        return writeFile(offset, bytes, {});
+    });
+    if (written) held_.clear();
+    return written;
+}
+
+void RBlockFile::drop()
+{
+    if (held_.isEmpty()) return;
+    held_.clear();
+    size_ = fileSize_;
+    valid_ = 0;
+}
+
+bool RBlockFile::truncate(std::int64_t size)
+{
+    if (!flush()) return false;
+    valid_ = 0;
+    if (::ftruncate(descriptor_, size) != 0) return false;
+    size_ = fileSize_ = size;
+    return true;
+}
+
+bool RBlockFile::sync()
+{
+    if (!flush()) return false;
+    return ::fdatasync(descriptor_) == 0 || errno == EINVAL || errno == ENOTSUP;
+}
+
+// Keeps the read-ahead true.
+void RBlockFile::patch(std::int64_t offset, std::span<const std::byte> bytes)
+{
+    const std::int64_t from = std::max(offset, start_);
+    const std::int64_t to = std::min(offset + static_cast<std::int64_t>(bytes.size()),
+                                     start_ + static_cast<std::int64_t>(valid_));
+    if (from >= to) return;
+    std::memcpy(buffer_.get() + (from - start_), bytes.data() + (from - offset),
+                static_cast<std::size_t>(to - from));
+}
+
+bool RBlockFile::writeFile(std::int64_t offset, std::span<const std::byte> first,
+                           std::span<const std::byte> second)
+{
     const std::int64_t end = offset + static_cast<std::int64_t>(first.size() + second.size());
-    if (offset < start_ + static_cast<std::int64_t>(valid_) && end > start_) valid_ = 0;
     std::int64_t at = offset;
     while (at < end) {
         const auto done = static_cast<std::size_t>(at - offset);
@@ -93,37 +168,31 @@ bool RBlockFile::write(std::int64_t offset, std::span<const std::byte> first,
         if (written < 0 && errno == EINTR) continue;
         if (written <= 0) return false;
         at += written;
+        fileSize_ = std::max(fileSize_, at);
         size_ = std::max(size_, at);
     }
     return true;
 }
 
-bool RBlockFile::truncate(std::int64_t size)
+// Bytes read, as they will be when what is held back is written; less than asked for at the end of the file
+// or after an error.
+std::size_t RBlockFile::readSome(std::int64_t offset, std::span<std::byte> out) const
 {
-    valid_ = 0;
-    if (::ftruncate(descriptor_, size) != 0) return false;
-    size_ = size;
-    return true;
+    const std::size_t got = offset < fileSize_ || held_.isEmpty() ? readFile(offset, out) : 0;
+    return held_.isEmpty() ? got : held_.overlay(offset, out, got);
 }
 
-bool RBlockFile::sync()
-{
-    return ::fdatasync(descriptor_) == 0 || errno == EINVAL || errno == ENOTSUP;
-}
-
-// Bytes read, less than asked for only at the end of the file; -1 for an error.
-std::int64_t RBlockFile::readSome(std::int64_t offset, std::byte* out, std::size_t length) const
+std::size_t RBlockFile::readFile(std::int64_t offset, std::span<std::byte> out) const
 {
     std::size_t done = 0;
-    while (done < length) {
-        const ssize_t got =
-            ::pread(descriptor_, out + done, length - done, offset + static_cast<std::int64_t>(done));
+    while (done < out.size()) {
+        const ssize_t got = ::pread(descriptor_, out.data() + done, out.size() - done,
+                                    offset + static_cast<std::int64_t>(done));
         if (got < 0 && errno == EINTR) continue;
-        if (got < 0) return -1;
-        if (got == 0) break;
+        if (got <= 0) break;
         done += static_cast<std::size_t>(got);
     }
-    return static_cast<std::int64_t>(done);
+    return done;
 }
 
 } // namespace collection

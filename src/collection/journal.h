@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -19,9 +20,9 @@ namespace collection {
 
 enum class JournalFile : std::uint8_t { hob = 0, dob = 1 };
 
-// The files as far as stations refer to them, and the count of the description.
+// The files as far as stations refer to them, and the count of stations.
 struct JOURNALSTATE {
-    std::int64_t hobSize = 0, dobSize = 0; // bytes
+    std::int64_t hobSize = 0, dobSize = 0; // bytes; -1 where the change began with closed files
     std::int32_t stationCount = 0;
 };
 
@@ -38,23 +39,33 @@ public:
     RJournal(const RJournal&) = delete;
     RJournal& operator=(const RJournal&) = delete;
 
-    // Makes the file with its head, durably. False if it can't be made or if there is one already.
+    // Begins a journal; the file is made by the first sync(). False if there is one already, or if the
+    // present description can't be read.
     [[nodiscard]] bool begin(const std::string& basePath, std::string_view operation,
                              const JOURNALSTATE& before);
-    [[nodiscard]] bool isOpen() const;
+    [[nodiscard]] bool isOpen() const { return state_ != nullptr; }
+    // True from the first sync() on that made the file: something may have been changed.
+    [[nodiscard]] bool isInPlace() const;
 
-    // Notes, collected in memory until sync():
-    // the bytes that stand at a place of a station file, which will be overwritten;
-    void save(JournalFile file, std::int64_t offset, std::span<const std::byte> old);
+    // Notes, collected until sync(); false if they can't be taken. The bytes that stand at a place of a
+    // station file, which will be overwritten;
+    [[nodiscard]] bool save(JournalFile file, std::int64_t offset, std::span<const std::byte> old);
     // a file that the change will make: it goes if the change is undone;
-    void willMake(std::string_view name);
-    // a file that the change will put aside under another name: it comes back if the change is undone.
-    void willSetAside(std::string_view name, std::string_view aside);
+    [[nodiscard]] bool willMake(std::string_view name);
+    // a file that the change will put aside under another name: it comes back if the change is undone;
+    [[nodiscard]] bool willSetAside(std::string_view name, std::string_view aside);
+    // a file that the change will append to: it is cut to `size` if the change is undone.
+    [[nodiscard]] bool willExtend(std::string_view name, std::int64_t size);
 
     // True when all notes are on the disk: only then may the change go on to what they protect.
     [[nodiscard]] bool sync();
-    // The change is decided: from here on a cut-off is completed, not undone. True when that is on the disk.
-    [[nodiscard]] bool commit(const JOURNALSTATE& after, std::span<const FILEACTION> actions);
+    [[nodiscard]] bool isSynced() const;
+    // The change is decided: from here on a cut-off is completed, not undone. `description` is what `.var` is
+    // to be; without one it stays. True when that is on the disk.
+    [[nodiscard]] bool commit(const JOURNALSTATE& after, std::span<const FILEACTION> actions,
+                              std::optional<std::string_view> description = {});
+    // Takes the decision back. True when that is on the disk.
+    [[nodiscard]] bool revoke();
     // The change is whole, or undone, on the disk: the file goes.
     [[nodiscard]] bool finish();
 
@@ -79,7 +90,7 @@ struct RECOVERY {
 
 // Undoes or completes what a change that was cut off has left. The caller holds the lock of the collection.
 // May itself be cut off at any point and run again. Nothing that stands in a journal is believed: one that
-// doesn't belong to these files changes nothing and fails.
+// is damaged or doesn't belong to these files changes nothing and fails.
 [[nodiscard]] RECOVERY recoverCollection(const std::string& basePath);
 
 } // namespace collection

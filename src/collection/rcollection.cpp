@@ -20,17 +20,19 @@ RCollection::RCollection() : files_(std::make_unique<Files>())
 
 RCollection::~RCollection()
 {
+    rollBackChange();
     closeTemporaryFiles();
 }
 
 void RCollection::reset()
 {
+    rollBackChange();
     closeStationFiles();
     closeTemporaryFiles();
-    for (std::string* const text : {&name, &extension, &directory, &path, &configName, &tempId})
+    for (std::string* const text : {&name, &extension, &directory, &path, &configName, &tempId, &newMagic})
         text->clear();
     type = "HYD";
-    writable = sectionDefined = configChanged = isTemporaryFile = false;
+    writable = sectionDefined = configChanged = isTemporaryFile = writeBehind = false;
     stationCount = selectedStationCount = plottedStationCount = 0;
     cruiseCount = selectedCruiseCount = sampleCount = 0;
     variableCount = totalVariableCount = 0;

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -57,6 +58,8 @@ enum class WriteResult : int {
     tooLarge = 8,
     full = 9 // no header can point behind the last block: sorting and condensing may make room
 };
+
+struct CHANGE;
 
 class RCollection {
 public:
@@ -108,6 +111,9 @@ public:
     // The magic that station files get when they are made; empty: the host's. A collection that is rewritten
     // keeps its own.
     std::string newMagic;
+    // Appended stations may wait in memory also outside of a change, up to flushStationFiles(): for files
+    // that are of no use to anybody until they are complete.
+    bool writeBehind = false;
     common::FilePtr valFile;       // list of selected stations, see selection/selectedlist.h
     common::FilePtr selFile;       // list of plotted stations, the same records
     RLoadStages* stages = nullptr; // not owned; null: a load applies no stages
@@ -138,7 +144,7 @@ public:
     // that isn't 0 must be set; counts, type and deepest sample are settled here, and empty variables lose
     // their blocks. On a failure the collection is as before. `.var` is not rewritten.
     [[nodiscard]] WriteResult writeStation(int number, STATIONDATA& station, bool sort);
-    // Stations reach the files at once, and are safe on the disk when this returns true.
+    // Outside of a change stations reach the files at once; they are safe on the disk when this returns true.
     [[nodiscard]] bool flushStationFiles();
 
     // --- changes that hold together (change.cpp). What happens to the station files and the description
@@ -158,7 +164,8 @@ public:
     // Files that the change will make, by their names in the collection's directory: they go if it is undone.
     [[nodiscard]] bool noteMadeFiles(std::span<const std::string> names);
     // Puts the files of these suffixes aside, as far as they exist; they come back if the change is undone,
-    // and go when it is committed. The station files must be closed.
+    // and go when it is committed. Those that don't exist, and what is added to the log, go if it is undone.
+    // For a change that began with closed station files, which may be made and opened now.
     [[nodiscard]] bool setFilesAside(std::span<const std::string_view> suffixes);
     // The other way to commit: prepared, flushed files take the places of the collection's own (actions in
     // order, each may be done twice). The station files are closed before and opened again after it with all
@@ -227,17 +234,40 @@ private:
 
     [[nodiscard]] OpenFilesResult openEmptyFiles(common::RUser& user);
     [[nodiscard]] OpenFilesResult openFilledFiles(common::RUser& user);
+    void closeStreams();
     [[nodiscard]] WriteResult prepareStation(STATIONDATA& station, bool sort);
+    [[nodiscard]] bool findDataEnds();
+    [[nodiscard]] bool hasOutgrown(int number, const STATIONDATA& station, const STATIONHDR& old);
     [[nodiscard]] bool putRecord(int number, const STATIONHDR& header, const LEVELCOUNTS& counts);
     [[nodiscard]] bool putCells(const STATIONDATA& station);
-    [[nodiscard]] WriteResult overwriteStation(int number, STATIONDATA& station, const STATIONHDR& old,
-                                               const LEVELCOUNTS& oldCounts);
+    [[nodiscard]] WriteResult overwriteStation(int number, STATIONDATA& station, const STATIONHDR& old);
     [[nodiscard]] bool addRecord(const STATIONDATA& station);
     void cutData(std::int64_t end);
     [[nodiscard]] WriteResult appendStation(STATIONDATA& station, int displaced);
-    [[nodiscard]] bool takeOutOfPlace(int number, const STATIONDATA& station);
     void noteMoved(int number, const STATIONHDR& header);
     void applyStages(STATIONDATA& station);
+
+    [[nodiscard]] bool filesAreInPlace() const;
+    [[nodiscard]] bool finishChange(bool withDescription);
+    [[nodiscard]] std::string describe(int count) const;
+    [[nodiscard]] bool decideByDescription();
+    [[nodiscard]] bool decideByJournal();
+    [[nodiscard]] bool undoOnDisk(CHANGE& change);
+    void reopenStreams();
+    [[nodiscard]] WriteResult asOneChange(std::string_view operation,
+                                          const std::function<WriteResult()>& write);
+    void settleChange();
+    [[nodiscard]] bool beginJournal();
+    [[nodiscard]] bool saveOld(JournalFile file, std::int64_t offset, std::size_t length);
+    [[nodiscard]] bool put(JournalFile file, std::int64_t offset, std::span<const std::byte> first,
+                           std::span<const std::byte> second = {});
+    [[nodiscard]] bool mayHoldMore();
+    [[nodiscard]] bool flushHeld();
+    [[nodiscard]] bool compactTable();
+    [[nodiscard]] bool moveRecords(std::int64_t first, std::int64_t last, std::int64_t to);
+    [[nodiscard]] bool prepareReplacement(std::span<const FILEACTION> actions);
+    [[nodiscard]] bool decideReplacement(std::span<const FILEACTION> actions, int newStationCount,
+                                         std::optional<std::string_view> description);
 
     int buildFullInventory(common::RUser& user);
     int buildSelectedInventory(common::RUser& user);

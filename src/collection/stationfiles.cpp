@@ -30,6 +30,16 @@ bool holdStations(const std::string& path, int recordSize)
     return recordsIn(hob, recordSize) > 0 || (hob < magicSize && dob > 0);
 }
 
+// The magic of a header table that is about to be made anew; the host's where there is none.
+std::string presentMagic(const std::string& file)
+{
+    RBlockFile table;
+    const std::byte* const bytes =
+        table.open(file, RBlockFile::Mode::read) ? table.view(0, magicSize) : nullptr;
+    const std::string_view magic(reinterpret_cast<const char*>(bytes), bytes ? magicSize : 0);
+    return std::string(magic == littleEndianMagic || magic == bigEndianMagic ? magic : hostMagic());
+}
+
 bool isUnreadable(const std::string& file, RBlockFile& stream, RBlockFile::Mode mode, common::RUser& user)
 {
     if (stream.open(file, mode)) return false;
@@ -44,6 +54,7 @@ OpenFilesResult RCollection::openStationFiles(const std::string& file, common::R
     closeStationFiles();
     if (readVarFile(file, {}, user) != VarFileResult::ok) return OpenFilesResult::badDescription;
     files_->form = {.variableCount = variableCount};
+    files_->describedCount = stationCount;
     const OpenFilesResult result = stationCount == 0 ? openEmptyFiles(user) : openFilledFiles(user);
     if (result != OpenFilesResult::ok) {
         closeStationFiles();
@@ -68,15 +79,15 @@ OpenFilesResult RCollection::openEmptyFiles(common::RUser& user)
         user.about(boxTitle, path + ".var: the collection holds no stations and is write-protected.");
         return OpenFilesResult::noHeaderFile;
     }
+    const std::string magic = newMagic.empty() ? presentMagic(path + ".hob") : newMagic;
     constexpr auto mode = RBlockFile::Mode::create;
     if (isUnreadable(path + ".dob", files_->dob, mode, user)) return OpenFilesResult::noDataFile;
     if (isUnreadable(path + ".hob", files_->hob, mode, user)) return OpenFilesResult::noHeaderFile;
-    const std::string_view magic = hostMagic();
     if (!files_->hob.write(0, std::as_bytes(std::span(magic)))) {
         user.about(boxTitle, path + ".hob can't be written.");
         return OpenFilesResult::noHeaderFile;
     }
-    swapBytes = false;
+    swapBytes = magic != hostMagic();
     foreignTimeOrder = magic == bigEndianMagic;
     return OpenFilesResult::ok;
 }
@@ -112,17 +123,39 @@ OpenFilesResult RCollection::openFilledFiles(common::RUser& user)
 
 void RCollection::closeStationFiles()
 {
+    if (isOpen) rollBackChange();
+    closeStreams();
+}
+
+void RCollection::closeStreams()
+{
     files_->hob.close();
     files_->dob.close();
+    files_->removed.clear();
+    files_->ends.reset();
     isOpen = false;
     kind = 0;
 }
 
 bool RCollection::readHeaderBlock(int first, int count, std::vector<std::byte>& block)
 {
-    const auto size = static_cast<std::size_t>(count) * static_cast<std::size_t>(files_->form.recordSize());
+    if (kind != 1) return false;
+    const auto recordSize = static_cast<std::size_t>(files_->form.recordSize());
+    const std::size_t size = static_cast<std::size_t>(count) * recordSize;
     if (block.size() < size) block.resize(size);
-    return kind == 1 && files_->hob.read(files_->placeOf(first), std::span(block).first(size));
+    const int end = first + count;
+    for (std::byte* to = block.data(); first < end;) { // one run of records that stand in a row
+        int run = end - first;
+        if (const auto slot = files_->placeOf(first); !files_->removed.isEmpty())
+            while (files_->placeOf(first + run - 1) !=
+                   slot + static_cast<std::int64_t>(recordSize) * (run - 1))
+                run = (run + 1) / 2;
+        const std::span<std::byte> out(to, static_cast<std::size_t>(run) * recordSize);
+        if (!files_->hob.read(files_->placeOf(first), out)) return false;
+        first += run;
+        to += out.size();
+    }
+    return true;
 }
 
 bool RCollection::unpackRecord(const std::byte* record, STATIONHDR& header, LEVELCOUNTS& counts) const
@@ -180,7 +213,7 @@ void RCollection::applyStages(STATIONDATA& station)
 
 bool RCollection::flushStationFiles()
 {
-    return kind == 1 && files_->dob.sync() && files_->hob.sync();
+    return kind == 1 && (!isChanging() || flushHeld()) && files_->dob.sync() && files_->hob.sync();
 }
 
 } // namespace collection

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "collection/stationstreams.h"
 #include "common/text.h"
 
 namespace collection {
@@ -156,7 +157,9 @@ bool RCollection::writeVarFile(const std::string& basePath)
     const std::string_view baseName = std::string_view(basePath).substr(basePath.rfind('/') + 1);
     if (!isUsableName(baseName)) return false;
     const std::string text = formatVarFile(baseName, type, stationCount, variableCount, variables);
-    return common::writeFile(basePath + ".var", text);
+    if (!common::writeFile(basePath + ".var", text)) return false;
+    if (basePath == path) files_->describedCount = stationCount;
+    return true;
 }
 
 } // namespace collection

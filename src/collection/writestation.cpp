@@ -7,7 +7,6 @@
 #include <limits>
 #include <numeric>
 
-#include "collection/recordmove.h"
 #include "collection/stationstreams.h"
 #include "common/byteorder.h"
 #include "common/text.h"
@@ -125,12 +124,45 @@ WriteResult RCollection::writeStation(int number, STATIONDATA& station, bool sor
     if (!isOpen || kind != 1 || !writable || stationCount < 0) return WriteResult::notOpen;
     const WriteResult prepared = prepareStation(station, sort);
     if (prepared != WriteResult::ok) return prepared;
-    if (number < 1 || number > stationCount) return appendStation(station, 0);
-    STATIONHDR old;
-    LEVELCOUNTS oldCounts{};
-    if (!readStationHeader(number, old, &oldCounts)) return WriteResult::badHeader;
-    const bool outgrown = number < stationCount && station.header.valueCount > old.valueCount;
-    return outgrown ? appendStation(station, number) : overwriteStation(number, station, old, oldCounts);
+    if (number < 1 || number > stationCount)
+        return mayHoldMore() ? appendStation(station, 0) : WriteResult::dataNotWritten;
+    return asOneChange("WRITE_STATION", [&] {
+        STATIONHDR old;
+        if (!readStationHeader(number, old, nullptr)) return WriteResult::badHeader;
+        return hasOutgrown(number, station, old) ? appendStation(station, number)
+                                                 : overwriteStation(number, station, old);
+    });
+}
+
+// Finds the ends of the data blocks, once an opening: what the last header says alone would let a wrong one
+// lead into the blocks of others. False if the last header can't be read.
+bool RCollection::findDataEnds()
+{
+    if (files_->ends) return true;
+    DATAENDS ends;
+    bool lastIsRead = stationCount == 0;
+    const auto visit = [&](int number, const STATIONHDR& header, const LEVELCOUNTS&) {
+        const std::int64_t end = header.dataOffset + std::int64_t{bytesACell} * header.valueCount;
+        if (number == stationCount) {
+            ends.last = end;
+            lastIsRead = true;
+        } else {
+            ends.others = std::max(ends.others, end);
+        }
+        return true;
+    };
+    // where the block of a damaged header ends nobody knows
+    const auto damaged = [&](int) { ends.others = files_->dob.size(); };
+    if (!scanHeaders(1, stationCount, visit, damaged) || !lastIsRead) return false;
+    files_->ends = ends;
+    return true;
+}
+
+// Only the last block of the file can grow.
+bool RCollection::hasOutgrown(int number, const STATIONDATA& station, const STATIONHDR& old)
+{
+    if (station.header.valueCount <= old.valueCount) return false;
+    return number < stationCount || !findDataEnds() || files_->ends->others > files_->ends->last;
 }
 
 // Settles all that follows from the cells: counts, blocks, type, order, deepest sample.
@@ -162,53 +194,47 @@ WriteResult RCollection::prepareStation(STATIONDATA& station, bool sort)
     return WriteResult::ok;
 }
 
-// Writes into the station's own block. What stood there comes back if the new cells don't reach the file.
-WriteResult RCollection::overwriteStation(int number, STATIONDATA& station, const STATIONHDR& old,
-                                          const LEVELCOUNTS& oldCounts)
+// Writes into the station's own block.
+WriteResult RCollection::overwriteStation(int number, STATIONDATA& station, const STATIONHDR& old)
 {
     station.header.dataOffset = old.dataOffset;
-    std::vector<std::byte>& saved = files_->oldBlock;
-    saved.resize(static_cast<std::size_t>(bytesACell) * static_cast<std::size_t>(old.valueCount));
-    if (!files_->dob.read(old.dataOffset, saved)) return WriteResult::badHeader;
-    const std::int64_t dataEnd = files_->dob.size();
-    WriteResult result = WriteResult::dataNotWritten;
-    if (putCells(station)) {
-        if (putRecord(number, station.header, station.levelCount)) {
-            station.number = number;
-            return WriteResult::ok;
-        }
-        static_cast<void>(putRecord(number, old, oldCounts));
-        result = WriteResult::headerNotWritten;
-    }
-    static_cast<void>(files_->dob.write(old.dataOffset, saved));
-    cutData(dataEnd);
-    return result;
+    const auto bytes = bytesACell * static_cast<std::size_t>(station.header.valueCount);
+    const auto recordSize = static_cast<std::size_t>(files_->form.recordSize());
+    if (!saveOld(JournalFile::dob, old.dataOffset, bytes) ||
+        !saveOld(JournalFile::hob, files_->placeOf(number), recordSize) || !putCells(station))
+        return WriteResult::dataNotWritten;
+    if (!putRecord(number, station.header, station.levelCount)) return WriteResult::headerNotWritten;
+    if (files_->ends && number == stationCount)
+        files_->ends->last = old.dataOffset + static_cast<std::int64_t>(bytes);
+    station.number = number;
+    return WriteResult::ok;
 }
 
 // Writes behind the last block. displaced: the number of the station that this one replaces, 0 if it is new.
 WriteResult RCollection::appendStation(STATIONDATA& station, int displaced)
 {
-    std::int64_t end = 0;
-    if (stationCount > 0) {
-        STATIONHDR last;
-        if (!readStationHeader(stationCount, last, nullptr)) return WriteResult::badHeader;
-        end = last.dataOffset + std::int64_t{bytesACell} * last.valueCount;
-    }
+    if (!findDataEnds()) return WriteResult::badHeader;
     constexpr int largest = std::numeric_limits<std::int32_t>::max();
-    if (end > largest || stationCount == largest) return WriteResult::tooLarge;
+    const std::int64_t end = files_->ends->end();
+    if (end > largest || stationCount == largest) return WriteResult::full;
     station.header.dataOffset = static_cast<std::int32_t>(end);
-    const std::int64_t dataEnd = files_->dob.size();
-    WriteResult result = WriteResult::dataNotWritten;
-    if (putCells(station)) {
-        if (displaced > 0 ? takeOutOfPlace(displaced, station) : addRecord(station)) {
-            station.number = stationCount;
-            if (displaced > 0) noteMoved(displaced, station.header);
-            return WriteResult::ok;
-        }
-        result = WriteResult::headerNotWritten;
+    const std::int64_t dataSize = files_->dob.size();
+    if (!putCells(station)) {
+        cutData(dataSize);
+        return WriteResult::dataNotWritten;
     }
-    cutData(dataEnd);
-    return result;
+    if (displaced > 0) {
+        files_->removed.remove(displaced);
+        --stationCount;
+    }
+    if (!addRecord(station)) { // never for a displaced one: within a change nothing fails here
+        cutData(dataSize);
+        return WriteResult::headerNotWritten;
+    }
+    files_->ends = {end, end + std::int64_t{bytesACell} * station.header.valueCount};
+    station.number = stationCount;
+    if (displaced > 0) noteMoved(displaced, station.header);
+    return WriteResult::ok;
 }
 
 bool RCollection::addRecord(const STATIONDATA& station)
@@ -217,7 +243,8 @@ bool RCollection::addRecord(const STATIONDATA& station)
         ++stationCount;
         return true;
     }
-    static_cast<void>(files_->hob.truncate(files_->placeOf(stationCount + 1))); // half a record
+    if (!isChanging())
+        static_cast<void>(files_->hob.truncate(files_->placeOf(stationCount + 1))); // half a record
     return false;
 }
 
@@ -226,16 +253,6 @@ void RCollection::cutData(std::int64_t end)
 {
     if (files_->dob.size() > end) static_cast<void>(files_->dob.truncate(end));
     files_->form.dataSize = files_->dob.size();
-}
-
-// Moves the records behind `number` down by one and puts the station's own at the end.
-bool RCollection::takeOutOfPlace(int number, const STATIONDATA& station)
-{
-    std::vector<std::byte>& record = files_->record;
-    record.resize(static_cast<std::size_t>(files_->form.recordSize()));
-    packRecord(station.header, &station.levelCount, files_->form, record.data());
-    RRecordMove move(files_->hob, files_->placeOf(1), record.size(), stationCount);
-    return move.replace(number, record);
 }
 
 // The inventory in memory follows a station that moved to the end.
@@ -255,7 +272,7 @@ bool RCollection::putRecord(int number, const STATIONHDR& header, const LEVELCOU
 {
     files_->record.resize(static_cast<std::size_t>(files_->form.recordSize()));
     packRecord(header, &counts, files_->form, files_->record.data());
-    return files_->hob.write(files_->placeOf(number), files_->record);
+    return put(JournalFile::hob, files_->placeOf(number), files_->record);
 }
 
 bool RCollection::putCells(const STATIONDATA& station)
@@ -267,10 +284,8 @@ bool RCollection::putCells(const STATIONDATA& station)
         common::reverseBytes(values.data(), cells, sizeof(float), files_->valueScratch.data());
         values = files_->valueScratch;
     }
-    const bool written = files_->dob.write(station.header.dataOffset, std::as_bytes(values),
-                                           std::as_bytes(std::span(station.flags.get(), cells)));
-    files_->form.dataSize = files_->dob.size();
-    return written;
+    return put(JournalFile::dob, station.header.dataOffset, std::as_bytes(values),
+               std::as_bytes(std::span(station.flags.get(), cells)));
 }
 
 bool RCollection::writeStationHeader(int number, const STATIONHDR& header, const LEVELCOUNTS* counts)
@@ -278,9 +293,18 @@ bool RCollection::writeStationHeader(int number, const STATIONHDR& header, const
     if (kind != 1 || !writable || number < 1 || number > stationCount) return false;
     if (!isStorable(header) || !std::isfinite(header.lastSampleDepth))
         return false; // it couldn't be read again
-    files_->record.resize(static_cast<std::size_t>(files_->form.recordSize()));
-    const std::size_t size = packRecord(header, counts, files_->form, files_->record.data());
-    return files_->hob.write(files_->placeOf(number), std::span<const std::byte>(files_->record).first(size));
+    const auto write = [&] {
+        STATIONHDR old;
+        const bool sameBlock = readStationHeader(number, old, nullptr) &&
+                               old.dataOffset == header.dataOffset && old.valueCount == header.valueCount;
+        files_->record.resize(static_cast<std::size_t>(files_->form.recordSize()));
+        const std::size_t size = packRecord(header, counts, files_->form, files_->record.data());
+        const std::span<const std::byte> bytes = std::span<const std::byte>(files_->record).first(size);
+        if (!put(JournalFile::hob, files_->placeOf(number), bytes)) return WriteResult::headerNotWritten;
+        if (!sameBlock) files_->ends.reset();
+        return WriteResult::ok;
+    };
+    return asOneChange("EDIT_HEADER", write) == WriteResult::ok;
 }
 
 } // namespace collection

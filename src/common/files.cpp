@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <fcntl.h>
 #include <filesystem>
 #include <fnmatch.h>
 #include <sys/stat.h>
@@ -143,15 +144,21 @@ RReplacementFile::~RReplacementFile()
     ::unlink(temporary_.c_str());
 }
 
-bool RReplacementFile::commit()
+bool RReplacementFile::prepare()
 {
     if (!file_) return false;
     std::FILE* const file = file_.get();
-    const bool written = std::fflush(file) == 0 && !std::ferror(file) && syncToDisk(file);
-    if (written) {
-        struct stat old {}; // the new file keeps the rights of the old one
-        if (::stat(path_.c_str(), &old) == 0) ::fchmod(::fileno(file), old.st_mode & 07777);
-    }
+    prepared_ = std::fflush(file) == 0 && !std::ferror(file) && syncToDisk(file);
+    if (!prepared_) return false;
+    struct stat old {}; // the new file keeps the rights of the old one
+    if (::stat(path_.c_str(), &old) == 0) ::fchmod(::fileno(file), old.st_mode & 07777);
+    return true;
+}
+
+bool RReplacementFile::commit()
+{
+    if (!file_) return false;
+    const bool written = prepared_ || prepare();
     file_.reset();
     if (written && std::rename(temporary_.c_str(), path_.c_str()) == 0) return true;
     ::unlink(temporary_.c_str());
@@ -166,6 +173,16 @@ bool writeFile(const std::string& path, std::string_view bytes)
     const bool written =
         bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file.stream()) == bytes.size();
     return written && file.commit();
+}
+
+bool syncDirectory(const std::string& directory)
+{
+    const int descriptor =
+        ::open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) return errno == EACCES; // one that may be written to and not read
+    const bool synced = ::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOTSUP;
+    ::close(descriptor);
+    return synced;
 }
 
 PATHPARTS splitPath(std::string_view path)

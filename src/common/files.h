@@ -43,16 +43,24 @@ public:
 
     // Null if it could not be created, or if something other than an ordinary file stands in the place.
     [[nodiscard]] std::FILE* stream() const { return file_.get(); }
+    // All of a commit but the renaming: what is left to do then needs no room on the disk. False on any
+    // failure.
+    [[nodiscard]] bool prepare();
     // Flushes, checks for write errors, renames. False on any failure, and then nothing was changed.
     [[nodiscard]] bool commit();
 
 private:
     std::string path_, temporary_;
     FilePtr file_;
+    bool prepared_ = false;
 };
 
 // Makes `bytes` the content of a file: the whole of it, or on failure the file is as it was.
 [[nodiscard]] bool writeFile(const std::string& path, std::string_view bytes);
+
+// True when what was made, renamed and removed in a directory is on the disk. An empty name is the current
+// one.
+[[nodiscard]] bool syncDirectory(const std::string& directory);
 
 struct PATHPARTS {
     std::string directory; // with its trailing separator; empty if the path has none

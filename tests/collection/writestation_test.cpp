@@ -342,8 +342,8 @@ TEST_F(WriteStation, AFullCollectionIsRefusedBeforeAnythingIsTouched)
     ASSERT_TRUE(collection.writeStationHeader(3, header, nullptr));
     ASSERT_EQ(sample.reopen(), OpenFilesResult::ok);
     const std::string hob = sample.bytes(".hob");
-    EXPECT_EQ(sample.put(profile(2, 4)), WriteResult::tooLarge);
-    EXPECT_EQ(sample.put(profile(9, 4), 1), WriteResult::tooLarge);
+    EXPECT_EQ(sample.put(profile(2, 4)), WriteResult::full);
+    EXPECT_EQ(sample.put(profile(9, 4), 1), WriteResult::full);
     EXPECT_TRUE(sample.bytes(".hob") == hob);
     EXPECT_EQ(collection.stationCount, 3);
     EXPECT_EQ(common::fileSize(collection.path + ".dob"), std::int64_t{1} << 32);
@@ -355,6 +355,7 @@ TEST_F(WriteStation, ADamagedNeighbourGives3)
     std::string hob = sample.bytes(".hob");
     hob[6 + 2 * 88 + 79] = '\x7f'; // the value count of station 3
     sample.setBytes(".hob", hob);
+    ASSERT_EQ(sample.reopen(), OpenFilesResult::ok);
     EXPECT_EQ(sample.put(profile(2, 4)), WriteResult::badHeader);
     EXPECT_EQ(sample.put(profile(2, 4), 3), WriteResult::badHeader);
     EXPECT_EQ(sample.put(profile(2, 4), 2), WriteResult::ok);
@@ -410,7 +411,7 @@ TEST_F(WideRecords, HeaderOnAFullDiskGives4AndNothingChanged)
         const RFileSizeLimit full(6 + 3 * 180 + 100);
         EXPECT_EQ(sample.put({{4}}), WriteResult::headerNotWritten);
         EXPECT_EQ(sample.collection.stationCount, 3);
-        EXPECT_EQ(sample.put({{4, 5}}, 1), WriteResult::headerNotWritten);
+        EXPECT_EQ(sample.put({{4, 5}}, 1), WriteResult::dataNotWritten); // there is no room for a journal
     }
     EXPECT_TRUE(sample.bytes(".hob") == hob);
     EXPECT_EQ(sample.collection.stationCount, 3);
