@@ -179,23 +179,109 @@ std::string runSetImport(Fields fields, RCommandTarget& target)
     return {};
 }
 
+// --- the collection as a whole
+
+std::string runCreateCollection(Fields fields, RCommandTarget& target)
+{
+    if (fields[0].empty()) return "names no collection";
+    if (fields[1].empty()) return "names no set of variables";
+    return target.createCollection(cleanPath(fields[0]), std::string(fields[1]));
+}
+
+std::string runCopyCollection(Fields fields, RCommandTarget& target)
+{
+    return target.copyCollection(cleanPath(fields[0]));
+}
+
+std::string runMoveCollection(Fields fields, RCommandTarget& target)
+{
+    return target.moveCollection(cleanPath(fields[0]));
+}
+
+std::string runDeleteCollection(Fields, RCommandTarget& target)
+{
+    return target.deleteCollection();
+}
+
+std::string runSortCondense(Fields, RCommandTarget& target)
+{
+    return target.sortAndCondense();
+}
+
+std::string runChangeVariables(Fields fields, RCommandTarget& target)
+{
+    return target.changeVariables(cleanPath(fields[0]));
+}
+
+std::string runDeleteSelected(Fields, RCommandTarget& target)
+{
+    return target.deleteSelected();
+}
+
+std::string runDeleteEmpty(Fields, RCommandTarget& target)
+{
+    return target.deleteEmpty();
+}
+
+std::string runDeleteStation(Fields fields, RCommandTarget& target)
+{
+    RFieldReader reader(fields);
+    const int number = reader.integer(0, "station");
+    if (number < 1) reader.complain("station numbers begin at 1");
+    return reader.wrong().empty() ? target.deleteStation(number) : reader.wrong();
+}
+
+std::string runLogComment(Fields fields, RCommandTarget& target)
+{
+    return target.addLogComment(fields[0]);
+}
+
+std::string runClose(Fields, RCommandTarget& target)
+{
+    return target.closeCollection();
+}
+
+std::string runCheckCollection(Fields fields, RCommandTarget& target)
+{
+    return target.checkCollection(fields.empty() ? std::string() : cleanPath(fields[0]));
+}
+
+enum class Split {
+    whole, // the text is one field
+    pair,  // two, divided by the first comma
+    list   // fields, divided by commas
+};
+
 struct WORDROW {
     std::string_view word;
-    bool list;        // the text is a list of fields; otherwise one field
+    Split split;
     int fewest, most; // fields
     std::string (*run)(Fields fields, RCommandTarget& target);
+    int commandId = 0; // of the gate, 0 for none
 };
 constexpr auto wordRows = std::to_array<WORDROW>({
-    {"set_mode", false, 1, 1, runSetMode},
-    {"use_layout", false, 1, 1, runUseLayout},
-    {"set_window", true, 3, 4, runSetWindow},
-    {"set_range", true, 5, 7, runSetRange},
-    {"full_range", true, 0, 1, runFullRange},
-    {"set_style", true, 2, 3, runSetStyle},
-    {"set_palette", true, 2, 2, runSetPalette},
-    {"set_domain", true, 4, 7, runSetDomain},
-    {"plot_station", true, 1, 1, runPlotStation},
-    {"set_import", true, 1, maxFields, runSetImport},
+    {"set_mode", Split::whole, 1, 1, runSetMode},
+    {"use_layout", Split::whole, 1, 1, runUseLayout},
+    {"set_window", Split::list, 3, 4, runSetWindow},
+    {"set_range", Split::list, 5, 7, runSetRange},
+    {"full_range", Split::list, 0, 1, runFullRange},
+    {"set_style", Split::list, 2, 3, runSetStyle},
+    {"set_palette", Split::list, 2, 2, runSetPalette},
+    {"set_domain", Split::list, 4, 7, runSetDomain},
+    {"plot_station", Split::list, 1, 1, runPlotStation},
+    {"set_import", Split::list, 1, maxFields, runSetImport},
+    {"create_collection", Split::pair, 2, 2, runCreateCollection},
+    {"copy_collection", Split::whole, 1, 1, runCopyCollection, cmdCopy},
+    {"move_collection", Split::whole, 1, 1, runMoveCollection, cmdMove},
+    {"delete_collection", Split::whole, 0, 0, runDeleteCollection, cmdDelete},
+    {"sort_condense", Split::whole, 0, 0, runSortCondense, cmdSortAndCondense},
+    {"change_variables", Split::whole, 1, 1, runChangeVariables, cmdChangeVariables},
+    {"delete_selected", Split::whole, 0, 0, runDeleteSelected, cmdDeleteSelected},
+    {"delete_empty", Split::whole, 0, 0, runDeleteEmpty, cmdDeleteEmpty},
+    {"delete_station", Split::list, 1, 1, runDeleteStation, cmdDeleteCurrent},
+    {"log_comment", Split::whole, 1, 1, runLogComment, cmdLogComment},
+    {"check_collection", Split::whole, 0, 1, runCheckCollection},
+    {"close", Split::whole, 0, 0, runClose, cmdClose},
 });
 
 std::string fieldCount(int count)
@@ -203,14 +289,15 @@ std::string fieldCount(int count)
     return common::format(count == 1 ? "%d field" : "%d fields", count);
 }
 
-std::vector<std::string_view> splitArguments(std::string_view text, bool list)
+std::vector<std::string_view> splitArguments(std::string_view text, Split split)
 {
     text = common::trimBlanks(text);
     if (text.empty()) return {};
-    if (!list) return {text};
+    if (split == Split::whole) return {text};
     std::vector<std::string_view> fields;
     for (;;) {
-        const std::size_t comma = std::min(text.find(','), text.size());
+        const bool last = split == Split::pair && fields.size() == 1;
+        const std::size_t comma = last ? text.size() : std::min(text.find(','), text.size());
         fields.push_back(common::trimBlanks(text.substr(0, comma)));
         if (comma == text.size()) return fields;
         text.remove_prefix(comma + 1);
@@ -219,14 +306,15 @@ std::vector<std::string_view> splitArguments(std::string_view text, bool list)
 
 OUTCOME runWordRow(const WORDROW& row, std::string_view rest, RCommandTarget& target)
 {
-    const std::vector<std::string_view> fields = splitArguments(rest, row.list);
+    const std::vector<std::string_view> fields = splitArguments(rest, row.split);
     const int count = static_cast<int>(std::min<std::size_t>(fields.size(), 1000));
     const std::string word(row.word), but = ", not " + std::to_string(count);
     if (count < row.fewest) return {true, word + " needs " + fieldCount(row.fewest) + but};
     if (count > row.most) return {true, word + " takes " + fieldCount(row.most) + but};
-    std::string wrong = row.run(fields, target);
+    std::string wrong = row.commandId == 0 ? std::string() : target.refusal(row.commandId);
+    if (wrong.empty()) wrong = row.run(fields, target);
     if (wrong.empty()) return {};
-    return {true, word + ": " + wrong};
+    return {true, word + (wrong == toldFault ? " " : ": ") + wrong};
 }
 
 std::optional<OUTCOME> runByFirstWord(std::string_view line, RCommandTarget& target)

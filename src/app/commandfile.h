@@ -36,11 +36,16 @@ struct DOMAINCHOICE { // degrees
     std::optional<std::pair<double, double>> pole; // longitude, latitude
 };
 
+// What a call gives back that has failed and has told why.
+inline constexpr std::string_view toldFault = "failed";
+
 class RCommandTarget {
 public:
     virtual ~RCommandTarget() = default;
 
     [[nodiscard]] virtual bool isAllowed(int commandId) = 0; // by the gate, for window 0
+    // Why the gate refuses a command; empty if it doesn't.
+    [[nodiscard]] virtual std::string refusal(int commandId) = 0;
     [[nodiscard]] virtual bool isAborted() = 0;
 
     // These tell the user themselves what is wrong. False ends the file.
@@ -52,7 +57,20 @@ public:
     virtual void quit() = 0;
 
     // These give back what is wrong, empty if nothing is; anything wrong ends the file.
-    [[nodiscard]] virtual std::string setMode(int mode) = 0; // -1 MAP to 3 SURFACE
+    // set: the entry text of a set of variables, or a template file.
+    [[nodiscard]] virtual std::string createCollection(const std::string& path, const std::string& set) = 0;
+    [[nodiscard]] virtual std::string copyCollection(const std::string& path) = 0;
+    [[nodiscard]] virtual std::string moveCollection(const std::string& path) = 0;
+    [[nodiscard]] virtual std::string deleteCollection() = 0;
+    [[nodiscard]] virtual std::string sortAndCondense() = 0;
+    [[nodiscard]] virtual std::string changeVariables(const std::string& listFile) = 0;
+    [[nodiscard]] virtual std::string deleteSelected() = 0;
+    [[nodiscard]] virtual std::string deleteEmpty() = 0;
+    [[nodiscard]] virtual std::string deleteStation(int number) = 0;
+    [[nodiscard]] virtual std::string addLogComment(std::string_view text) = 0;
+    [[nodiscard]] virtual std::string closeCollection() = 0;
+    [[nodiscard]] virtual std::string checkCollection(const std::string& path) = 0; // empty: the open one
+    [[nodiscard]] virtual std::string setMode(int mode) = 0;                        // -1 MAP to 3 SURFACE
     [[nodiscard]] virtual std::string useLayout(std::string_view menuText) = 0;
     [[nodiscard]] virtual std::string setWindow(const WINDOWVARIABLES& variables) = 0;
     [[nodiscard]] virtual std::string setRange(const WINDOWRANGES& ranges) = 0;

@@ -21,14 +21,24 @@ enum AppState : int {
 
 // Command ids that the program itself names.
 enum CommandId : int {
+    cmdNew = 40001,
     cmdOpen = 40002,
     cmdClose = 40005,
     cmdSaveScreen = 40007,
     cmdFirstRecent = 40008, // to 40015
     cmdExit = 40016,
+    cmdCopy = 40101,
+    cmdMove = 40102,
+    cmdDelete = 40103,
+    cmdSortAndCondense = 40104,
+    cmdChangeVariables = 40105,
+    cmdDeleteSelected = 40106,
+    cmdDeleteEmpty = 40107,
+    cmdDeleteCurrent = 40108,
     cmdLoadConfiguration = 40209,
     cmdFirstLayout = 40220,
     cmdExportSpreadsheet = 40403,
+    cmdLogComment = 40505,
     cmdViewLog = 40506,
     cmdExecuteBatchFile = 40512,
     cmdVersion = 40603,

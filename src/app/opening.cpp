@@ -1,7 +1,10 @@
+// Opening by kind, and closing. What makes a collection where there was none stands in creating.cpp.
+
 #include <filesystem>
 
-#include "app/collectionbackup.h"
 #include "app/session.h"
+#include "collection/journal.h"
+#include "collection/varfile.h"
 #include "common/files.h"
 #include "common/text.h"
 
@@ -10,27 +13,37 @@ namespace {
 
 constexpr std::string_view openingTitle = "Opening Collection ...";
 constexpr std::string_view importTitle = "NVQ Data Import";
-constexpr std::string_view elsewhereText = " is open for writing in another NVQ session!";
+constexpr std::int64_t largestDescription = 1 << 20; // bytes
 
-// A base name without the characters that would part it.
-std::string plainBaseName(const std::string& name)
+// An archive listing or a station summary brings nothing but the variables of a new collection.
+bool isSourceOfVariables(FileKind kind)
 {
-    return common::replaceAll(common::replaceAll(name, ":", "_"), " ", "_");
+    return kind == FileKind::archiveListing || kind == FileKind::stationSummary;
 }
 
-bool canOpen(FileKind kind)
+bool canOpen(FileKind kind, bool isOpen)
 {
-    return kind == FileKind::nothing || kind == FileKind::collection || kind == FileKind::spreadsheet;
+    return kind == FileKind::nothing || kind == FileKind::collection || kind == FileKind::spreadsheet ||
+           (isSourceOfVariables(kind) && !isOpen);
+}
+
+// The base path of the files that a description stands for: it may have been copied under another name.
+std::string basePathOf(const std::string& description)
+{
+    const common::PATHPARTS parts = common::splitPath(description);
+    const auto text = common::readFile(description, largestDescription);
+    collection::VARDESCRIPTION read;
+    collection::VARFAULT fault;
+    const bool good = text && collection::parseVarFile(*text, read, fault) == collection::VarFileResult::ok;
+    return parts.directory + (good ? read.name : parts.baseName);
 }
 
 } // namespace
 
 OpenResult RSession::openArgument(const std::string& argument, const std::string& directory)
 {
-    if (archiveClass(argument) != Archive::none) {
-        user_.about("Unzipping", "NVQ can't open packed files yet:\n\n" + argument);
-        return OpenResult::failed;
-    }
+    if (archiveClass(argument) != Archive::none)
+        return unpackArgument(common::makeAbsolute(argument, directory));
     const std::string name = withDefaultExtension(argument);
     return openKind(fileKind(name), common::makeAbsolute(name, directory));
 }
@@ -47,16 +60,17 @@ OpenResult RSession::openKind(FileKind kind, const std::string& path)
         view_.statusChanged();
         return OpenResult::failed;
     }
-    if (!canOpen(kind)) {
+    if (!canOpen(kind, collection.isOpen)) {
         user_.about("Opening ...", std::string("NVQ can't open this kind of file yet (") +
                                        fileKindName(kind) + "):\n\n" + path);
         view_.statusChanged();
         return OpenResult::failed;
     }
-    if (kind != FileKind::spreadsheet) close(true);
+    if (kind == FileKind::nothing || kind == FileKind::collection) close(true);
     if (kind == FileKind::nothing) return OpenResult::ok;
     user_.status("Opening " + path + " ...");
     const OpenResult result = kind == FileKind::collection ? openCollection(path)
+                              : isSourceOfVariables(kind)  ? newFromSource(kind, path)
                               : collection.isOpen          ? importIntoOpen(path)
                                                            : importAsNew(path);
     view_.statusChanged();
@@ -66,7 +80,8 @@ OpenResult RSession::openKind(FileKind kind, const std::string& path)
 // Directory, name and base path of the collection that `path` stands for; the current directory follows.
 bool RSession::setNames(const std::string& path)
 {
-    const common::PATHPARTS parts = common::splitPath(path);
+    common::PATHPARTS parts = common::splitPath(path);
+    if (!newDirectory_.empty()) parts.directory = newDirectory_;
     if (!common::directoryExists(parts.directory)) {
         user_.about("Collection Directory", parts.directory + "\n\ndoes not exist!");
         return false;
@@ -75,9 +90,10 @@ bool RSession::setNames(const std::string& path)
     collection.directory = parts.directory;
     collection.extension = parts.extension;
     const bool asItIs = common::fileExists(parts.directory + parts.baseName + ".var");
-    collection.name = asItIs ? parts.baseName : plainBaseName(parts.baseName);
+    collection.name = asItIs ? parts.baseName : collection::collectionName(parts.baseName);
     collection.path = collection.directory + collection.name;
     collection.configName = collection.path;
+    collection.isTemporaryFile = openingTemporary_;
     collection.tempDirectory = installation.temp;
     collection.userName = installation.user;
     collection.hostName = installation.host;
@@ -87,23 +103,65 @@ bool RSession::setNames(const std::string& path)
     return true;
 }
 
+// Marks the collection as open for writing. Returns why it can only be read, empty if it is ours.
+std::string RSession::takeForWriting(const std::string& basePath)
+{
+    const std::string protectedText(collection::writeProtectedText);
+    collection.writable = collection::filesAreWritable(basePath, collection.directory, false);
+    if (!collection.writable) return protectedText;
+    std::string holder;
+    collection.writable = lock_.acquire(basePath, &holder);
+    if (collection.writable) return {};
+    return protectedText + "\n\nCollection " + basePath + ".var is open for writing in another NVQ session" +
+           (holder.empty() ? "!" : " (" + holder + ")!");
+}
+
+// Undoes or completes what a change that was cut off has left. False, after a message, if that isn't
+// possible: then the files are in no state to be looked at.
+bool RSession::putRight(const std::string& basePath, const std::string& readOnlyReason)
+{
+    const std::string file = basePath + ".var", journal = collection::journalPath(basePath);
+    if (!readOnlyReason.empty()) {
+        if (common::fileSize(journal) < 0) return true;
+        user_.about(openingTitle,
+                    "Collection " + file +
+                        " is in the middle of a change, and only who may write can end it!\n\n" +
+                        readOnlyReason +
+                        "\n\nOpen it again when the other session has closed it, or when its "
+                        "files and directory can be written to.");
+        return false;
+    }
+    const collection::RECOVERY recovery = collection::recoverCollection(basePath);
+    if (recovery.result == collection::RecoveryResult::none) return true;
+    if (recovery.result == collection::RecoveryResult::failed) {
+        user_.about(openingTitle, "A change of collection " + file + " was cut off, and its journal " +
+                                      journal + " can't be used: " + recovery.fault +
+                                      "\n\nThe collection is left as it is. check_collection tells what is "
+                                      "wrong with it; it opens again when the journal has been moved away.");
+        return false;
+    }
+    const bool undone = recovery.result == collection::RecoveryResult::undone;
+    user_.note("Collection " + file + ": " + recovery.operation + " was cut off and has been " +
+               (undone ? "undone" : "completed"));
+    const std::string own = std::exchange(collection.path, basePath);
+    if (common::fileExists(file) || common::fileExists(basePath + ".log"))
+        collection.addLogLine((undone ? "UNDONE " : "COMPLETED ") + recovery.operation);
+    collection.path = own;
+    return true;
+}
+
 OpenResult RSession::openCollection(const std::string& path)
 {
     if (!setNames(path)) return OpenResult::failed;
     const std::string file = collection.path + ".var"; // the files may turn out to have another name
-    if (!common::fileExists(file)) {
-        user_.about(openingTitle, "Collection \"" + file + "\" does not exist!");
+    const std::string base = basePathOf(file);
+    const std::string readOnlyReason = takeForWriting(base);
+    if (!putRight(base, readOnlyReason)) {
         abandon();
         return OpenResult::failed;
     }
-    collection.writable = collection::filesAreWritable(collection.path, collection.directory, false);
-    if (!collection.writable) {
-        user_.about(openingTitle, collection::writeProtectedText);
-    } else if (!lock_.acquire(collection.path)) {
-        collection.writable = false;
-        user_.about(openingTitle,
-                    "Collection " + file + std::string(elsewhereText) + "\n\nData may not be modified!");
-    }
+    if (!common::fileExists(file)) return createMissing(readOnlyReason);
+    if (!readOnlyReason.empty()) user_.about(openingTitle, readOnlyReason);
     const OpenResult result = openFiles();
     if (result == OpenResult::ok) becomeReady(file);
     return result;
@@ -116,8 +174,14 @@ OpenResult RSession::openFiles()
         abandon();
         return OpenResult::failed;
     }
-    if (collection.openTemporaryFiles()) return OpenResult::ok;
-    user_.about(openingTitle, "Temporary files could not be made in " + collection.tempDirectory + "!");
+    if (!collection.writable) lock_.release(); // damaged files are only read
+    return collection.openTemporaryFiles() ? OpenResult::ok : tellNoLists();
+}
+
+// Without the lists of stations a collection can't be shown.
+OpenResult RSession::tellNoLists()
+{
+    user_.about(openingTitle, "Temporary files could not be made in " + installation.temp + "!");
     abandon();
     return OpenResult::noTemporaryFile;
 }
@@ -129,65 +193,7 @@ void RSession::abandon()
     collection.closeStationFiles();
     collection.reset();
     lock_.release();
-}
-
-bool RSession::mayReplace()
-{
-    const std::string file = collection.path + ".var";
-    if (!common::fileExists(file) || importOverwrite) return true;
-    if (user_.interactive()) {
-        return user_.question(importTitle, "Collection\n\n" + file + "\n\nalready exists!  Replace it?",
-                              common::Answer::no) == common::Answer::yes;
-    }
-    if (collection::isMadeByImportsOnly(collection.path)) return true;
-    user_.about(importTitle, "Collection " + file +
-                                 " already exists, and its log tells of more than imports!\n\nIt is replaced "
-                                 "only behind  set_import overwrite=yes.");
-    return false;
-}
-
-// Whether a collection may be made in the place that the names say; tells why not.
-bool RSession::canMake()
-{
-    if (!mayReplace()) return false;
-    const std::string file = collection.path + ".var";
-    collection.writable = collection::filesAreWritable(collection.path, collection.directory, false);
-    if (!collection.writable) {
-        user_.about(importTitle, "Collection " + file + " could not be made!\n\n" +
-                                     std::string(collection::writeProtectedText));
-        return false;
-    }
-    if (lock_.acquire(collection.path)) return true;
-    user_.about(importTitle, "Collection " + file + std::string(elsewhereText));
-    return false;
-}
-
-OpenResult RSession::importAsNew(const std::string& path)
-{
-    if (!setNames(path)) return OpenResult::failed;
-    Header header; // looked at first: a file that is none must not cost an old collection
-    if (!importing::spreadsheetVariables(path, nullptr, collection, header, user_) || !canMake()) {
-        abandon();
-        return OpenResult::failed;
-    }
-    const std::string target = collection.path + ".var";
-    const bool replaces = common::fileExists(target);
-    RCollectionBackup backup(collection.path);
-    if (!backup.moved() || !collection.createEmptyFiles()) {
-        user_.about(importTitle, "Collection " + target + " could not be made!");
-        abandon();
-        return OpenResult::failed;
-    }
-    if (const OpenResult opened = openFiles(); opened != OpenResult::ok) return opened;
-    const importing::IMPORTRESULT result = runImport(path, std::move(header));
-    const bool good = result.end == importing::ImportEnd::done && result.stationsStored > 0;
-    if (!good && (replaces || result.stationsStored == 0)) {
-        abandon();
-        return OpenResult::failed;
-    }
-    backup.keep();
-    becomeReady(target);
-    return good ? OpenResult::ok : OpenResult::failed;
+    unpacked_.reset();
 }
 
 importing::IMPORTRESULT RSession::runImport(const std::string& path, std::optional<Header> header)
@@ -225,15 +231,16 @@ void RSession::becomeReady(const std::string& path)
     collection.readInventory(false, user_);
     setDefaults();
     lastFiles = {};
-    lastFiles.configName = collection.path;
     if (runMode == interactiveRun)
         static_cast<void>(collection::readLastFiles(collection.path, collection.directory, lastFiles));
-    collection.configName = lastFiles.configName;
+    collection.configName = lastFiles.configName.empty() ? collection.path : lastFiles.configName;
     currentStation.clear();
     view_.captionChanged(title + " - " + path);
     state = stateReady;
-    addRecentFile(settings.recentFiles, path);
-    view_.recentFilesChanged();
+    if (!collection.isTemporaryFile) {
+        addRecentFile(settings.recentFiles, path);
+        view_.recentFilesChanged();
+    }
     listChanged();
 }
 
@@ -251,7 +258,15 @@ bool RSession::close(bool force)
     static_cast<void>(force); // nothing is asked as long as configurations and sections can't be saved
     if (!collection.isOpen) return true;
     collection.configChanged = false;
-    static_cast<void>(collection::writeLastFiles(collection.path, collection.directory, lastFiles));
+    if (common::fileExists(collection.path + ".var")) // it may have been removed meanwhile
+        static_cast<void>(collection::writeLastFiles(collection.path, collection.directory, lastFiles));
+    leave();
+    return true;
+}
+
+// Nothing is open any more.
+void RSession::leave()
+{
     abandon();
     currentStation.clear();
     const graphics::PSSETTINGS postScript = setup.postScript; // the user's, not the collection's
@@ -264,7 +279,6 @@ bool RSession::close(bool force)
     view_.captionChanged(title);
     view_.showIdle();
     view_.statusChanged();
-    return true;
 }
 
 } // namespace app

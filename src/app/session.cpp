@@ -145,6 +145,19 @@ bool RSession::isAllowed(int commandId, int window) const
     return isCommandEnabled(commandId, gateState(), window);
 }
 
+std::string RSession::refusal(int commandId) const
+{
+    const GATESTATE now = gateState();
+    if (isCommandEnabled(commandId, now, 0)) return {};
+    if (!now.open) return openFault();
+    GATESTATE other = now; // what would have to be different
+    other.selectedStationCount = 1;
+    if (isCommandEnabled(commandId, other, 0)) return "no stations are selected";
+    other.writable = true;
+    if (isCommandEnabled(commandId, other, 0)) return "the collection is read-only";
+    return "it isn't possible now";
+}
+
 std::string RSession::statusText() const
 {
     if (state == stateLayout) return "Change Layout:  R-MSE-CLICK menu ...";

@@ -4,8 +4,8 @@
 // pictures and data out. The window owns one session, tests make their own.
 
 #include <array>
-#include <bitset>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -16,7 +16,10 @@
 #include "app/filekind.h"
 #include "app/gate.h"
 #include "app/histories.h"
+#include "app/scratchfolder.h"
 #include "app/settings.h"
+#include "app/setupvariables.h"
+#include "collection/collectionfiles.h"
 #include "collection/collectionlock.h"
 #include "collection/rcollection.h"
 #include "collection/sidefiles.h"
@@ -111,9 +114,9 @@ public:
     // False, after a message.
     [[nodiscard]] bool loadConfiguration(const std::string& path);
 
-    // --- the collection as a whole (collectioncommands.cpp). Each speaks for itself; false if nothing was
-    // done. Where a path is empty, or a choice is missing, the view is asked. Makes and opens an empty
-    // collection.
+    // --- the collection as a whole (creating.cpp, collectioncommands.cpp). Each speaks for itself; false if
+    // it failed or was cancelled. Where a path is empty, or a choice is missing, the view is asked. Paths are
+    // with or without ".var". Makes and opens an empty collection.
     [[nodiscard]] bool createCollection(const std::string& path, std::optional<CREATIONCHOICE> choice);
     // Of the open collection, which is closed; afterwards the target is open.
     [[nodiscard]] bool copyCollection(const std::string& target);
@@ -124,7 +127,7 @@ public:
     [[nodiscard]] bool changeVariables(std::vector<collection::VARINFO> newVariables);
     [[nodiscard]] bool deleteSelected();
     [[nodiscard]] bool deleteEmpty();
-    [[nodiscard]] bool deleteStation(int number);
+    [[nodiscard]] bool deleteStation(int number); // 0: the current one
     [[nodiscard]] bool addLogComment(std::optional<std::string> text);
     // Of any collection, by its path; an empty path is the open one. True if it has no inconsistency.
     [[nodiscard]] bool checkCollection(const std::string& path);
@@ -156,25 +159,64 @@ public:
     // --- for the gate and the status line
     [[nodiscard]] GATESTATE gateState() const;
     [[nodiscard]] bool isAllowed(int commandId, int window) const;
+    [[nodiscard]] std::string refusal(int commandId) const; // why it isn't allowed; empty if it is
     [[nodiscard]] std::string statusText() const;
     [[nodiscard]] graphics::PLOTCONTEXT plotContext();
 
 private:
     using Header = importing::SPREADSHEETHEADER;
+    // What a new collection is made of.
+    struct NEWCOLLECTION {
+        std::vector<collection::VARINFO> variables; // numbered from 1; index 0 is no variable
+        std::string type = "HYD";
+    };
+
+    // opening.cpp
     [[nodiscard]] OpenResult openKind(FileKind kind, const std::string& path);
     [[nodiscard]] OpenResult openCollection(const std::string& path);
-    [[nodiscard]] OpenResult importAsNew(const std::string& path);
     [[nodiscard]] OpenResult importIntoOpen(const std::string& path);
     [[nodiscard]] bool setNames(const std::string& path);
-    [[nodiscard]] bool mayReplace();
-    [[nodiscard]] bool canMake();
+    [[nodiscard]] std::string takeForWriting(const std::string& basePath);
+    [[nodiscard]] bool putRight(const std::string& basePath, const std::string& readOnlyReason);
     [[nodiscard]] OpenResult openFiles();
+    [[nodiscard]] OpenResult tellNoLists();
     [[nodiscard]] importing::IMPORTRESULT runImport(const std::string& path, std::optional<Header> header);
     void becomeReady(const std::string& path);
     void setDefaults();
     void abandon();
+    void leave();
     void listChanged();
     void viewChanged();
+
+    // creating.cpp
+    [[nodiscard]] OpenResult createMissing(const std::string& readOnlyReason);
+    [[nodiscard]] OpenResult makeEmpty(const NEWCOLLECTION& made);
+    [[nodiscard]] OpenResult newFromSource(FileKind kind, const std::string& path);
+    [[nodiscard]] OpenResult importAsNew(const std::string& path);
+    [[nodiscard]] bool mayReplace(const std::string& basePath, std::string_view title, bool byNothing);
+    [[nodiscard]] bool canMake(std::string_view title, bool byNothing);
+    [[nodiscard]] bool makeFiles(std::string_view operation);
+    [[nodiscard]] std::optional<NEWCOLLECTION> newCollection(const CREATIONCHOICE& choice,
+                                                             const std::string& name);
+    [[nodiscard]] std::optional<NEWCOLLECTION> fromTemplate(const std::string& file);
+
+    // collectioncommands.cpp
+    using FamilyOperation = collection::FilesResult (*)(const std::string& from, const std::string& to);
+    struct FAMILYCOMMAND {
+        std::string_view title, verb, done; // "Copy Collection", "copy", "copied"
+        FamilyOperation run;
+    };
+    [[nodiscard]] bool copyOrMove(const FAMILYCOMMAND& command, const std::string& target);
+    [[nodiscard]] bool runFamilyCommand(const FAMILYCOMMAND& command, const std::string& from,
+                                        const std::string& to);
+    void openAgain(const std::string& file, std::unique_ptr<RScratchFolder> unpacked);
+    [[nodiscard]] bool mayTakePlace(const FAMILYCOMMAND& command, const std::string& basePath);
+    [[nodiscard]] std::string targetBase(const std::string& path, const FILEQUESTION& question);
+    [[nodiscard]] bool deleteStations(const std::function<int()>& remove);
+    void stationsChanged();
+    void variablesChanged(std::span<const collection::VARINFO> newVariables, int oldCount);
+    void forgetRecentFile(const std::string& path);
+    void tellDone(const std::string& text);
 
     [[nodiscard]] std::string openFault() const;
     [[nodiscard]] std::string windowFault(int window) const;
@@ -183,13 +225,21 @@ private:
     void findRangesOf(int window);
     [[nodiscard]] bool writeGraphics(const std::string& path, int window, int dpi);
 
+    // unpacking.cpp; paths are absolute
+    [[nodiscard]] OpenResult unpackArgument(const std::string& archive);
+    [[nodiscard]] OpenResult openUnpacked(FileKind kind, const std::string& path, const std::string& archive,
+                                          std::unique_ptr<RScratchFolder> folder);
+    [[nodiscard]] OpenResult openBeside(FileKind kind, const std::string& path, const std::string& directory);
+
     common::RUser& user_;
     RSessionView& view_;
     selection::RSelectionStages stages_;
     collection::RCollectionLock lock_;
-    collection::STATIONDATA scratch_; // for plots and imports
-    // Windows whose axes have their ranges, by mode and window number.
-    std::array<std::bitset<common::maxDataWindows + 1>, graphics::modeCount> ranged_;
+    bool openingTemporary_ = false; // what is being opened was unpacked and goes when it is closed
+    std::string newDirectory_;      // where a file that is being opened makes a collection; empty: beside it
+    std::unique_ptr<RScratchFolder> unpacked_; // holds the open collection, if that was unpacked
+    collection::STATIONDATA scratch_;          // for plots and imports
+    RANGEDWINDOWS ranged_;
 };
 
 } // namespace app

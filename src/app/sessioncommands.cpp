@@ -1,6 +1,9 @@
 #include "app/sessioncommands.h"
 
+#include "app/variablelist.h"
+#include "collection/variablesets.h"
 #include "common/files.h"
+#include "common/text.h"
 
 namespace app {
 namespace {
@@ -23,6 +26,18 @@ private:
     RSession& session_;
 };
 
+// The session tells itself what has gone wrong.
+std::string told(bool good)
+{
+    return good ? std::string() : std::string(toldFault);
+}
+
+bool isTemplate(const std::string& path)
+{
+    const std::string extension = common::toLower(common::splitPath(path).extension);
+    return extension == ".var" || extension == ".o4x" || extension == ".txt";
+}
+
 } // namespace
 
 bool RSessionCommands::openCollection(const std::string& path)
@@ -40,6 +55,77 @@ bool RSessionCommands::loadConfiguration(const std::string& path)
 bool RSessionCommands::exportGraphics(int window, const std::string& path, int dpi)
 {
     return session_.exportGraphics(path, window, dpi);
+}
+
+std::string RSessionCommands::createCollection(const std::string& path, const std::string& set)
+{
+    CREATIONCHOICE choice{collection::variableSetOf(set), {}};
+    if (choice.set == collection::setTemplate)
+        return "the path of the template file belongs in the place of \"" + set + "\"";
+    if (choice.set == 0) {
+        choice = {collection::setTemplate, common::replaceAll(set, "\\", "/")};
+        if (!isTemplate(choice.templateFile))
+            return "\"" + set + "\" is no set of variables and no template file (.var, .o4x or .txt)";
+    }
+    return told(session_.createCollection(path, choice));
+}
+
+std::string RSessionCommands::copyCollection(const std::string& path)
+{
+    return told(session_.copyCollection(path));
+}
+
+std::string RSessionCommands::moveCollection(const std::string& path)
+{
+    return told(session_.moveCollection(path));
+}
+
+std::string RSessionCommands::deleteCollection()
+{
+    return told(session_.deleteCollection());
+}
+
+std::string RSessionCommands::sortAndCondense()
+{
+    return told(session_.sortAndCondense());
+}
+
+std::string RSessionCommands::changeVariables(const std::string& listFile)
+{
+    std::string fault;
+    std::vector<collection::VARINFO> variables =
+        readVariableList(common::absolutePath(listFile), session_.collection.variableCount, fault);
+    return variables.empty() ? fault : told(session_.changeVariables(std::move(variables)));
+}
+
+std::string RSessionCommands::deleteSelected()
+{
+    return told(session_.deleteSelected());
+}
+
+std::string RSessionCommands::deleteEmpty()
+{
+    return told(session_.deleteEmpty());
+}
+
+std::string RSessionCommands::deleteStation(int number)
+{
+    return told(session_.deleteStation(number));
+}
+
+std::string RSessionCommands::addLogComment(std::string_view text)
+{
+    return told(session_.addLogComment(std::string(text)));
+}
+
+std::string RSessionCommands::closeCollection()
+{
+    return told(session_.close(false));
+}
+
+std::string RSessionCommands::checkCollection(const std::string& path)
+{
+    return told(session_.checkCollection(path));
 }
 
 std::string RSessionCommands::setWindow(const WINDOWVARIABLES& variables)

@@ -15,12 +15,26 @@ public:
     }
 
     [[nodiscard]] bool isAllowed(int commandId) override { return session_.isAllowed(commandId, 0); }
+    [[nodiscard]] std::string refusal(int commandId) override { return session_.refusal(commandId); }
     [[nodiscard]] bool isAborted() override { return user_.abortRequested(); }
     [[nodiscard]] bool openCollection(const std::string& path) override;
     [[nodiscard]] bool loadConfiguration(const std::string& path) override;
     [[nodiscard]] bool exportGraphics(int window, const std::string& path, int dpi) override;
     [[nodiscard]] bool exportData(const std::string& path) override { return session_.exportData(path); }
     void quit() override { view_.requestClose(); }
+
+    [[nodiscard]] std::string createCollection(const std::string& path, const std::string& set) override;
+    [[nodiscard]] std::string copyCollection(const std::string& path) override;
+    [[nodiscard]] std::string moveCollection(const std::string& path) override;
+    [[nodiscard]] std::string deleteCollection() override;
+    [[nodiscard]] std::string sortAndCondense() override;
+    [[nodiscard]] std::string changeVariables(const std::string& listFile) override;
+    [[nodiscard]] std::string deleteSelected() override;
+    [[nodiscard]] std::string deleteEmpty() override;
+    [[nodiscard]] std::string deleteStation(int number) override;
+    [[nodiscard]] std::string addLogComment(std::string_view text) override;
+    [[nodiscard]] std::string closeCollection() override;
+    [[nodiscard]] std::string checkCollection(const std::string& path) override;
 
     [[nodiscard]] std::string setMode(int mode) override { return session_.setMode(mode); }
     [[nodiscard]] std::string useLayout(std::string_view text) override { return session_.useLayout(text); }

@@ -58,6 +58,12 @@ struct INVENTORY {
 // False, with `out` unchanged, if the text isn't of the form or contradicts itself.
 [[nodiscard]] bool parseInventory(std::string_view text, INVENTORY& out);
 
+// Bytes that an `.inv` file can have at most: a line has 500, and no entry is without a station.
+[[nodiscard]] constexpr std::int64_t largestInventory(int stationCount)
+{
+    return (std::int64_t{stationCount} + 2) * 500;
+}
+
 inline constexpr std::string_view inventoryVersion = "INV1.05";
 
 } // namespace collection

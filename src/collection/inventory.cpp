@@ -1,10 +1,10 @@
 // The inventory of a collection: its tables, the `.inv` file and the cruise indices of the `.cid` file.
 
 #include <algorithm>
-#include <filesystem>
 
 #include "collection/cruisetable.h"
 #include "collection/damage.h"
+#include "collection/filetimes.h"
 #include "collection/rcollection.h"
 #include "common/byteorder.h"
 #include "common/text.h"
@@ -13,16 +13,6 @@ namespace collection {
 namespace {
 
 constexpr std::string_view busyText = "Building inventory ...";
-
-// Not older than the file beside it, and there.
-bool isCurrent(const std::string& file, const std::string& source)
-{
-    std::error_code error;
-    const auto time = std::filesystem::last_write_time(file, error);
-    if (error) return false;
-    const auto sourceTime = std::filesystem::last_write_time(source, error);
-    return !error && sourceTime <= time;
-}
 
 // Updates the progress each time that a step of stations is done.
 class RProgress {
@@ -144,14 +134,13 @@ bool RCollection::writeInventoryFile()
 {
     if (!writable || kind != 1) return false;
     const std::string text = formatInventory(cruises, stationCount, sampleCount, variableCount);
+    letTimePass(path + ".hob"); // a later change must make it out of date
     return common::writeFile(path + ".inv", text);
 }
 
 bool RCollection::readInventoryFile()
 {
-    // A line has at most 500 bytes, and no entry is without a station.
-    const std::int64_t limit = (std::int64_t{stationCount} + 2) * 500;
-    const auto text = common::readFile(path + ".inv", limit);
+    const auto text = common::readFile(path + ".inv", largestInventory(stationCount));
     INVENTORY read;
     if (!text || !parseInventory(*text, read) || read.stations != stationCount) return false;
     cruises = std::move(read.entries);
@@ -204,6 +193,7 @@ void RCollection::writeCruiseIndices(std::vector<std::int32_t> indices) const
 {
     if (!writable) return;
     if (swapBytes) common::reverseBytes(indices.data(), indices.size(), sizeof(std::int32_t), indices.data());
+    letTimePass(path + ".hob");
     static_cast<void>(common::writeFile(path + ".cid", {reinterpret_cast<const char*>(indices.data()),
                                                         indices.size() * sizeof(std::int32_t)}));
 }

@@ -117,6 +117,8 @@ public:
     common::FilePtr valFile;       // list of selected stations, see selection/selectedlist.h
     common::FilePtr selFile;       // list of plotted stations, the same records
     RLoadStages* stages = nullptr; // not owned; null: a load applies no stages
+    // Whether so many bytes can be written in the collection's directory; null: the file system is asked.
+    std::function<bool(std::int64_t bytes)> spaceCheck;
 
     // --- description (`.var`). `file` with or without ".var". With an empty title a missing file is not
     // reported, and other faults are told under the file's name. On any fault nothing here is changed.
@@ -182,7 +184,8 @@ public:
     // number of the old variable that it takes its data from, 0 for a new one.
     [[nodiscard]] bool changeVariableSet(STATIONDATA& station, std::span<const VARINFO> newVariables,
                                          common::RUser& user);
-    // Each returns the number of stations removed, and rebuilds the inventory.
+    // Each returns the number of stations removed, and rebuilds the inventory. After all of these the list of
+    // selected stations is to be made anew: station numbers have changed.
     [[nodiscard]] int deleteSelectedStations(common::RUser& user);
     [[nodiscard]] int deleteEmptyStations(common::RUser& user);
     [[nodiscard]] int deleteStation(int number, common::RUser& user);
@@ -268,6 +271,10 @@ private:
     [[nodiscard]] bool prepareReplacement(std::span<const FILEACTION> actions);
     [[nodiscard]] bool decideReplacement(std::span<const FILEACTION> actions, int newStationCount,
                                          std::optional<std::string_view> description);
+    [[nodiscard]] std::vector<std::uint8_t> marksOfEmpty(common::RUser& user);
+    [[nodiscard]] int dropStations(std::span<const std::uint8_t> marks, std::string_view logLine,
+                                   common::RUser& user);
+    [[nodiscard]] bool writeKeptHeaders(std::span<const std::uint8_t> marks, common::RUser& user);
 
     int buildFullInventory(common::RUser& user);
     int buildSelectedInventory(common::RUser& user);

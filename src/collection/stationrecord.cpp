@@ -27,17 +27,18 @@ void exchangeTimes(STATIONHDR& header)
     std::swap(header.year, header.reserved);
 }
 
-bool countsAgree(const STATIONHDR& header, const LEVELCOUNTS& counts, int variableCount)
+RecordFault faultOfCounts(const STATIONHDR& header, const LEVELCOUNTS& counts, int variableCount)
 {
     const int levels = counts[1];
-    if (variableCount < 1 || levels < 1) return false;
+    if (variableCount < 1 || levels < 1) return RecordFault::levels;
     int blocks = 1;
     for (int v = 2; v <= variableCount; ++v) {
         const int count = counts[static_cast<std::size_t>(v)];
-        if (count < 0 || count > levels) return false;
+        if (count < 0 || count > levels) return RecordFault::counts;
         blocks += count > 0;
     }
-    return header.valueCount == levels * blocks && header.valueCount <= common::maxCells;
+    const bool agree = header.valueCount == levels * blocks && header.valueCount <= common::maxCells;
+    return agree ? RecordFault::none : RecordFault::cells;
 }
 
 bool blockExists(const STATIONHDR& header, std::int64_t dataSize)
@@ -70,7 +71,8 @@ bool allFinite(const float* values, std::size_t count)
 
 } // namespace
 
-bool unpackRecord(const std::byte* record, const RECORDFORM& form, STATIONHDR& header, LEVELCOUNTS& counts)
+RecordFault examineRecord(const std::byte* record, const RECORDFORM& form, STATIONHDR& header,
+                          LEVELCOUNTS& counts)
 {
     const auto variables = static_cast<std::size_t>(form.variableCount);
     std::memcpy(&header, record, sizeof header);
@@ -81,8 +83,20 @@ bool unpackRecord(const std::byte* record, const RECORDFORM& form, STATIONHDR& h
     }
     if (form.foreignTimeOrder) exchangeTimes(header);
     header.cruise[20] = header.station[20] = header.type[1] = '\0'; // whatever the file says
-    return positionsAreNumbers(header) && countsAgree(header, counts, form.variableCount) &&
-           blockExists(header, form.dataSize);
+    if (!positionsAreNumbers(header)) return RecordFault::position;
+    const RecordFault fault = faultOfCounts(header, counts, form.variableCount);
+    if (fault != RecordFault::none) return fault;
+    return blockExists(header, form.dataSize) ? RecordFault::none : RecordFault::block;
+}
+
+bool labelsEnd(const std::byte* record)
+{
+    const auto ends = [record](std::size_t at, std::size_t size) {
+        return std::memchr(record + at, 0, size) != nullptr;
+    };
+    return ends(offsetof(STATIONHDR, cruise), sizeof STATIONHDR::cruise) &&
+           ends(offsetof(STATIONHDR, station), sizeof STATIONHDR::station) &&
+           ends(offsetof(STATIONHDR, type), sizeof STATIONHDR::type);
 }
 
 std::size_t packRecord(const STATIONHDR& header, const LEVELCOUNTS* counts, const RECORDFORM& form,
@@ -103,7 +117,7 @@ std::size_t packRecord(const STATIONHDR& header, const LEVELCOUNTS* counts, cons
     return sizeof stored + 2 * variables;
 }
 
-void unpackCells(const std::byte* block, std::size_t cells, bool swapBytes, float* values,
+bool unpackCells(const std::byte* block, std::size_t cells, bool swapBytes, float* values,
                  std::uint8_t* flags)
 {
     if (swapBytes) {
@@ -111,11 +125,11 @@ void unpackCells(const std::byte* block, std::size_t cells, bool swapBytes, floa
     } else {
         std::memcpy(values, block, cells * sizeof(float));
     }
-    if (!allFinite(values, cells)) {
-        std::replace_if(
-            values, values + cells, [](float value) { return !std::isfinite(value); }, common::MISSING_VALUE);
-    }
     std::memcpy(flags, block + cells * sizeof(float), cells);
+    if (allFinite(values, cells)) return true;
+    std::replace_if(
+        values, values + cells, [](float value) { return !std::isfinite(value); }, common::MISSING_VALUE);
+    return false;
 }
 
 } // namespace collection

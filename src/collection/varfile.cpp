@@ -10,7 +10,6 @@ namespace {
 
 constexpr int variableLine = 7; // of variable 1
 constexpr std::size_t valueColumn = 12, formatColumn = 60;
-constexpr std::int64_t largestDescription = 1 << 20; // a full one has about 4 kB
 
 std::string_view valueOf(std::string_view line)
 {
@@ -29,23 +28,11 @@ bool isUsableName(std::string_view name)
     return !name.empty() && name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
 
-void readFormat(std::string_view text, VARINFO& variable)
+void readFormat(std::string_view line, VARINFO& variable)
 {
-    variable.width = variable.decimals = 0;
-    if (common::takeInt(text, variable.width) && text.starts_with('.')) {
-        text.remove_prefix(1);
-        if (!common::takeInt(text, variable.decimals)) variable.decimals = 0;
-    }
-    variable.decimals = std::clamp(variable.decimals, 0, 4);
-    variable.width = std::clamp(variable.width, variable.decimals + 3, variable.decimals + 15);
-}
-
-VARINFO readVariable(std::string_view line, int number)
-{
-    VARINFO variable = emptyVariable(number);
-    readFormat(line.size() > formatColumn ? line.substr(formatColumn) : std::string_view(), variable);
-    setLabel(variable, common::trimBlanks(line.substr(0, formatColumn)));
-    return variable;
+    const std::pair<int, int> format = formatOfLine(line);
+    variable.decimals = std::clamp(format.second, 0, 4);
+    variable.width = std::clamp(format.first, variable.decimals + 3, variable.decimals + 15);
 }
 
 VarFileResult refuse(VARFAULT& fault, int line, std::string text)
@@ -70,6 +57,25 @@ std::string withExtension(const std::string& file)
 
 } // namespace
 
+VARINFO parseVariableLine(std::string_view line, int number)
+{
+    VARINFO variable = emptyVariable(number);
+    readFormat(line, variable);
+    setLabel(variable, common::trimBlanks(line.substr(0, formatColumn)));
+    return variable;
+}
+
+std::pair<int, int> formatOfLine(std::string_view line)
+{
+    std::pair<int, int> format{0, 0};
+    std::string_view text = line.size() > formatColumn ? line.substr(formatColumn) : std::string_view();
+    if (common::takeInt(text, format.first) && text.starts_with('.')) {
+        text.remove_prefix(1);
+        if (!common::takeInt(text, format.second)) format.second = 0;
+    }
+    return format;
+}
+
 VarFileResult parseVarFile(std::string_view bytes, VARDESCRIPTION& out, VARFAULT& fault)
 {
     fault = {};
@@ -92,7 +98,7 @@ VarFileResult parseVarFile(std::string_view bytes, VARDESCRIPTION& out, VARFAULT
         const bool counted = v >= 1 && v <= read.variableCount;
         if (counted && !bytes.empty()) read.describedCount = v;
         read.variables[static_cast<std::size_t>(v)] =
-            counted ? readVariable(common::takeLine(bytes), v) : emptyVariable(v);
+            counted ? parseVariableLine(common::takeLine(bytes), v) : emptyVariable(v);
     }
     out = std::move(read);
     return VarFileResult::ok;

@@ -3,8 +3,10 @@
 // The text of a `.var` file, the description of a collection.
 
 #include <array>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "collection/rcollection.h"
 
@@ -26,9 +28,18 @@ struct VARFAULT {
 // Reads a description. `out` changes only on ok; otherwise `fault` tells line and reason.
 [[nodiscard]] VarFileResult parseVarFile(std::string_view bytes, VARDESCRIPTION& out, VARFAULT& fault);
 
+// The variable of a line: the label in its first 60 bytes, as it stands there, and behind it the format as
+// "width.decimals". What is no format gives the smallest one.
+[[nodiscard]] VARINFO parseVariableLine(std::string_view line, int number);
+
 [[nodiscard]] std::string formatVarFile(std::string_view name, std::string_view type, int stationCount,
                                         int variableCount, std::span<const VARINFO> variables);
 
+// Width and decimals as they stand in the line of a variable, before they are brought into their limits; 0
+// for what isn't there.
+[[nodiscard]] std::pair<int, int> formatOfLine(std::string_view line);
+
+inline constexpr std::int64_t largestDescription = 1 << 20; // bytes; a full one has about 4 kB
 inline constexpr std::string_view oldFormatText = "Collection is of pre-NVQ4.0 Format";
 
 } // namespace collection

@@ -26,6 +26,7 @@ public:
     std::string wrong;
 
     bool isAllowed(int id) override { return !refused.contains(id); }
+    std::string refusal(int id) override { return refused.contains(id) ? "no collection is open" : ""; }
     bool isAborted() override { return abort; }
     bool openCollection(const std::string& path) override { return keep("open " + path); }
     bool loadConfiguration(const std::string& path) override { return keep("cfg " + path); }
@@ -35,6 +36,24 @@ public:
     }
     bool exportData(const std::string& path) override { return keep("data " + path); }
     void quit() override { calls.emplace_back("quit"); }
+    std::string createCollection(const std::string& path, const std::string& set) override
+    {
+        return tell("create " + path + "|" + set);
+    }
+    std::string copyCollection(const std::string& path) override { return tell("copy " + path); }
+    std::string moveCollection(const std::string& path) override { return tell("move " + path); }
+    std::string deleteCollection() override { return tell("delete"); }
+    std::string sortAndCondense() override { return tell("sort"); }
+    std::string changeVariables(const std::string& file) override { return tell("variables " + file); }
+    std::string deleteSelected() override { return tell("delete selected"); }
+    std::string deleteEmpty() override { return tell("delete empty"); }
+    std::string deleteStation(int number) override
+    {
+        return tell("delete station " + std::to_string(number));
+    }
+    std::string addLogComment(std::string_view text) override { return tell("log " + std::string(text)); }
+    std::string closeCollection() override { return tell("close"); }
+    std::string checkCollection(const std::string& path) override { return tell("check " + path); }
     std::string setMode(int mode) override { return tell(common::format("mode %d", mode)); }
     std::string useLayout(std::string_view text) override { return tell("layout " + std::string(text)); }
     std::string setWindow(const app::WINDOWVARIABLES& v) override
@@ -334,6 +353,91 @@ TEST(CommandFile, SetImport)
     EXPECT_FALSE(run("set_import overwrite").complete);
     EXPECT_FALSE(run("set_import mode=1").complete);
     EXPECT_FALSE(run("set_import overwrite=maybe").complete);
+}
+
+// --- the collection as a whole
+
+TEST(CommandFile, CollectionCommands)
+{
+    const RRun r = run("create_collection new\\a, WOCE WHP CTD variables \ncopy_collection b\\c.var\n"
+                       "move_collection d e\nsort_condense\nchange_variables \\lists\\v.txt\n"
+                       "delete_selected\ndelete_empty\ndelete_station 12\ncheck_collection\n"
+                       "check_collection a\\b.var # quietly\nclose\ndelete_collection\n");
+    EXPECT_TRUE(r.complete);
+    EXPECT_THAT(r.recorder.calls,
+                ElementsAre("create new/a|WOCE WHP CTD variables", "copy b/c.var", "move d e", "sort",
+                            "variables /lists/v.txt", "delete selected", "delete empty", "delete station 12",
+                            "check ", "check a/b.var", "close", "delete"));
+}
+
+TEST(CommandFile, CreationIsSplitAtTheFirstComma)
+{
+    EXPECT_THAT(run("create_collection a.var,.var, .o4x or .txt file as template\n").recorder.calls,
+                ElementsAre("create a.var|.var, .o4x or .txt file as template"));
+    EXPECT_THAT(run("create_collection a.var").notes,
+                ElementsAre("run.cmd:1: create_collection needs 2 fields, not 1"));
+    EXPECT_THAT(run("create_collection a.var, ").notes,
+                ElementsAre("run.cmd:1: create_collection: names no set of variables"));
+    EXPECT_THAT(run("create_collection ,x").notes,
+                ElementsAre("run.cmd:1: create_collection: names no collection"));
+}
+
+TEST(CommandFile, LogCommentIsTakenAsItStands)
+{
+    EXPECT_THAT(run("log_comment  cruise 5, leg 2: \\checked/by hand, again  # not this\n").recorder.calls,
+                ElementsAre("log cruise 5, leg 2: \\checked/by hand, again"));
+    EXPECT_THAT(run("log_comment   \n").notes, ElementsAre("run.cmd:1: log_comment needs 1 field, not 0"));
+}
+
+TEST(CommandFile, CollectionCommandsAskTheGate)
+{
+    const std::pair<int, const char*> lines[] = {{40005, "close"},
+                                                 {40101, "copy_collection a"},
+                                                 {40102, "move_collection a"},
+                                                 {40103, "delete_collection"},
+                                                 {40104, "sort_condense"},
+                                                 {40105, "change_variables v"},
+                                                 {40106, "delete_selected"},
+                                                 {40107, "delete_empty"},
+                                                 {40108, "delete_station 1"},
+                                                 {40505, "log_comment x"}};
+    for (const auto& [id, line] : lines) {
+        RRun r;
+        r.recorder.refused = {id};
+        r.run(std::string(line) + "\nquit\n");
+        const std::string word = std::string(line).substr(0, std::string(line).find(' '));
+        EXPECT_FALSE(r.complete) << line;
+        EXPECT_THAT(r.notes, ElementsAre("run.cmd:1: " + word + ": no collection is open"));
+        EXPECT_THAT(r.recorder.calls, IsEmpty()) << line;
+    }
+    RRun r;
+    for (const auto& [id, line] : lines) r.recorder.refused.insert(id);
+    r.run("create_collection a,b\ncheck_collection a\n");
+    EXPECT_TRUE(r.complete);
+}
+
+TEST(CommandFile, CommandThatHasToldItsFaultIsNamedWithItsLine)
+{
+    RRun r;
+    r.recorder.wrong = app::toldFault;
+    r.run("\nsort_condense\nquit\n");
+    EXPECT_FALSE(r.complete);
+    EXPECT_THAT(r.notes, ElementsAre("run.cmd:2: sort_condense failed"));
+}
+
+TEST(CommandFile, CollectionCommandsWithWrongFields)
+{
+    for (const char* const line :
+         {"copy_collection", "move_collection", "change_variables", "delete_station", "delete_station 1,2",
+          "delete_station x", "delete_station 0", "delete_station -3", "delete_collection a",
+          "sort_condense now", "delete_selected 3", "delete_empty 3", "close it"}) {
+        const RRun r = run(std::string(line) + "\nquit\n");
+        EXPECT_FALSE(r.complete) << line;
+        EXPECT_EQ(r.notes.size(), 1u) << line;
+        EXPECT_THAT(r.recorder.calls, IsEmpty()) << line;
+    }
+    EXPECT_THAT(run("delete_station 0").notes,
+                ElementsAre("run.cmd:1: delete_station: station numbers begin at 1"));
 }
 
 TEST(CommandFile, WrongNumberOfFieldsIsTold)

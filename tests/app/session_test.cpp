@@ -6,12 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "app/sessioncommands.h"
-#include "castfile.h"
-#include "common/files.h"
-#include "common/headlessuser.h"
-#include "scripteduser.h"
-#include "temporarydirectory.h"
+#include "sessionfixture.h"
 
 namespace {
 
@@ -23,58 +18,10 @@ using testing::IsEmpty;
 using testing_support::castText;
 using testing_support::writeText;
 
-// A user who is not there, and what was told.
-class RAbsentUser : public testing_support::RScriptedUser {
-public:
-    [[nodiscard]] bool interactive() const override { return false; }
-};
-
-class RViewRecorder : public app::RSessionView {
-public:
-    void showIdle() override { ++idles; }
-    void captionChanged(const std::string& text) override { caption = text; }
-    void requestClose() override { ++closes; }
-    int askResolution() override { return resolution; }
-    int idles = 0, closes = 0, resolution = 0;
-    std::string caption;
-};
-
-class Session : public testing::Test {
-protected:
-    explicit Session(bool interactive = false)
-        : user(interactive ? std::make_unique<testing_support::RScriptedUser>()
-                           : std::unique_ptr<testing_support::RScriptedUser>(new RAbsentUser)),
-          session(*user, view)
-    {
-        fs::create_directories(folder.file("tmp"));
-        session.installation.temp = folder.file("tmp/");
-        session.installation.root = folder.path();
-        session.installation.user = "ann";
-        session.installation.host = "box";
-        session.runMode = app::commandFileRun;
-        writeText(folder.file("cast.txt"), castText(4, 6));
-    }
-    ~Session() override { fs::current_path("/"); }
-
-    std::string file(const std::string& name) const { return folder.file(name); }
-    std::string read(const std::string& name) const { return common::readFile(file(name)).value_or("none"); }
-    OpenResult open(const std::string& name) { return session.open(file(name)); }
-    void openCast() { ASSERT_EQ(open("cast.txt"), OpenResult::ok); }
-    int filesIn(const std::string& name) const
-    {
-        return static_cast<int>(std::distance(fs::directory_iterator(file(name)), fs::directory_iterator()));
-    }
-
-    const testing_support::RTemporaryDirectory folder;
-    RViewRecorder view;
-    std::unique_ptr<testing_support::RScriptedUser> user;
-    app::RSession session;
-};
-
-class InteractiveSession : public Session {
-protected:
-    InteractiveSession() : Session(true) { session.runMode = app::interactiveRun; }
-};
+using Session = testing_support::Session;
+using InteractiveSession = testing_support::InteractiveSession;
+using testing_support::RAbsentUser;
+using testing_support::RViewRecorder;
 
 // --- opening
 
@@ -163,12 +110,6 @@ TEST_F(Session, ArgumentWithoutAnExtensionIsACollection)
     openCast();
     session.close(true);
     EXPECT_EQ(session.openArgument("cast", folder.path()), OpenResult::ok);
-}
-
-TEST_F(Session, PackedFilesAreRefusedWithAMessage)
-{
-    EXPECT_EQ(session.openArgument("a.nc.gz", folder.path()), OpenResult::failed);
-    EXPECT_THAT(user->messages, ElementsAre("Unzipping: NVQ can't open packed files yet:\n\na.nc.gz"));
 }
 
 TEST_F(Session, UnknownKindIsTold)

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "bigendian.h"
 #include "collection/stationrecord.h"
 #include "common/byteorder.h"
 #include "samplecollection.h"
@@ -12,50 +13,11 @@
 namespace collection {
 namespace {
 
+using testing_support::bigEndianDob;
+using testing_support::bigEndianHob;
 using testing_support::missing;
 using testing_support::profile;
 using testing_support::RSampleCollection;
-
-// --- a file as a big-endian host writes it, made by hand
-
-template <typename Number>
-void putBig(std::string& out, Number value)
-{
-    char bytes[sizeof value];
-    std::memcpy(bytes, &value, sizeof value);
-    if (common::hostIsLittleEndian) std::reverse(std::begin(bytes), std::end(bytes));
-    out.append(bytes, sizeof bytes);
-}
-
-void putLabel(std::string& out, std::string text, std::size_t width)
-{
-    text.resize(width, '\0');
-    out += text;
-}
-
-// One station of two levels and two variables: cruise "BIG", 3 July 1995, 14:25.
-std::string bigEndianHob()
-{
-    std::string out = "NVQsol";
-    putLabel(out, "BIG", 21);
-    putLabel(out, "7", 21);
-    putLabel(out, "B", 2);
-    for (const float value : {350.5f, -12.25f, 4000.0f, 20.0f}) putBig(out, value);
-    // pairs exchanged: minute, day, hour, month, reserved, year
-    for (const int value : {25, 3, 14, 7, 99, 1995}) putBig(out, static_cast<std::int16_t>(value));
-    putBig(out, std::int32_t{0});
-    putBig(out, std::int32_t{4});
-    putBig(out, std::int16_t{2});
-    putBig(out, std::int16_t{1});
-    return out;
-}
-
-std::string bigEndianDob()
-{
-    std::string out;
-    for (const float value : {10.0f, 20.0f, 3.5f, missing}) putBig(out, value);
-    return out + std::string("\0\1\4\10", 4);
-}
 
 class BigEndian : public testing::Test {
 protected:

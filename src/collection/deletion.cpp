@@ -1,0 +1,190 @@
+// Takes stations out of a collection. Only the header table and the description are written anew; the blocks
+// of the stations stay as dead space.
+
+#include <algorithm>
+#include <cstring>
+
+#include "collection/rewriting.h"
+#include "collection/stationstreams.h"
+#include "collection/varfile.h"
+#include "common/text.h"
+
+namespace collection {
+namespace {
+
+constexpr std::string_view confirmTitle = "Confirm Deletion ...";
+constexpr std::string_view title = "Deleting stations ...";
+constexpr int recordsABlock = 4096;
+
+using MARKS = std::vector<std::uint8_t>; // by station number; 1: the station goes
+
+MARKS noMarks(int stations)
+{
+    return MARKS(static_cast<std::size_t>(stations) + 1);
+}
+
+int countOf(std::span<const std::uint8_t> marks)
+{
+    return static_cast<int>(std::count(marks.begin(), marks.end(), std::uint8_t{1}));
+}
+
+bool isEmpty(const LEVELCOUNTS& counts, int variables)
+{
+    return std::all_of(counts.begin() + 2, counts.begin() + 1 + std::max(1, variables),
+                       [](std::int16_t count) { return count == 0; });
+}
+
+bool isConfirmed(const std::string& question, common::RUser& user)
+{
+    return user.question(confirmTitle, question, common::Answer::yes) == common::Answer::yes;
+}
+
+// Moves the records of stations that stay to the front of a block. Returns their number.
+std::size_t packKept(std::span<std::byte> block, std::size_t recordSize, std::span<const std::uint8_t> marks)
+{
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < marks.size(); ++i) {
+        if (marks[i]) continue;
+        if (kept != i)
+            std::memcpy(block.data() + kept * recordSize, block.data() + i * recordSize, recordSize);
+        ++kept;
+    }
+    return kept;
+}
+
+} // namespace
+
+int RCollection::deleteSelectedStations(common::RUser& user)
+{
+    if (kind != 1) return 0;
+    MARKS marks = noMarks(stationCount);
+    forEachSelected([&](std::int32_t number) {
+        if (number >= 1 && number <= stationCount) marks[static_cast<std::size_t>(number)] = 1;
+    });
+    const int count = countOf(marks);
+    if (count == 0 || !isConfirmed(common::format("Really want to delete %d stations?", count), user))
+        return 0;
+    return dropStations(marks, common::format("DELETE %d Stations", count), user);
+}
+
+int RCollection::deleteEmptyStations(common::RUser& user)
+{
+    if (kind != 1) return 0;
+    const MARKS marks = marksOfEmpty(user);
+    const int count = countOf(marks);
+    if (count == 0) {
+        user.about(confirmTitle, "No empty station found.");
+        return 0;
+    }
+    if (!isConfirmed(common::format("Really want to delete %d empty stations?", count), user)) return 0;
+    return dropStations(marks, common::format("DELETE %d Empty Stations", count), user);
+}
+
+int RCollection::deleteStation(int number, common::RUser& user)
+{
+    if (kind != 1 || number < 1 || number > stationCount) return 0;
+    if (!isConfirmed("Really want to delete current station?", user)) return 0;
+    std::vector<std::byte> record;
+    STATIONHDR header{};
+    LEVELCOUNTS counts{};
+    // The labels of a damaged header are as good as any.
+    if (readHeaderBlock(number, 1, record)) static_cast<void>(unpackRecord(record.data(), header, counts));
+    MARKS marks = noMarks(stationCount);
+    marks[static_cast<std::size_t>(number)] = 1;
+    const auto text = [](std::span<const char> field) { return std::string(common::fieldText(field)); };
+    return dropStations(
+        marks, "DELETE_SINGLE " + text(header.cruise) + " " + text(header.station) + " " + text(header.type),
+        user);
+}
+
+// A damaged header says nothing about its station, which stays.
+std::vector<std::uint8_t> RCollection::marksOfEmpty(common::RUser& user)
+{
+    MARKS marks = noMarks(stationCount);
+    const bool read = scanHeaders(
+        1, stationCount,
+        [&](int number, const STATIONHDR&, const LEVELCOUNTS& counts) {
+            marks[static_cast<std::size_t>(number)] = isEmpty(counts, variableCount) ? 1 : 0;
+            return true;
+        },
+        [](int) {});
+    if (read) return marks;
+    user.note(path + ".hob: can't be read to its end");
+    return noMarks(stationCount);
+}
+
+// Returns how many stations went; 0 after a message.
+int RCollection::dropStations(std::span<const std::uint8_t> marks, std::string_view logLine,
+                              common::RUser& user)
+{
+    const int count = countOf(marks);
+    const RViewKeeper view(*this, true);
+    const bool done = busyWith(title, user, [&] {
+        if (!beginChange(logLine)) {
+            user.about(title, path + ".hob: the collection can't be changed. It is write-protected, or its "
+                                     "files are no longer the ones that were opened.");
+            return false;
+        }
+        if (!writeKeptHeaders(marks, user)) {
+            rollBackChange();
+            return false;
+        }
+        const FILEACTION actions[] = {{.kind = FILEACTION::rename, .from = name + ".ho", .to = name + ".hob"},
+                                      {.kind = FILEACTION::rename, .from = name + ".va", .to = name + ".var"},
+                                      {.kind = FILEACTION::remove, .from = name + ".inv", .to = {}},
+                                      {.kind = FILEACTION::remove, .from = name + ".cid", .to = {}}};
+        bool changed = false;
+        newMagic = foreignTimeOrder ? bigEndianMagic : littleEndianMagic;
+        if (commitReplacement(actions, std::max(0, stationCount - count), user, &changed) || changed)
+            return true;
+        user.about(title, path + ".hob can't be replaced.\n\nThe collection is as it was.");
+        return false;
+    });
+    if (!done) return 0;
+    addLogLine(logLine);
+    readInventory(true, user);
+    return count;
+}
+
+// The new header table and description, beside the old ones and on the disk.
+bool RCollection::writeKeptHeaders(std::span<const std::uint8_t> marks, common::RUser& user)
+{
+    const std::string table = path + ".ho", description = path + ".va";
+    const std::string made[] = {name + ".ho", name + ".va"};
+    const auto refuse = [&](const std::string& file) {
+        user.about(title, file + " can't be written. The disk may be full.\n\nThe collection is as it was.");
+        return false;
+    };
+    for (const std::string& file : {table, description}) {
+        if (common::directoryExists(file)) return refuse(file); // an undoing could not take it away
+    }
+    if (!noteMadeFiles(made)) return refuse(journalPath(path));
+    RBlockFile out;
+    const std::string_view magic = foreignTimeOrder ? bigEndianMagic : littleEndianMagic;
+    if (!out.open(table, RBlockFile::Mode::create) || !out.write(0, std::as_bytes(std::span(magic))))
+        return refuse(table);
+    const auto recordSize = static_cast<std::size_t>(headerRecordSize);
+    const int step = std::max(stationCount / 100, 30) + 1;
+    std::int64_t end = magicSize;
+    std::vector<std::byte> block;
+    for (int first = 1, next = step; first <= stationCount; first += recordsABlock) {
+        const int records = std::min(recordsABlock, stationCount - first + 1);
+        if (!readHeaderBlock(first, records, block)) {
+            user.about(title, path + ".hob can't be read.\n\nThe collection is as it was.");
+            return false;
+        }
+        const std::size_t kept =
+            packKept(block, recordSize,
+                     marks.subspan(static_cast<std::size_t>(first), static_cast<std::size_t>(records)));
+        if (!out.write(end, std::span(block).first(kept * recordSize))) return refuse(table);
+        end += static_cast<std::int64_t>(kept * recordSize);
+        for (; next < first + records; next += step) user.setProgress(100.0 * next / stationCount);
+        if (user.askAbort("Really want to abort?", title)) return false;
+    }
+    if (!out.sync()) return refuse(table);
+    const int kept = std::max(0, stationCount - countOf(marks));
+    return writeNotedFile(description, formatVarFile(name, type, kept, variableCount, variables)) ||
+           refuse(description);
+}
+
+} // namespace collection
