@@ -153,7 +153,8 @@ bool RCollection::decideByJournal()
     std::vector<FILEACTION> actions;
     for (const std::string& aside : change.aside) actions.push_back({FILEACTION::remove, aside, {}});
     const JOURNALSTATE after{files_->hob.size(), files_->dob.size(), stationCount};
-    if (!change.journal.commit(after, actions, text)) return false;
+    // files that were made have their names on the disk before the decision counts on them
+    if (!common::syncDirectory(directory) || !change.journal.commit(after, actions, text)) return false;
     if (!description.commit()) {
         static_cast<void>(change.journal.revoke());
         return false;
@@ -463,7 +464,8 @@ bool RCollection::decideReplacement(std::span<const FILEACTION> actions, int new
         if (isRenaming(action, baseName + ".hob")) after.hobSize = common::fileSize(directory + action.from);
         if (isRenaming(action, baseName + ".dob")) after.dobSize = common::fileSize(directory + action.from);
     }
-    return beginJournal() && files_->change->journal.commit(after, actions, description);
+    return beginJournal() && common::syncDirectory(directory) &&
+           files_->change->journal.commit(after, actions, description);
 }
 
 } // namespace collection
