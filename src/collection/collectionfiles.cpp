@@ -26,7 +26,8 @@ constexpr auto stationSuffixes = std::to_array<std::string_view>({".hob", ".dob"
 constexpr auto sideSuffixes =
     std::to_array<std::string_view>({".idv", ".inv", ".cid", ".log", ".cfl", ".info"});
 // Behind the name that a file gets when it is complete.
-constexpr std::string_view beside = "_new";
+constexpr std::string_view beside = newDescriptionSuffix;
+constexpr std::size_t largestSuffix = 5; // of those above
 
 // A base path in its two parts.
 struct PLACE {
@@ -195,10 +196,10 @@ std::vector<std::string> besideNames(const PLACE& place)
 bool beginJournal(RJournal& journal, const PLACE& place, std::string_view operation,
                   const std::vector<std::string>& names)
 {
-    const bool taken = std::any_of(names.begin(), names.end(), [&place](const std::string& name) {
-        return isFolder(place.directory + name);
+    const bool usable = std::all_of(names.begin(), names.end(), [&place](const std::string& name) {
+        return name.size() <= largestFileName && !isFolder(place.directory + name);
     });
-    return !taken && journal.begin(place.path(), operation, closedFiles) &&
+    return usable && journal.begin(place.path(), operation, closedFiles) &&
            std::all_of(names.begin(), names.end(),
                        [&journal](const std::string& name) { return journal.willMake(name); }) &&
            journal.sync();
@@ -263,6 +264,7 @@ std::optional<FilesResult> renameTo(const PLACE& from, const PLACE& to)
     const bool sameFolder = areSame(folderOf(from), folderOf(to));
     target.directory = sameFolder ? std::string() : common::absolutePath(to.directory + ".");
     if (!sameFolder && !target.directory.ends_with('/')) target.directory += '/';
+    if (target.path().size() + largestSuffix > largestFilePath) return std::nullopt;
     const FilesResult prepared = prepareRenaming(from, target);
     const RecoveryResult settled = settle(from);
     if (prepared != FilesResult::ok) return prepared;
@@ -281,12 +283,14 @@ bool removeAll(const PLACE& place, const std::vector<FILEACTION>& actions)
     return common::syncDirectory(place.directory) && all;
 }
 
-// What a removal takes, in its order. Folders that stand under a name are no part of a collection.
-std::vector<FILEACTION> removals(const PLACE& place, bool withLog, bool withConfiguration)
+// What a removal takes, in its order. Folders that stand under a name can't go: then `all` becomes false.
+std::vector<FILEACTION> removals(const PLACE& place, bool withLog, bool withConfiguration, bool& all)
 {
     std::vector<FILEACTION> actions;
     const auto add = [&](std::string_view suffix) {
-        if (!isFolder(place.file(suffix))) actions.push_back(removal(place.name, suffix));
+        const bool folder = isFolder(place.file(suffix));
+        if (!folder) actions.push_back(removal(place.name, suffix));
+        all = all && !folder;
     };
     for (const std::string_view suffix : collectionSuffixes) add(suffix);
     if (withLog) add(".log");
@@ -331,13 +335,14 @@ FilesResult deleteCollection(const std::string& path, bool withLog, bool withCon
     const PLACE place(path);
     if (settle(place) == RecoveryResult::failed || isFolder(place.file(".hob")))
         return FilesResult::stationFiles;
-    const std::vector<FILEACTION> actions = removals(place, withLog, withConfiguration);
+    bool all = true;
+    const std::vector<FILEACTION> actions = removals(place, withLog, withConfiguration, all);
     RJournal journal;
     if (!journal.begin(path, "DELETE", closedFiles)) return FilesResult::stationFiles;
     // If the first file can't go, the collection stays: nothing else was touched.
     const bool begun = journal.commit(closedFiles, actions) &&
                        (::unlink(place.file(".hob").c_str()) == 0 || errno == ENOENT);
-    const bool all = begun && removeAll(place, actions);
+    all = begun && removeAll(place, actions) && all;
     const bool finished = journal.finish();
     if (!begun) return FilesResult::stationFiles;
     return all && finished ? FilesResult::ok : FilesResult::otherFiles;

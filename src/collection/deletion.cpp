@@ -2,7 +2,9 @@
 // of the stations stay as dead space.
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
+#include <unistd.h>
 
 #include "collection/rewriting.h"
 #include "collection/stationstreams.h"
@@ -134,7 +136,6 @@ int RCollection::dropStations(std::span<const std::uint8_t> marks, std::string_v
                                       {.kind = FILEACTION::remove, .from = name + ".inv", .to = {}},
                                       {.kind = FILEACTION::remove, .from = name + ".cid", .to = {}}};
         bool changed = false;
-        newMagic = foreignTimeOrder ? bigEndianMagic : littleEndianMagic;
         if (commitReplacement(actions, std::max(0, stationCount - count), user, &changed) || changed)
             return true;
         user.about(title, path + ".hob can't be replaced.\n\nThe collection is as it was.");
@@ -156,7 +157,8 @@ bool RCollection::writeKeptHeaders(std::span<const std::uint8_t> marks, common::
         return false;
     };
     for (const std::string& file : {table, description}) {
-        if (common::directoryExists(file)) return refuse(file); // an undoing could not take it away
+        // what somebody has left under the name goes; a folder can't
+        if (::unlink(file.c_str()) != 0 && errno != ENOENT) return refuse(file);
     }
     if (!noteMadeFiles(made)) return refuse(journalPath(path));
     RBlockFile out;

@@ -26,10 +26,19 @@ struct JOURNALSTATE {
     std::int32_t stationCount = 0;
 };
 
+inline constexpr std::size_t largestFileName = 255, largestFilePath = 4096; // bytes that a journal takes
+
 // What is done to whole files when a change is complete. Names without directory.
 struct FILEACTION {
-    enum Kind : std::uint8_t { rename = 0, remove = 1 } kind = rename;
-    std::string from, to; // `to` only for a renaming
+    enum Kind : std::uint8_t {
+        rename = 0, // over what stands there
+        remove = 1,
+        // A file of the collection becomes the one of the same suffix of another collection, of which nothing
+        // may be there yet: `to` is its path, absolute or against the collection's directory. If the first of
+        // them can't be moved, the whole change is undone. Side files that can't be moved stay.
+        moveAway = 2
+    } kind = rename;
+    std::string from, to; // no `to` for a removal
 };
 
 class RJournal {
@@ -73,6 +82,9 @@ private:
     struct State;
     std::unique_ptr<State> state_;
 };
+
+// Behind the name of a file that will take its place.
+inline constexpr std::string_view newDescriptionSuffix = "_new";
 
 [[nodiscard]] std::string journalPath(const std::string& basePath);
 

@@ -8,7 +8,7 @@
 namespace collection {
 namespace {
 
-constexpr std::size_t largestName = 255, largestOperation = 1000, mostActions = 100;
+constexpr std::size_t largestName = largestFileName, largestOperation = 1000, mostActions = 100;
 
 // Numbers are little-endian; a text has its length in front.
 class RPacker {
@@ -211,8 +211,8 @@ bool unpackCommitment(std::span<const std::byte> content, COMMITMENT& commitment
     for (std::uint32_t i = 0; i < count; ++i) {
         std::uint8_t kind = 0;
         FILEACTION& action = commitment.actions.emplace_back();
-        unpacker.number(kind).text(action.from, largestName).text(action.to, largestName);
-        if (!unpacker.isGood() || kind > FILEACTION::remove) return false;
+        unpacker.number(kind).text(action.from, largestName).text(action.to, largestFilePath);
+        if (!unpacker.isGood() || kind > FILEACTION::moveAway) return false;
         action.kind = static_cast<FILEACTION::Kind>(kind);
     }
     return unpacker.isAtEnd();

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -87,17 +88,46 @@ bool namesArePlausible(const JOURNALPLAN& plan)
            });
 }
 
+// The path of another collection's file of the same suffix. Its own description is moved as what was made to
+// replace it.
+bool isMovePlausible(const FILEACTION& action, std::string_view baseName)
+{
+    constexpr std::string_view suffixes[] = {".hob", ".dob", ".var", ".idv", ".inv",
+                                             ".cid", ".log", ".cfl", ".info"};
+    const std::string_view target = std::string_view(action.to).substr(action.to.rfind('/') + 1);
+    return action.to.find('\0') == std::string::npos && target.size() <= 255 &&
+           std::any_of(std::begin(suffixes), std::end(suffixes), [&](std::string_view suffix) {
+               std::string own(baseName);
+               own += suffix;
+               if (suffix == ".var") own += newDescriptionSuffix;
+               return action.from == own && target.ends_with(suffix) && target.size() > suffix.size() &&
+                      action.to != own;
+           });
+}
+
+// Station files are removed only with all of a collection, which is closed then.
+bool isActionPlausible(const FILEACTION& action, const std::string& baseName, bool filesWereOpen)
+{
+    if (!isOwnName(action.from, baseName)) return false;
+    switch (action.kind) {
+    case FILEACTION::rename:
+        return isOwnName(action.to, baseName) && action.to != action.from;
+    case FILEACTION::remove:
+        return !filesWereOpen || !isStationFile(action.from, baseName);
+    case FILEACTION::moveAway:
+        return !filesWereOpen && isMovePlausible(action, baseName);
+    }
+    return false;
+}
+
 bool actionsArePlausible(const JOURNALPLAN& plan)
 {
     if (!plan.commitment) return true;
     const std::vector<FILEACTION>& actions = plan.commitment->actions;
+    const bool filesWereOpen = plan.head.before.hobSize >= 0;
     return plan.commitment->after.stationCount >= 0 &&
            std::all_of(actions.begin(), actions.end(), [&](const FILEACTION& action) {
-               const std::string& base = plan.head.baseName;
-               if (!isOwnName(action.from, base)) return false;
-               return action.kind == FILEACTION::remove
-                          ? !isStationFile(action.from, base)
-                          : isOwnName(action.to, base) && action.to != action.from;
+               return isActionPlausible(action, plan.head.baseName, filesWereOpen);
            });
 }
 
@@ -233,7 +263,7 @@ bool actionsCanRun(const COMMITMENT& commitment, const std::string& basePath)
     return sizeAfter(commitment, directory, base + ".hob") >= commitment.after.hobSize &&
            sizeAfter(commitment, directory, base + ".dob") >= commitment.after.dobSize &&
            std::all_of(commitment.actions.begin(), commitment.actions.end(), [&](const FILEACTION& action) {
-               return action.kind == FILEACTION::remove || existsAtAll(directory + action.from) ||
+               return action.kind != FILEACTION::rename || existsAtAll(directory + action.from) ||
                       existsAtAll(directory + action.to);
            });
 }
@@ -243,11 +273,52 @@ RECOVERY outcome(RecoveryResult result, const JOURNALPLAN& plan, std::string fau
     return {result, plan.head.operation, std::move(fault)};
 }
 
-RECOVERY complete(const JOURNALPLAN& plan, const std::string& basePath)
+// Gives a file a name under which nothing stands. Where the file system can't do that in one step, a second
+// name comes first.
+bool renameIfFree(const std::string& from, const std::string& to)
+{
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+    if (errno != EINVAL && errno != ENOSYS) return false;
+    return ::link(from.c_str(), to.c_str()) == 0 && ::unlink(from.c_str()) == 0;
+}
+
+bool isSideFile(std::string_view name)
+{
+    return !name.ends_with(".hob") && !name.ends_with(".dob") && !name.ends_with(".var");
+}
+
+// Each step is on the disk before the next, so that a description never stands beside nothing.
+bool moveFileAway(const std::string& directory, const FILEACTION& action)
+{
+    const std::string from = directory + action.from;
+    const std::string to = action.to.starts_with('/') ? action.to : directory + action.to;
+    if (!existsAtAll(from)) return isSideFile(to) || existsAtAll(to);
+    if (!renameIfFree(from, to)) return isSideFile(to);
+    const int error = errno;
+    const bool synced =
+        common::syncDirectory(common::splitPath(to).directory) && common::syncDirectory(directory);
+    if (synced) errno = error;
+    return synced;
+}
+
+// A collection that could not begin to move stays where it is.
+bool isStillHere(const JOURNALPLAN& plan, const std::string& directory)
+{
+    const std::vector<FILEACTION>& actions = plan.commitment->actions;
+    return !actions.empty() && actions.front().kind == FILEACTION::moveAway &&
+           existsAtAll(directory + actions.front().from);
+}
+
+RECOVERY complete(RJournalReader& reader, const JOURNALPLAN& plan, const std::string& basePath)
 {
     std::string fault;
-    if (!completeChange(plan, basePath, fault)) return outcome(RecoveryResult::failed, plan, fault);
-    return outcome(RecoveryResult::completed, plan);
+    if (completeChange(plan, basePath, fault)) return outcome(RecoveryResult::completed, plan);
+    if (isStillHere(plan, common::splitPath(basePath).directory)) {
+        std::string undoing;
+        if (undoChange(reader, plan, basePath, nullptr, nullptr, undoing))
+            return outcome(RecoveryResult::undone, plan, fault);
+    }
+    return outcome(RecoveryResult::failed, plan, fault);
 }
 
 RECOVERY undo(RJournalReader& reader, const JOURNALPLAN& plan, const std::string& basePath)
@@ -365,9 +436,10 @@ bool runActions(const std::string& directory, std::span<const FILEACTION> action
 {
     for (const FILEACTION& action : actions) {
         const std::string from = directory + action.from, to = directory + action.to;
-        const bool done = action.kind == FILEACTION::remove ? removeIfThere(from)
-                          : existsAtAll(from)               ? std::rename(from.c_str(), to.c_str()) == 0
-                                                            : existsAtAll(to);
+        const bool done = action.kind == FILEACTION::remove     ? removeIfThere(from)
+                          : action.kind == FILEACTION::moveAway ? moveFileAway(directory, action)
+                          : existsAtAll(from)                   ? std::rename(from.c_str(), to.c_str()) == 0
+                                                                : existsAtAll(to);
         if (!done) return refuse(fault, because(from));
         if (begun) *begun = true;
     }
@@ -396,7 +468,7 @@ RECOVERY recoverCollection(const std::string& basePath)
     if (!reader.open(file)) return outcome(RecoveryResult::failed, plan, file + " is no journal");
     std::string fault;
     if (!readPlan(reader, basePath, plan, fault)) return outcome(RecoveryResult::failed, plan, fault);
-    RECOVERY recovery = plan.commitment ? complete(plan, basePath) : undo(reader, plan, basePath);
+    RECOVERY recovery = plan.commitment ? complete(reader, plan, basePath) : undo(reader, plan, basePath);
     if (recovery.result == RecoveryResult::failed) return recovery;
     if (!removeIfThere(file) || !common::syncDirectory(common::splitPath(basePath).directory)) {
         recovery.fault = because(file + " can't be removed");

@@ -103,7 +103,6 @@ RRewriting::RRewriting(RCollection& source, std::string_view title, common::RUse
 
 RRewriting::~RRewriting()
 {
-    if (target_.isChanging()) target_.rollBackChange();
     target_.closeStationFiles();
     if (begun_) source_.rollBackChange();
 }
@@ -154,16 +153,16 @@ bool RRewriting::begin(std::string_view operation, std::span<const VARINFO> vari
     if (!source_.noteMadeFiles(targetFiles())) {
         return refuse(journalPath(source_.path) + " can't be written.");
     }
-    return makeTarget(operation, variables);
+    return makeTarget(variables);
 }
 
-bool RRewriting::makeTarget(std::string_view operation, std::span<const VARINFO> variables)
+bool RRewriting::makeTarget(std::span<const VARINFO> variables)
 {
     target_.directory = source_.directory;
     target_.name = targetName;
     target_.path = fileOf({});
     target_.type = source_.type;
-    target_.writable = true;
+    target_.writable = target_.writeBehind = true;
     target_.newMagic = source_.foreignTimeOrder ? bigEndianMagic : littleEndianMagic;
     target_.qualityLimit = common::noQualityLimit;
     const int count = static_cast<int>(variables.size()) - 1;
@@ -171,8 +170,7 @@ bool RRewriting::makeTarget(std::string_view operation, std::span<const VARINFO>
         return refuse(fileOf(".var") + " can't be written. The disk may be full.");
     }
     user_.status("Opening " + target_.name + " ...");
-    if (target_.openStationFiles(target_.path, user_) != OpenFilesResult::ok) return false;
-    return target_.beginChange(operation) || refuse(fileOf(".hob") + " can't be written.");
+    return target_.openStationFiles(target_.path, user_) == OpenFilesResult::ok;
 }
 
 bool RRewriting::carryOver(const CARRIAGE& carriage, STATIONDATA& station)
@@ -228,7 +226,7 @@ bool RRewriting::finishTarget()
 {
     const std::string description = formatVarFile(source_.name, target_.type, target_.stationCount,
                                                   target_.variableCount, target_.variables);
-    bool written = target_.commitChange();
+    bool written = target_.flushStationFiles();
     target_.closeStationFiles();
     written = written && writeNotedFile(fileOf(".var"), description);
     if (written && !variableIds_.empty()) written = writeNotedFile(fileOf(".idv"), variableIds_);

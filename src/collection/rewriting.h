@@ -96,7 +96,7 @@ public:
 private:
     [[nodiscard]] bool refuse(std::string_view text) const;
     [[nodiscard]] bool isPlaceFree() const;
-    [[nodiscard]] bool makeTarget(std::string_view operation, std::span<const VARINFO> variables);
+    [[nodiscard]] bool makeTarget(std::span<const VARINFO> variables);
     [[nodiscard]] bool carryOne(int number, const CARRIAGE& carriage, STATIONDATA& station);
     [[nodiscard]] bool finishTarget();
     [[nodiscard]] std::string fileOf(std::string_view suffix) const;

@@ -30,6 +30,7 @@ void select(RSampleCollection& sample, const std::vector<std::int32_t>& numbers)
         const std::int32_t record[4] = {number, 0, 0, 0};
         ASSERT_EQ(std::fwrite(record, sizeof record, 1, sample.collection.valFile.get()), 1U);
     }
+    ASSERT_EQ(std::fflush(sample.collection.valFile.get()), 0);
     sample.collection.selectedStationCount = static_cast<int>(numbers.size());
 }
 

@@ -1,9 +1,8 @@
 // Sorting and condensing: the order, what is kept, what ends it early, and that the source survives that.
 
-#include <gtest/gtest.h>
+#include <cstring>
 
-#include <fcntl.h>
-#include <sys/resource.h>
+#include <gtest/gtest.h>
 
 #include "collection/sidefiles.h"
 #include "contents.h"

@@ -1,5 +1,7 @@
 // Changing the variables of a collection.
 
+#include <cstring>
+
 #include <gtest/gtest.h>
 
 #include "collection/variablesets.h"
