@@ -82,9 +82,10 @@ inline void fillStation(collection::STATIONDATA& station, int number, int levels
     station.header.day = static_cast<std::int16_t>(1 + number % 28);
 }
 
-// A collection of `stations` headers in `cruises` cruises; the data blocks are a hole in the file.
+// A collection of `stations` headers in `cruises` cruises, one behind the other or station by station in
+// turns; the data blocks are a hole in the file.
 inline bool createHeaders(collection::RCollection& collection, const std::string& directory, int stations,
-                          int cruises)
+                          int cruises, bool inTurns = false)
 {
     constexpr int variables = 8, levels = 20;
     static common::RHeadlessUser user;
@@ -97,7 +98,7 @@ inline bool createHeaders(collection::RCollection& collection, const std::string
     std::array<std::byte, 200> record{};
     for (int n = 1; n <= stations; ++n) {
         fillStation(station, n, 1, 1);
-        const int cruise = static_cast<int>(std::int64_t{n - 1} * cruises / stations);
+        const int cruise = inTurns ? n % cruises : static_cast<int>(std::int64_t{n - 1} * cruises / stations);
         common::copyText(station.header.cruise, common::format("CRUISE%05d", cruise));
         station.header.longitude = static_cast<float>(random() % 36000) / 100;
         station.header.latitude = static_cast<float>(random() % 18000) / 100 - 90;

@@ -193,6 +193,36 @@ void BM_drawnMap(benchmark::State& state)
 }
 BENCHMARK(BM_drawnMap)->ArgsProduct({{10'000, 1'000'000}, {0, 1, 2}})->Unit(benchmark::kMillisecond);
 
+// All that an opening takes, from the description of a closed collection with a current inventory to its map
+// in low resolution.
+void BM_openedToTheMap(benchmark::State& state)
+{
+    RBigCollection& big = collectionOf(static_cast<int>(state.range(0)));
+    collection::RCollection& collection = big.collection;
+    const std::string path = collection.path;
+    bool good = collection.writeVarFile(path);
+    collection.readInventory(true, big.user);
+    const int cruises = collection.cruiseCount;
+    QImage image(1160, 808, QImage::Format_RGB32);
+    for (auto _ : state) {
+        collection.closeTemporaryFiles();
+        collection.closeStationFiles();
+        collection.cruises.clear();
+        collection.cruiseCount = collection.stationCount = 0;
+        good = good && collection.openStationFiles(path, big.user) == collection::OpenFilesResult::ok &&
+               collection.openTemporaryFiles() && collection.readInventory(false, big.user) == cruises;
+        PICTURE picture(big);
+        picture.setup.map.layerSet = "GlobLR/";
+        PLOTCONTEXT context = picture.context(big);
+        picture.setup.map.toDraw = 1;
+        QPainter p(&image);
+        RedrawCanvas(&p, context, false);
+    }
+    if (!good) state.SkipWithError("the collection could not be opened");
+    if (isRight(state, big)) report(state);
+}
+BENCHMARK(BM_openedToTheMap)->Arg(10'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond)->UseRealTime();
+
 // range(1): resolution set as above; range(2): 0 PNG at 150 dots an inch, 1 EPS.
 void BM_exportedMap(benchmark::State& state)
 {

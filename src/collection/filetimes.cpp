@@ -31,11 +31,11 @@ bool isCurrent(const std::string& file, const std::string& source)
     return !error && sourceTime <= time;
 }
 
-void letTimePass(const std::string& source)
+void letTimePass(const std::string& file)
 {
     struct stat status {};
-    if (::stat(source.c_str(), &status) != 0) return;
-    constexpr int tries = 20; // a file may have a date in the future
+    if (::stat(file.c_str(), &status) != 0) return;
+    constexpr int tries = 20; // the clock may be that of another machine
     for (int i = 0; i < tries && !isLater(fileClock(), status.st_mtim); ++i) {
         const timespec step{0, 1000000};
         ::nanosleep(&step, nullptr);

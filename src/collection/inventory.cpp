@@ -1,6 +1,7 @@
 // The inventory of a collection: its tables, the `.inv` file and the cruise indices of the `.cid` file.
 
 #include <algorithm>
+#include <new>
 
 #include "collection/cruisetable.h"
 #include "collection/damage.h"
@@ -13,6 +14,16 @@ namespace collection {
 namespace {
 
 constexpr std::string_view busyText = "Building inventory ...";
+constexpr std::string_view buildTitle = "buildInventory", noRoomToBuild = "Could not Allocate Workspace",
+                           readTitle = "readInventory",
+                           noRoomToRead = "Could not allocate CRUISEINFO workspace";
+
+// The memory goes too: there was none left.
+void drop(std::vector<CRUISEINFO>& table, int& count)
+{
+    std::vector<CRUISEINFO>().swap(table);
+    count = 0;
+}
 
 // Updates the progress each time that a step of stations is done.
 class RProgress {
@@ -44,9 +55,16 @@ bool allWithin(const std::vector<std::int32_t>& indices, std::int32_t end)
 int RCollection::readInventory(bool force, common::RUser& user)
 {
     const bool current = !force && kind == 1 && isCurrent(path + ".inv", path + ".hob");
-    if (current && readInventoryFile()) return cruiseCount;
-    makeInventoryTables(true, user);
-    static_cast<void>(writeInventoryFile()); // it can be made again at any time
+    try {
+        if (current && readInventoryFile()) return cruiseCount;
+    } catch (const std::bad_alloc&) {
+        drop(cruises, cruiseCount);
+        sampleCount = 0;
+        user.about(readTitle, noRoomToRead);
+        return 0;
+    }
+    if (makeInventoryTables(true, user) > 0 || stationCount == 0)
+        static_cast<void>(writeInventoryFile()); // it can be made again at any time
     return cruiseCount;
 }
 
@@ -63,8 +81,15 @@ int RCollection::makeInventoryTables(bool allStations, common::RUser& user)
 int RCollection::buildInventory(bool allStations, common::RUser& user)
 {
     if (kind != 1) return 0;
-    const common::RBusyGuard busy(user, busyText);
-    return allStations ? buildFullInventory(user) : buildSelectedInventory(user);
+    try {
+        const common::RBusyGuard busy(user, busyText);
+        return allStations ? buildFullInventory(user) : buildSelectedInventory(user);
+    } catch (const std::bad_alloc&) {
+        drop(allStations ? cruises : selectedCruises, allStations ? cruiseCount : selectedCruiseCount);
+        if (allStations) sampleCount = 0;
+    }
+    user.about(buildTitle, noRoomToBuild);
+    return 0;
 }
 
 int RCollection::buildFullInventory(common::RUser& user)
@@ -134,8 +159,9 @@ bool RCollection::writeInventoryFile()
 {
     if (!writable || kind != 1) return false;
     const std::string text = formatInventory(cruises, stationCount, sampleCount, variableCount);
-    letTimePass(path + ".hob"); // a later change must make it out of date
-    return common::writeFile(path + ".inv", text);
+    if (!common::writeFile(path + ".inv", text)) return false;
+    letTimePass(path + ".inv"); // a change of the headers must make it out of date
+    return true;
 }
 
 bool RCollection::readInventoryFile()
@@ -193,9 +219,11 @@ void RCollection::writeCruiseIndices(std::vector<std::int32_t> indices) const
 {
     if (!writable) return;
     if (swapBytes) common::reverseBytes(indices.data(), indices.size(), sizeof(std::int32_t), indices.data());
-    letTimePass(path + ".hob");
-    static_cast<void>(common::writeFile(path + ".cid", {reinterpret_cast<const char*>(indices.data()),
-                                                        indices.size() * sizeof(std::int32_t)}));
+    const std::string file = path + ".cid";
+    if (common::writeFile(
+            file, {reinterpret_cast<const char*>(indices.data()), indices.size() * sizeof(std::int32_t)})) {
+        letTimePass(file);
+    }
 }
 
 } // namespace collection

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,6 +13,8 @@ namespace collection {
 namespace {
 
 constexpr std::int64_t largestSideFile = 16 << 20;
+constexpr std::size_t longestName = 255;   // bytes of a `.cfl` line
+constexpr std::size_t longestIdLine = 119; // bytes of an `.idv` line
 
 std::string withoutLineBreaks(std::string_view text)
 {
@@ -30,9 +31,22 @@ std::string nameOfLine(std::string_view line, const std::string& directory)
     return common::makeAbsolute(std::string(common::cutExtension(name)), directory);
 }
 
-std::string lineOfName(const std::string& name, const std::string& directory)
+// An extension that a program gives to such a file: it may go when the line is read.
+bool isFileExtension(std::string_view extension)
 {
-    return withoutLineBreaks(common::makeRelative(name, directory)) + "\n";
+    constexpr auto known = std::to_array<std::string_view>(
+        {".bmp", ".cfg", ".eps", ".gif", ".jpeg", ".jpg", ".png", ".ps", ".sec", ".tif", ".tiff", ".txt"});
+    return std::find(known.begin(), known.end(), common::toLower(extension)) != known.end();
+}
+
+// The reader will cut an extension: a point that begins none is protected by one.
+std::string lineOfName(const std::string& name, const std::string& directory, std::string_view extension)
+{
+    std::string line = withoutLineBreaks(common::makeRelative(name, directory));
+    const std::string_view last = std::string_view(line).substr(common::cutExtension(line).size());
+    if (!last.empty() && !isFileExtension(last)) line += extension;
+    if (line.size() > longestName) line.clear();
+    return line + "\n";
 }
 
 bool isWritableOrMissing(const std::string& file)
@@ -58,16 +72,6 @@ std::string_view messageOf(std::string_view line)
 bool isKeyLine(std::string_view line, std::string_view key)
 {
     return line.size() > key.size() && line.starts_with(key) && line[key.size()] == '=';
-}
-
-// A number that no two openings share: time and process, well mixed.
-std::uint64_t mixedNumber()
-{
-    const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
-    std::uint64_t x = static_cast<std::uint64_t>(now) + (static_cast<std::uint64_t>(::getpid()) << 40U);
-    x = (x ^ (x >> 30U)) * 0xbf58476d1ce4e5b9ULL;
-    x = (x ^ (x >> 27U)) * 0x94d049bb133111ebULL;
-    return x ^ (x >> 31U);
 }
 
 } // namespace
@@ -96,17 +100,19 @@ bool readLastFiles(const std::string& basePath, const std::string& directory, LA
     for (std::string* const name :
          {&files.configName, &files.graphics, &files.others[0], &files.others[1], &files.others[2]}) {
         if (rest.empty()) break;
-        *name = nameOfLine(common::takeLine(rest), directory);
+        const std::string_view line = common::takeLine(rest);
+        if (line.size() > longestName || (line.empty() && name == &files.configName)) continue;
+        *name = nameOfLine(line, directory);
     }
     return true;
 }
 
 bool writeLastFiles(const std::string& basePath, const std::string& directory, const LASTFILES& files)
 {
-    std::string text = lineOfName(files.configName.empty() ? basePath : files.configName, directory);
+    std::string text = lineOfName(files.configName.empty() ? basePath : files.configName, directory, ".cfg");
     for (const std::string* const name :
          {&files.graphics, &files.others[0], &files.others[1], &files.others[2]}) {
-        text += lineOfName(*name, directory);
+        text += lineOfName(*name, directory, ".");
     }
     return common::writeFile(basePath + ".cfl", text);
 }
@@ -140,19 +146,30 @@ bool isMadeByImportsOnly(const std::string& basePath)
         if (common::trimBlanks(line).empty()) continue;
         if (line.starts_with("ERROR: IMPORT")) continue; // one that stored nothing
         const std::string_view message = messageOf(line);
+        if (message.starts_with("UNDONE IMPORT") || message.starts_with("COMPLETED IMPORT")) continue;
         if (message != "CREATE" && !message.starts_with("IMPORT")) return false;
         ++lines;
     }
     return lines > 0;
 }
 
+bool appendLogLine(const std::string& basePath, std::string_view message, std::string_view user,
+                   std::string_view host)
+{
+    const common::FilePtr log = common::openFile(basePath + ".log", "a+b");
+    if (!log) return false;
+    std::string line = logTime(std::time(nullptr)) + "> " + withoutLineBreaks(user) + ":" +
+                       withoutLineBreaks(host) + " " + withoutLineBreaks(message) + "\n";
+    // Behind a line that was cut off
+    const bool startsLine = std::fseek(log.get(), -1, SEEK_END) != 0 || std::fgetc(log.get()) == '\n';
+    if (!startsLine) line.insert(line.begin(), '\n');
+    return std::fseek(log.get(), 0, SEEK_END) == 0 &&
+           std::fwrite(line.data(), 1, line.size(), log.get()) == line.size() && std::fflush(log.get()) == 0;
+}
+
 void RCollection::addLogLine(std::string_view message) const
 {
-    const common::FilePtr log = common::openFile(path + ".log", "ab");
-    if (!log) return;
-    const std::string line = logTime(std::time(nullptr)) + "> " + withoutLineBreaks(userName) + ":" +
-                             withoutLineBreaks(hostName) + " " + withoutLineBreaks(message) + "\n";
-    static_cast<void>(std::fwrite(line.data(), 1, line.size(), log.get()));
+    appendLogLine(path, message, userName, hostName);
 }
 
 int RCollection::getVariableId(std::string_view key) const
@@ -162,7 +179,7 @@ int RCollection::getVariableId(std::string_view key) const
     std::string_view rest = *text;
     while (!rest.empty()) {
         const std::string_view line = common::takeLine(rest);
-        if (!isKeyLine(line, key)) continue;
+        if (line.size() > longestIdLine || !isKeyLine(line, key)) continue;
         std::string_view value = line.substr(key.size() + 1);
         int number = 0;
         return common::takeInt(value, number) && number >= 1 && number <= variableCount ? number : 0;
@@ -172,8 +189,14 @@ int RCollection::getVariableId(std::string_view key) const
 
 bool RCollection::setVariableId(std::string_view key, int number)
 {
-    const std::string text = common::readFile(path + ".idv", largestSideFile).value_or(std::string());
-    const std::string newLine = withoutLineBreaks(key) + common::format("=%d\n", number);
+    const std::string file = path + ".idv";
+    const auto old = common::readFile(file, largestSideFile);
+    if (!old && common::fileSize(file) >= 0) return false; // it may hold ids that can't be read now
+    const std::string text = old.value_or(std::string());
+    const std::string newLine = std::string(key) + common::format("=%d\n", number);
+    const bool hasForm = !key.empty() && key.find_first_of("=\r\n") == std::string_view::npos &&
+                         newLine.size() - 1 <= longestIdLine;
+    if (!hasForm || number < 1 || number > variableCount) return false;
     std::string result;
     bool found = false;
     std::string_view rest = text;
@@ -188,7 +211,7 @@ bool RCollection::setVariableId(std::string_view key, int number)
         }
     }
     if (!found) result += newLine;
-    return common::writeFile(path + ".idv", result);
+    return common::writeFile(file, result);
 }
 
 bool RCollection::createEmptyFiles()
@@ -206,41 +229,6 @@ std::string RCollection::infoFile() const
 {
     const bool elsewhere = kind == 2 && !common::directoryIsWritable(directory.empty() ? "." : directory);
     return elsewhere ? tempDirectory + tempId + "_" + name + ".info" : directory + name + ".info";
-}
-
-void RCollection::makeTempId()
-{
-    const std::string last = tempId;
-    do {
-        tempId = common::format("NVQ_%llu", static_cast<unsigned long long>(mixedNumber() % 10000000000ULL));
-    } while (tempId == last);
-}
-
-bool RCollection::openTemporaryFiles()
-{
-    closeTemporaryFiles();
-    constexpr int tries = 100; // the names of other running programs are theirs
-    for (int i = 0; i < tries; ++i) {
-        if (tempId.empty() || i > 0) makeTempId();
-        const std::string base = tempDirectory + tempId;
-        valFile = common::openFile(base + ".val", "wbx+");
-        if (!valFile) continue;
-        selFile = common::openFile(base + ".sel", "wbx+");
-        if (selFile) return true;
-        valFile.reset();
-        removeOne(base + ".val");
-    }
-    return false;
-}
-
-void RCollection::closeTemporaryFiles()
-{
-    if (!valFile && !selFile) return;
-    valFile.reset();
-    selFile.reset();
-    selectedStationCount = plottedStationCount = 0;
-    common::deleteMatching(tempDirectory.empty() ? "." : tempDirectory, tempId + ".*", -1);
-    common::deleteMatching(tempDirectory.empty() ? "." : tempDirectory, tempId + "_*", -1);
 }
 
 } // namespace collection

@@ -16,14 +16,20 @@ namespace collection {
 // The time of the last change of a file in the same form; empty if there is no such file.
 [[nodiscard]] std::string fileTime(const std::string& file);
 
+// Adds a line to the log: "<time>> <user>:<host> <message>". False if it can't be written.
+bool appendLogLine(const std::string& basePath, std::string_view message, std::string_view user,
+                   std::string_view host);
+
 // The `.cfl` file: names of the files that were used last. They are absolute here and relative to the
-// collection's directory in the file; an empty name is an empty line. The reader cuts extensions.
+// collection's directory in the file; an empty name is an empty line. The reader cuts extensions; a name with
+// a point that is no extension keeps it. A name that takes more than 255 bytes is not kept.
 struct LASTFILES {
     std::string configName;            // line 1
     std::string graphics;              // line 2: the graphics export
     std::array<std::string, 3> others; // lines 3 to 5, kept in their order
 };
-// Names whose lines are missing keep their value. False if the file can't be read.
+// Names whose lines are missing or too long keep their value, and so does configName if its line is empty.
+// False if the file can't be read.
 [[nodiscard]] bool readLastFiles(const std::string& basePath, const std::string& directory, LASTFILES& files);
 [[nodiscard]] bool writeLastFiles(const std::string& basePath, const std::string& directory,
                                   const LASTFILES& files);
@@ -41,8 +47,8 @@ inline constexpr auto collectionSuffixes =
 // Removes the files of a closed collection. False, with nothing removed, if the `.hob` file can't go.
 [[nodiscard]] bool removeCollectionFiles(const std::string& basePath, bool withLog, bool withConfiguration);
 
-// True if the log tells of nothing but creations and imports, so that running these again gives the same
-// collection; false too if there is no log.
+// True if the log tells of nothing but creations and imports, and of imports that were cut off and put right,
+// so that running these again gives the same collection; false too if there is no log.
 [[nodiscard]] bool isMadeByImportsOnly(const std::string& basePath);
 
 } // namespace collection

@@ -1,9 +1,14 @@
+#include <array>
 #include <chrono>
 #include <filesystem>
 
 #include <gtest/gtest.h>
 
 #include "collection/cruisetable.h"
+#include "collection/filetimes.h"
+#include "collection/stationrecord.h"
+#include "common/byteorder.h"
+#include "memorylimit.h"
 #include "samplecollection.h"
 
 namespace collection {
@@ -295,6 +300,111 @@ TEST_F(Inventory, LabelsAreOrderedAsBytes)
     EXPECT_STREQ(collection.cruises[2].cruise, "\xC4");
 }
 
+TEST_F(Inventory, AHeaderThatWasEditedRightAfterwardsMakesItOutOfDate)
+{
+    for (int i = 0; i < 20; ++i) { // no two times of files are the same
+        put("A", std::to_string(i));
+        collection.readInventory(true, sample.user);
+        ASSERT_TRUE(isCurrent(collection.path + ".inv", collection.path + ".hob"));
+        STATIONHDR header{};
+        ASSERT_TRUE(collection.readStationHeader(1, header, nullptr));
+        ASSERT_TRUE(collection.writeStationHeader(1, header, nullptr));
+        ASSERT_FALSE(isCurrent(collection.path + ".inv", collection.path + ".hob"));
+    }
+}
+
+TEST_F(Inventory, ATableDatedInTheFutureIsNotWaitedFor)
+{
+    put("A", "1");
+    touch(".hob", 3600);
+    EXPECT_EQ(collection.readInventory(false, sample.user), 1);
+    EXPECT_FALSE(isCurrent(collection.path + ".inv", collection.path + ".hob"));
+    EXPECT_EQ(collection.readInventory(false, sample.user), 1);
+}
+
+TEST_F(Inventory, ADiskThatIsFullLeavesTheTableInMemory)
+{
+    put("A", "1");
+    const std::string inv = collection.path + ".inv", cid = collection.path + ".cid";
+    std::filesystem::create_directory(inv); // no file can take its place
+    std::filesystem::create_directory(cid);
+    EXPECT_EQ(collection.readInventory(false, sample.user), 1);
+    EXPECT_STREQ(collection.cruises.at(0).cruise, "A");
+    EXPECT_TRUE(sample.user.messages.empty());
+}
+
+TEST_F(Inventory, AnotherKindOfCollectionHasNoFile)
+{
+    put("A", "1");
+    collection.kind = 2;
+    EXPECT_EQ(collection.readInventory(false, sample.user), 0);
+    EXPECT_FALSE(collection.writeInventoryFile());
+    EXPECT_FALSE(common::fileExists(collection.path + ".inv"));
+    collection.kind = 1;
+}
+
+// A collection in which each station is of a cruise of its own: its table is large.
+class ManyCruises : public testing::Test {
+protected:
+    static constexpr int stations = 100000;
+    ManyCruises()
+    {
+        const RECORDFORM form{.variableCount = 1};
+        LEVELCOUNTS counts{};
+        counts[1] = 1;
+        STATIONHDR header{};
+        header.type[0] = 'B';
+        header.valueCount = 1;
+        std::string hob(common::hostIsLittleEndian ? littleEndianMagic : bigEndianMagic);
+        std::array<std::byte, 82> record{};
+        for (int n = 1; n <= stations; ++n) {
+            common::copyText(header.cruise, "C" + std::to_string(n));
+            const std::size_t size = packRecord(header, &counts, form, record.data());
+            hob.append(reinterpret_cast<const char*>(record.data()), size);
+        }
+        sample.collection.stationCount = stations;
+        EXPECT_TRUE(sample.collection.writeVarFile(sample.collection.path));
+        sample.collection.closeStationFiles();
+        sample.setBytes(".hob", hob);
+        sample.setBytes(".dob", std::string(5, '\0'));
+        EXPECT_EQ(sample.collection.openStationFiles(sample.collection.path, sample.user),
+                  OpenFilesResult::ok);
+    }
+    RSampleCollection sample{1};
+    RCollection& collection = sample.collection;
+};
+
+TEST_F(ManyCruises, WithoutMemoryTheTableIsDroppedAndTold)
+{
+    if (!testing_support::memoryCanBeLimited) GTEST_SKIP() << "the sanitizer needs all memory";
+    int count = -1;
+    {
+        const testing_support::RMemoryLimit limit(2 << 20);
+        count = collection.readInventory(false, sample.user);
+    }
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(sample.user.messages, std::vector<std::string>{"buildInventory: Could not Allocate Workspace"});
+    EXPECT_TRUE(collection.cruises.empty());
+    EXPECT_EQ(sample.user.busy, 0);
+    EXPECT_FALSE(common::fileExists(collection.path + ".inv"));
+    EXPECT_EQ(collection.readInventory(false, sample.user), stations);
+}
+
+TEST_F(ManyCruises, WithoutMemoryForItsFileTheTableIsEmptyAndTold)
+{
+    if (!testing_support::memoryCanBeLimited) GTEST_SKIP() << "the sanitizer needs all memory";
+    ASSERT_EQ(collection.readInventory(false, sample.user), stations);
+    std::vector<CRUISEINFO>().swap(collection.cruises);
+    {
+        const testing_support::RMemoryLimit limit(2 << 20);
+        collection.readInventory(false, sample.user);
+    }
+    EXPECT_EQ(collection.cruiseCount, 0);
+    EXPECT_TRUE(collection.cruises.empty());
+    EXPECT_EQ(sample.user.messages,
+              std::vector<std::string>{"readInventory: Could not allocate CRUISEINFO workspace"});
+}
+
 // --- `.cid`
 
 TEST_F(Inventory, CruiseIndicesAreOfTheTableAndKeptInTheFile)
@@ -321,6 +431,38 @@ TEST_F(Inventory, CruiseIndexFileThatCantBeTrueIsMadeAnew)
         touch(".cid", 5);
         EXPECT_EQ(collection.readCruiseIndices(false), (std::vector<std::int32_t>{1, 0}));
     }
+}
+
+TEST_F(Inventory, CruiseIndicesOfAReadOnlyCollectionAreMadeAndNotWritten)
+{
+    put("B", "1");
+    put("A", "2");
+    collection.readInventory(true, sample.user);
+    std::filesystem::remove(collection.path + ".cid");
+    collection.writable = false;
+    EXPECT_EQ(collection.readCruiseIndices(false), (std::vector<std::int32_t>{1, 0}));
+    EXPECT_FALSE(common::fileExists(collection.path + ".cid"));
+}
+
+TEST_F(Inventory, AStationThatMatchesNoEntryHasIndex0)
+{
+    put("B", "1");
+    put("A", "2");
+    collection.readInventory(true, sample.user);
+    collection.cruises.pop_back();
+    collection.cruiseCount = 1;
+    EXPECT_EQ(collection.readCruiseIndices(true), (std::vector<std::int32_t>{0, 0}));
+}
+
+TEST_F(Inventory, CruiseIndicesAreForcedToBeMadeAnew)
+{
+    put("B", "1");
+    put("A", "2");
+    collection.readInventory(true, sample.user);
+    sample.setBytes(".cid", std::string(8, '\0')); // of the right form
+    EXPECT_EQ(collection.readCruiseIndices(false), (std::vector<std::int32_t>{0, 0}));
+    EXPECT_EQ(collection.readCruiseIndices(true), (std::vector<std::int32_t>{1, 0}));
+    EXPECT_EQ(collection.readCruiseIndices(false), (std::vector<std::int32_t>{1, 0}));
 }
 
 TEST_F(Inventory, EmptyCollectionHasAnEmptyTable)

@@ -45,6 +45,35 @@ TEST_F(SideFiles, ALineWithoutEqualSignIsKeptWithOne)
     EXPECT_EQ(sample.bytes(".idv"), "strange=\nDepth [m]=4\n");
 }
 
+TEST_F(SideFiles, AVariableIdThatHasNoFormIsRefused)
+{
+    ASSERT_TRUE(collection.setVariableId("a", 1));
+    for (const std::string& key :
+         {std::string(), std::string("b=c"), std::string("b\nc"), std::string(118, 'k')}) {
+        EXPECT_FALSE(collection.setVariableId(key, 1)) << key;
+    }
+    EXPECT_FALSE(collection.setVariableId("b", 0));
+    EXPECT_FALSE(collection.setVariableId("b", 5));
+    EXPECT_EQ(sample.bytes(".idv"), "a=1\n");
+    const std::string longest(117, 'k');
+    EXPECT_TRUE(collection.setVariableId(longest, 2));
+    EXPECT_EQ(collection.getVariableId(longest), 2);
+}
+
+TEST_F(SideFiles, ALineOfMoreThan119BytesHasNoKey)
+{
+    sample.setBytes(".idv", "a=" + std::string(118, ' ') + "1\na=2\n");
+    EXPECT_EQ(collection.getVariableId("a"), 2);
+}
+
+TEST_F(SideFiles, IdsThatCantBeReadAreNotReplaced)
+{
+    fs::create_directory(collection.path + ".idv");
+    EXPECT_EQ(collection.getVariableId("a"), 0);
+    EXPECT_FALSE(collection.setVariableId("a", 1));
+    EXPECT_TRUE(fs::is_directory(collection.path + ".idv"));
+}
+
 TEST_F(SideFiles, AVariableIdThatIsNoVariableIsNone)
 {
     sample.setBytes(".idv", "a=99\nb=x\nc=-1\nd=4\nd=1\n");
@@ -70,6 +99,15 @@ TEST_F(SideFiles, LogLinesAreAppendedInTheirForm)
     EXPECT_TRUE(std::regex_match(log, form)) << log;
 }
 
+TEST_F(SideFiles, ALogLineBehindACutOneStartsANewLine)
+{
+    sample.setBytes(".log", "cut");
+    EXPECT_TRUE(appendLogLine(collection.path, "COMMENT x", "me", "here"));
+    EXPECT_TRUE(sample.bytes(".log").starts_with("cut\n"));
+    EXPECT_TRUE(sample.bytes(".log").ends_with("> me:here COMMENT x\n"));
+    EXPECT_FALSE(appendLogLine("/nowhere/at/all", "COMMENT x", "me", "here"));
+}
+
 TEST(LogTime, EnglishMonthsInLocalTime)
 {
     std::tm local{};
@@ -91,6 +129,16 @@ TEST_F(SideFiles, OnlyCreationsAndImportsCanBeRunAgain)
     EXPECT_TRUE(isMadeByImportsOnly(collection.path));
     sample.setBytes(".log", sample.bytes(".log") + "ERROR: IMPORT     0 Stations a > b.txt (x)\n");
     EXPECT_TRUE(isMadeByImportsOnly(collection.path));
+    collection.addLogLine("UNDONE IMPORT");
+    collection.addLogLine("COMPLETED IMPORT");
+    EXPECT_TRUE(isMadeByImportsOnly(collection.path));
+    const std::string log = sample.bytes(".log");
+    for (const char* const other :
+         {"UNDONE SORTCONDENSE", "COMPLETED DELETE 3 Stations", "EDITHEADER <a b c>"}) {
+        collection.addLogLine(other);
+        EXPECT_FALSE(isMadeByImportsOnly(collection.path)) << other;
+        sample.setBytes(".log", log);
+    }
     collection.addLogLine("COMMENT CREATE");
     EXPECT_FALSE(isMadeByImportsOnly(collection.path));
     EXPECT_FALSE(isMadeByImportsOnly(collection.path + "x"));
@@ -127,6 +175,63 @@ TEST_F(SideFiles, LastFilesTakeForeignSeparatorsAndLoseExtensions)
     EXPECT_EQ(files.graphics, sample.directory.file("sub/picture"));
     EXPECT_EQ(files.others[1], "kept");
     EXPECT_FALSE(readLastFiles(collection.path + "x", collection.directory, files));
+}
+
+TEST_F(SideFiles, APointInANameSurvivesWritingAndReading)
+{
+    LASTFILES files;
+    files.configName = sample.directory.file("2010.10");
+    files.graphics = sample.directory.file("map.v2");
+    files.others = {sample.directory.file("dir.d/plain"), sample.directory.file("a.b."), ""};
+    LASTFILES read = files;
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_TRUE(writeLastFiles(collection.path, collection.directory, read));
+        read = {};
+        ASSERT_TRUE(readLastFiles(collection.path, collection.directory, read));
+        EXPECT_EQ(read.configName, files.configName);
+        EXPECT_EQ(read.graphics, files.graphics);
+        EXPECT_EQ(read.others, files.others);
+    }
+}
+
+TEST_F(SideFiles, TheExtensionOfAPictureIsCutOnce)
+{
+    LASTFILES files;
+    files.graphics = sample.directory.file("map.v2.png");
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_TRUE(writeLastFiles(collection.path, collection.directory, files));
+        files.graphics.clear();
+        ASSERT_TRUE(readLastFiles(collection.path, collection.directory, files));
+        EXPECT_EQ(files.graphics, sample.directory.file("map.v2"));
+    }
+}
+
+TEST_F(SideFiles, AllFiveLinesThatWereReadAreWrittenBack)
+{
+    const std::string text = "conf\npictures/map\na\n../b\n/far/away/c\n";
+    sample.setBytes(".cfl", text);
+    LASTFILES files;
+    ASSERT_TRUE(readLastFiles(collection.path, collection.directory, files));
+    ASSERT_TRUE(writeLastFiles(collection.path, collection.directory, files));
+    EXPECT_EQ(sample.bytes(".cfl"), text);
+}
+
+TEST_F(SideFiles, NamesOfMoreThan255BytesAreNotKept)
+{
+    LASTFILES files;
+    files.graphics = sample.directory.file(std::string(255, 'g'));
+    files.others[0] = sample.directory.file(std::string(256, 'h'));
+    ASSERT_TRUE(writeLastFiles(collection.path, collection.directory, files));
+    EXPECT_EQ(sample.bytes(".cfl"), "sample\n" + std::string(255, 'g') + "\n\n\n\n");
+    sample.setBytes(".cfl", "\n" + std::string(256, 'x') + "\n\n");
+    LASTFILES read;
+    read.configName = "default";
+    read.graphics = "kept";
+    read.others[0] = "gone";
+    ASSERT_TRUE(readLastFiles(collection.path, collection.directory, read));
+    EXPECT_EQ(read.configName, "default");
+    EXPECT_EQ(read.graphics, "kept");
+    EXPECT_EQ(read.others[0], "");
 }
 
 TEST_F(SideFiles, ConfigurationDefaultsToTheCollectionsPath)
@@ -189,49 +294,6 @@ TEST_F(SideFiles, WritableNeedsTheDirectoryAndTheFiles)
     EXPECT_TRUE(filesAreWritable(collection.path, collection.directory, true));
 }
 
-// --- temporary files
-
-TEST_F(SideFiles, TwoOpeningsHaveDifferentPrefixesAndTheFirstFilesAreGone)
-{
-    collection.makeTempId();
-    ASSERT_TRUE(collection.openTemporaryFiles());
-    const std::string first = collection.tempId;
-    EXPECT_TRUE(first.starts_with("NVQ_"));
-    EXPECT_TRUE(common::fileExists(sample.directory.file(first + ".val")));
-    EXPECT_TRUE(common::fileExists(sample.directory.file(first + ".sel")));
-    collection.closeTemporaryFiles();
-    collection.makeTempId();
-    EXPECT_NE(collection.tempId, first);
-    ASSERT_TRUE(collection.openTemporaryFiles());
-    EXPECT_FALSE(common::fileExists(sample.directory.file(first + ".val")));
-    EXPECT_FALSE(common::fileExists(sample.directory.file(first + ".sel")));
-}
-
-TEST_F(SideFiles, TemporaryFilesOfOthersAreLeftAlone)
-{
-    collection.makeTempId();
-    const std::string theirs = sample.directory.file(collection.tempId + ".val");
-    {
-        const common::FilePtr file = common::openFile(theirs, "wb");
-    }
-    const std::string similar = sample.directory.file(collection.tempId + "7.val");
-    {
-        const common::FilePtr file = common::openFile(similar, "wb");
-    }
-    const std::string wanted = collection.tempId;
-    ASSERT_TRUE(collection.openTemporaryFiles());
-    EXPECT_NE(collection.tempId, wanted);
-    collection.closeTemporaryFiles();
-    EXPECT_TRUE(common::fileExists(theirs));
-    EXPECT_TRUE(common::fileExists(similar));
-}
-
-TEST_F(SideFiles, NoTemporaryDirectoryIsAFailure)
-{
-    collection.tempDirectory = "/nowhere/at/all/";
-    EXPECT_FALSE(collection.openTemporaryFiles());
-}
-
 TEST_F(SideFiles, ResetLeavesNothingOpenAndNothingKnown)
 {
     ASSERT_EQ(sample.put(profile(2, 4)), WriteResult::ok);
@@ -251,6 +313,17 @@ TEST_F(SideFiles, ResetLeavesNothingOpenAndNothingKnown)
 TEST_F(SideFiles, InfoFileStandsBesideTheCollection)
 {
     EXPECT_EQ(collection.infoFile(), collection.path + ".info");
+}
+
+TEST_F(SideFiles, InfoFileOfAFileInAProtectedFolderStandsWithTheTemporaryOnes)
+{
+    collection.kind = 2;
+    EXPECT_EQ(collection.infoFile(), collection.path + ".info");
+    collection.directory = "/nowhere/at/all/";
+    collection.tempId = "NVQ_1";
+    EXPECT_EQ(collection.infoFile(), collection.tempDirectory + "NVQ_1_sample.info");
+    collection.kind = 1;
+    EXPECT_EQ(collection.infoFile(), "/nowhere/at/all/sample.info");
 }
 
 // --- damage
