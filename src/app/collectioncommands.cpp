@@ -100,6 +100,10 @@ bool RSession::mayTakePlace(const FAMILYCOMMAND& command, const std::string& bas
         user_.about(command.title, basePath + ".var is the open collection itself.");
         return false;
     }
+    if (unpacked_ && basePath.starts_with(unpacked_->path())) {
+        user_.about(command.title, basePath + ".var would be lost with the unpacked files.");
+        return false;
+    }
     if (!isThere(basePath) || !user_.interactive()) return true;
     return user_.question(command.title, "Collection\n\n" + basePath + ".var\n\nalready exists!  Replace it?",
                           common::Answer::no) == common::Answer::yes;
@@ -140,27 +144,15 @@ bool RSession::runFamilyCommand(const FAMILYCOMMAND& command, const std::string&
     return false;
 }
 
-// The collection that was closed for an operation which has failed.
-void RSession::openAgain(const std::string& file, std::unique_ptr<RScratchFolder> unpacked)
-{
-    openingTemporary_ = unpacked != nullptr;
-    const OpenResult result = openKind(FileKind::collection, file);
-    openingTemporary_ = false;
-    if (result != OpenResult::ok || !unpacked) return;
-    unpacked_ = std::move(unpacked);
-    collection.writable = false;
-}
-
 bool RSession::copyOrMove(const FAMILYCOMMAND& command, const std::string& target)
 {
     const std::string from = collection.path;
-    // What was unpacked for this session is proposed where the user works.
-    const std::string proposed =
-        collection.isTemporaryFile ? common::absolutePath("./") : collection.directory;
-    const std::string to = targetBase(target, {"Select Target Collection Name ...", "Collection Name (*.var)",
-                                               proposed + "copy_of_" + collection.name + ".var", true});
+    const std::string beside = collection.isTemporaryFile ? "" : collection.directory; // not where it is lost
+    const std::string to =
+        targetBase(target, {"Select Target Collection Name ...", "Collection Name (*.var)",
+                            common::absolutePath(beside + "copy_of_" + collection.name + ".var"), true});
     if (to.empty() || !mayTakePlace(command, to)) return false;
-    std::unique_ptr<RScratchFolder> unpacked = std::move(unpacked_); // closing would take the source away
+    std::unique_ptr<RScratchFolder> unpacked = std::move(unpacked_); // its files must outlast the closing
     if (!close(false)) {
         unpacked_ = std::move(unpacked);
         return false;
@@ -168,7 +160,8 @@ bool RSession::copyOrMove(const FAMILYCOMMAND& command, const std::string& targe
     const bool good = runFamilyCommand(command, from, to);
     lock_.release();
     if (!good) {
-        openAgain(from + ".var", std::move(unpacked));
+        static_cast<void>(unpacked ? openTemporary(FileKind::collection, from + ".var", std::move(unpacked))
+                                   : openKind(FileKind::collection, from + ".var"));
         return false;
     }
     if (!isThere(from)) forgetRecentFile(from + ".var");
@@ -199,7 +192,7 @@ bool RSession::deleteCollection()
     lock_.release();
     if (result != collection::FilesResult::ok && result != collection::FilesResult::otherFiles) {
         user_.about(deletionTitle, "Could not delete collection!\n\n" + std::string(elsewhere));
-        openAgain(path + ".var", nullptr);
+        static_cast<void>(openKind(FileKind::collection, path + ".var"));
         return false;
     }
     forgetRecentFile(path + ".var");

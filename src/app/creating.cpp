@@ -191,7 +191,7 @@ OpenResult RSession::newFromSource(FileKind kind, const std::string& path)
 bool RSession::createCollection(const std::string& path, std::optional<CREATIONCHOICE> choice)
 {
     const std::string base = targetBase(
-        path, {std::string(creationTitle), "Collection Files (*.var)", collection.directory, true});
+        path, {std::string(creationTitle), "Collection Files (*.var)", collection.directory, true, true});
     if (base.empty()) return false;
     const std::string name = common::splitPath(base + ".var").baseName;
     if (!choice && user_.interactive()) choice = view_.chooseVariables(name);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -15,11 +16,17 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* problemTitle = "Installation problem...";
+constexpr const char* lastTemp = "/tmp"; // where the environment names no other
 
 std::string variable(const char* name)
 {
     const char* const value = std::getenv(name);
     return value ? value : "";
+}
+
+bool isSet(const char* name)
+{
+    return !variable(name).empty();
 }
 
 std::string systemUser()
@@ -62,15 +69,19 @@ bool isRoot(const std::string& root)
     return !root.empty() && common::fileExists(programOf(root));
 }
 
+void tellBadRoot(const std::string& root, common::RUser& user)
+{
+    user.about(problemTitle,
+               "Bad Installation Directory!\n\nNVQ executable " + programOf(root) + " not found!");
+}
+
 // A directory that somebody named must be one; silence is for those that the program thought of itself.
 bool acceptRoot(const std::string& named, common::RUser& user)
 {
     if (named.empty() || named == unknownHome) return false;
     const std::string root = withSlash(named);
-    if (isRoot(root)) return true;
-    user.about(problemTitle,
-               "Bad Installation Directory!\n\nNVQ executable " + programOf(root) + " not found!");
-    return false;
+    if (!isRoot(root)) tellBadRoot(root, user);
+    return isRoot(root);
 }
 
 bool acceptTemp(const std::string& named, common::RUser& user)
@@ -82,32 +93,105 @@ bool acceptTemp(const std::string& named, common::RUser& user)
     return false;
 }
 
-std::string findRoot(const ENVIRONMENT& environment, const SETUPSETTINGS& setup, common::RUser& user)
-{
-    for (const std::string& named : {environment.nvqmpHome, setup.home}) {
-        if (acceptRoot(named, user)) return withSlash(common::absolutePath(named));
-    }
-    const std::vector<std::string> proposals = proposedRoots(environment);
-    const auto good = std::find_if(proposals.begin(), proposals.end(), isRoot);
-    if (good != proposals.end()) return *good;
-    const std::string last = proposals.empty() ? "/" : proposals.front();
-    user.about(problemTitle,
-               "Bad Installation Directory!\n\nNVQ executable " + programOf(last) + " not found!");
-    return {};
-}
-
-std::string findTemp(const ENVIRONMENT& environment, const SETUPSETTINGS& setup, common::RUser& user)
-{
-    for (const std::string& named :
-         {environment.nvqmpTemp, setup.temp, environment.tmpDir, std::string("/tmp")}) {
-        if (acceptTemp(named, user)) return withSlash(common::absolutePath(named));
-    }
-    return {};
-}
-
 const std::string& firstKnown(const std::string& a, const std::string& b, const std::string& c)
 {
     return !a.empty() ? a : !b.empty() ? b : c;
+}
+
+struct FOUND {
+    std::string root, temp; // with trailing "/", empty if there is none
+    [[nodiscard]] bool complete() const { return !root.empty() && !temp.empty(); }
+};
+
+// The first good one of those that somebody named.
+FOUND findNamed(const ENVIRONMENT& environment, const SETUPSETTINGS& setup, common::RUser& user)
+{
+    FOUND found;
+    for (const std::string& named : {environment.nvqmpHome, setup.home}) {
+        if (found.root.empty() && acceptRoot(named, user))
+            found.root = withSlash(common::absolutePath(named));
+    }
+    for (const std::string& named : {environment.nvqmpTemp, setup.temp}) {
+        if (found.temp.empty() && acceptTemp(named, user))
+            found.temp = withSlash(common::absolutePath(named));
+    }
+    return found;
+}
+
+std::string findProposedRoot(const ENVIRONMENT& environment, common::RUser& user)
+{
+    const std::vector<std::string> proposals = proposedRoots(environment);
+    const auto good = std::find_if(proposals.begin(), proposals.end(), isRoot);
+    if (good != proposals.end()) return *good;
+    tellBadRoot(proposals.empty() ? "/" : proposals.front(), user);
+    return {};
+}
+
+std::string findSystemTemp(const ENVIRONMENT& environment, common::RUser& user)
+{
+    for (const std::string& directory : {environment.tmpDir, std::string(lastTemp)}) {
+        if (acceptTemp(directory, user)) return withSlash(common::absolutePath(directory));
+    }
+    return {};
+}
+
+// What the dialog begins with: what is good, or at least likely.
+SETUPSETTINGS proposalFor(const ENVIRONMENT& environment, const SETUPSETTINGS& setup, const FOUND& found)
+{
+    SETUPSETTINGS proposal;
+    const std::vector<std::string> roots = proposedRoots(environment);
+    const auto good = std::find_if(roots.begin(), roots.end(), isRoot);
+    proposal.home = !found.root.empty()   ? found.root
+                    : good != roots.end() ? *good
+                    : roots.empty()       ? std::string()
+                                          : roots.front();
+    proposal.temp = found.temp;
+    proposal.user = firstKnown(environment.nvqmpUser, setup.user, environment.userName);
+    proposal.host = firstKnown(environment.nvqmpHost, setup.host, environment.hostName);
+    return proposal;
+}
+
+// The directories of what was entered; what is wrong with them is told.
+FOUND testEntered(const ENVIRONMENT& environment, const SETUPSETTINGS& entered, common::RUser& user)
+{
+    FOUND found;
+    const std::string root = entered.home.empty() ? "" : withSlash(common::absolutePath(entered.home));
+    if (isRoot(root))
+        found.root = root;
+    else
+        tellBadRoot(root, user);
+    const std::string temp = entered.temp.empty() ? systemTemp(environment) : entered.temp;
+    if (acceptTemp(temp, user)) found.temp = withSlash(common::absolutePath(temp));
+    return found;
+}
+
+// Asks until the answer is good or there is none; `setup` is the answer as it is to be kept. An empty
+// temporary directory stays empty: the system's may be another one at the next start.
+FOUND askForBoth(const ENVIRONMENT& environment, SETUPSETTINGS proposal, SETUPSETTINGS& setup,
+                 common::RUser& user, const AskSetup& ask)
+{
+    while (const std::optional<SETUPSETTINGS> entered = ask(proposal)) {
+        const FOUND found = testEntered(environment, *entered, user);
+        if (found.complete()) {
+            setup = *entered;
+            setup.home = found.root;
+            if (!setup.temp.empty()) setup.temp = found.temp;
+            return found;
+        }
+        proposal = *entered;
+    }
+    return {};
+}
+
+// What was just entered counts, even where the environment says something else.
+void nameUser(const ENVIRONMENT& environment, const SETUPSETTINGS& setup, bool entered,
+              common::INSTALLATION& installation)
+{
+    const std::string noName;
+    installation.user =
+        firstKnown(entered ? noName : environment.nvqmpUser, setup.user, environment.userName);
+    installation.host =
+        firstKnown(entered ? noName : environment.nvqmpHost, setup.host, environment.hostName);
 }
 
 void deriveDirectories(const std::string& root, common::INSTALLATION& installation)
@@ -117,6 +201,7 @@ void deriveDirectories(const std::string& root, common::INSTALLATION& installati
     installation.include = installation.root + "include/";
     installation.atmhist = installation.root + "atmhist/";
     installation.help = installation.root + "doc/";
+    installation.guide = installation.help + "nvqGuide.htm";
     installation.userTree = installation.home + "nvq_local/";
     installation.palettes = installation.userTree + "palettes/";
 }
@@ -169,7 +254,7 @@ ENVIRONMENT processEnvironment(const std::string& programPath, const std::string
     environment.nvqmpTemp = variable("NVQMPTEMP");
     environment.nvqmpUser = variable("NVQMPUSER");
     environment.nvqmpHost = variable("NVQMPHOST");
-    environment.tmpDir = variable("TMPDIR");
+    environment.tmpDir = isSet("TMPDIR") ? variable("TMPDIR") : variable("TEMP");
     environment.userName = systemUser();
     environment.hostName = systemHost();
     return environment;
@@ -193,16 +278,32 @@ std::string programOf(const std::string& root)
     return root + "bin/nvqmp";
 }
 
-bool checkInstallation(const ENVIRONMENT& environment, const SETUPSETTINGS& setup,
-                       common::INSTALLATION& installation, common::RUser& user)
+std::string systemTemp(const ENVIRONMENT& environment)
+{
+    return withSlash(environment.tmpDir.empty() ? lastTemp : environment.tmpDir);
+}
+
+InstallationResult checkInstallation(const ENVIRONMENT& environment, SETUPSETTINGS& setup,
+                                     common::INSTALLATION& installation, common::RUser& user,
+                                     const AskSetup& ask)
 {
     installation.home = withSlash(environment.home);
-    installation.user = firstKnown(environment.nvqmpUser, setup.user, environment.userName);
-    installation.host = firstKnown(environment.nvqmpHost, setup.host, environment.hostName);
-    const std::string root = findRoot(environment, setup, user);
-    if (!root.empty()) deriveDirectories(root, installation);
-    installation.temp = findTemp(environment, setup, user);
-    return !root.empty() && !installation.temp.empty();
+    FOUND found = findNamed(environment, setup, user);
+    const bool noneNamed = environment.nvqmpTemp.empty() && setup.temp.empty();
+    if (found.temp.empty() && (noneNamed || !ask)) found.temp = findSystemTemp(environment, user);
+    if (found.root.empty() && !ask) found.root = findProposedRoot(environment, user);
+    const bool asked = ask && !found.complete();
+    if (asked) {
+        const SETUPSETTINGS proposal = proposalFor(environment, setup, found);
+        const FOUND answer = askForBoth(environment, proposal, setup, user, ask);
+        if (answer.complete()) found = answer;
+    }
+    const bool entered = asked && found.complete();
+    nameUser(environment, setup, entered, installation);
+    if (!found.root.empty()) deriveDirectories(found.root, installation);
+    installation.temp = found.temp.empty() ? systemTemp(environment) : found.temp;
+    if (!found.complete()) return InstallationResult::bad;
+    return entered ? InstallationResult::entered : InstallationResult::good;
 }
 
 void prepareUserTree(const common::INSTALLATION& installation, common::RUser& user)

@@ -1,13 +1,10 @@
 // The menus of the main window, and what their entries do.
 
-#include <QFileDialog>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
 
 #include "app/commandhelp.h"
 #include "app/rappwindow.h"
-#include "common/files.h"
 #include "common/text.h"
 #include "graphics/layouts.h"
 
@@ -35,19 +32,27 @@ constexpr LAYOUTENTRY layoutEntries[] = {{cmdFirstLayout, "STATION 2 Win"},
                                          {cmdFirstLayout + 2, "SCATTER 2 Win"},
                                          {cmdFirstLayout + 3, "SCATTER 6 Win"}};
 
+// The commands of the collection as a whole; the session asks for what they need, and tells what was done.
+struct COLLECTIONCOMMAND {
+    int id;
+    bool (*run)(RSession&);
+};
+constexpr auto collectionCommands = std::to_array<COLLECTIONCOMMAND>({
+    {cmdNew, [](RSession& s) { return s.createCollection({}, std::nullopt); }},
+    {cmdCopy, [](RSession& s) { return s.copyCollection({}); }},
+    {cmdMove, [](RSession& s) { return s.moveCollection({}); }},
+    {cmdDelete, [](RSession& s) { return s.deleteCollection(); }},
+    {cmdSortAndCondense, [](RSession& s) { return s.sortAndCondense(); }},
+    {cmdChangeVariables, [](RSession& s) { return s.changeVariables({}); }},
+    {cmdDeleteSelected, [](RSession& s) { return s.deleteSelected(); }},
+    {cmdDeleteEmpty, [](RSession& s) { return s.deleteEmpty(); }},
+    {cmdDeleteCurrent, [](RSession& s) { return s.deleteStation(0); }},
+    {cmdLogComment, [](RSession& s) { return s.addLogComment(std::nullopt); }},
+});
+
 QString fromUtf8(const std::string& text)
 {
     return QString::fromStdString(text);
-}
-
-// The chosen name with the extension of the chosen filter, if it has none of its own.
-std::string withFilterExtension(const QString& name, const QString& filter)
-{
-    std::string path = name.toStdString();
-    if (!common::splitPath(path).extension.empty()) return path;
-    const qsizetype star = filter.indexOf(QLatin1String("*."));
-    const qsizetype end = filter.indexOf(QLatin1Char(')'), star);
-    return star < 0 ? path : path + filter.mid(star + 1, end - star - 1).toStdString();
 }
 
 } // namespace
@@ -72,6 +77,7 @@ void RAppWindow::buildMenus()
 void RAppWindow::buildFileMenu()
 {
     QMenu* const menu = menuBar()->addMenu(QStringLiteral("&File"));
+    addEntry(menu, cmdNew, QStringLiteral("&New"), QKeySequence(QStringLiteral("Ctrl+N")));
     addEntry(menu, cmdOpen, QStringLiteral("&Open Collection"), QKeySequence(QStringLiteral("Ctrl+O")));
     addEntry(menu, cmdClose, QStringLiteral("&Close"));
     addEntry(menu, cmdExecuteBatchFile, QStringLiteral("Execute Batch File"));
@@ -139,13 +145,17 @@ void RAppWindow::processMenuItem(int commandId)
     const bool busy = dispatching_ || session_.state == stateBusy; // also for commands without a rule
     if (busy || !session_.isAllowed(commandId, 0)) return;
     dispatching_ = true;
-    dispatch(commandId);
+    const bool toldResult = dispatch(commandId);
     dispatching_ = false;
-    statusMessage();
+    if (!toldResult) statusMessage();
 }
 
-void RAppWindow::dispatch(int commandId)
+// True if the status line tells what was done.
+bool RAppWindow::dispatch(int commandId)
 {
+    for (const COLLECTIONCOMMAND& command : collectionCommands) {
+        if (command.id == commandId) return command.run(session_);
+    }
     if (commandId == cmdOpen) openByDialog();
     if (commandId == cmdClose) session_.close(false);
     if (commandId == cmdExecuteBatchFile) executeByDialog();
@@ -164,32 +174,30 @@ void RAppWindow::dispatch(int commandId)
     for (const LAYOUTENTRY& entry : layoutEntries) {
         if (commandId == entry.id) static_cast<void>(session_.useLayout(entry.text));
     }
+    return false;
 }
 
 void RAppWindow::openByDialog()
 {
-    const QString name = QFileDialog::getOpenFileName(
-        this, QStringLiteral("Open Collection ..."), fromUtf8(session_.collection.directory),
-        QStringLiteral("Collection Files (*.var);;NVQ SpreadSheet Files (*.txt);;All Files (*)"));
-    if (!name.isEmpty()) openFile(name.toStdString());
+    const std::string path = askFile(
+        {"Open Collection ...", "Collection Files (*.var);;NVQ SpreadSheet Files (*.txt);;All Files (*)",
+         session_.collection.directory});
+    if (!path.empty()) openFile(path);
 }
 
 void RAppWindow::executeByDialog()
 {
-    const QString name = QFileDialog::getOpenFileName(this, QStringLiteral("Execute Batch File ..."),
-                                                      fromUtf8(session_.installation.userTree + "cmd_files"),
-                                                      QStringLiteral("Command Files (*.cmd);;All Files (*)"));
-    if (!name.isEmpty()) runCommandFile(name.toStdString());
+    const std::string path = askFile({"Execute Batch File ...", "Command Files (*.cmd);;All Files (*)",
+                                      session_.installation.userTree + "cmd_files"});
+    if (!path.empty()) runCommandFile(path);
 }
 
 void RAppWindow::saveScreen()
 {
-    QString filter;
-    const QString name = QFileDialog::getSaveFileName(
-        this, QStringLiteral("Save Screen to File ..."), fromUtf8(session_.lastFiles.graphics),
-        QStringLiteral("PNG (*.png);;JPEG (*.jpg);;PostScript (*.eps)"), &filter);
-    if (name.isEmpty()) return;
-    if (session_.exportGraphics(withFilterExtension(name, filter), -1, 0))
+    const std::string path =
+        askFile({"Save Screen to File ...", "PNG (*.png);;JPEG (*.jpg);;PostScript (*.eps)",
+                 session_.lastFiles.graphics, true});
+    if (!path.empty() && session_.exportGraphics(path, -1, 0))
         user_.about("Save Screen to File ...", "Plot written to: " + session_.lastFiles.graphics);
 }
 

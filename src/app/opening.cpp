@@ -118,7 +118,7 @@ std::string RSession::takeForWriting(const std::string& basePath)
 
 // Undoes or completes what a change that was cut off has left. False, after a message, if that isn't
 // possible: then the files are in no state to be looked at.
-bool RSession::putRight(const std::string& basePath, const std::string& readOnlyReason)
+bool RSession::putRight(std::string basePath, const std::string& readOnlyReason)
 {
     const std::string file = basePath + ".var", journal = collection::journalPath(basePath);
     if (!readOnlyReason.empty()) {
@@ -143,10 +143,10 @@ bool RSession::putRight(const std::string& basePath, const std::string& readOnly
     const bool undone = recovery.result == collection::RecoveryResult::undone;
     user_.note("Collection " + file + ": " + recovery.operation + " was cut off and has been " +
                (undone ? "undone" : "completed"));
-    const std::string own = std::exchange(collection.path, basePath);
-    if (common::fileExists(file) || common::fileExists(basePath + ".log"))
-        collection.addLogLine((undone ? "UNDONE " : "COMPLETED ") + recovery.operation);
-    collection.path = own;
+    const bool hasLog = common::fileExists(file) || common::fileExists(basePath + ".log");
+    std::swap(collection.path, basePath); // the description may have been opened under another name
+    if (hasLog) collection.addLogLine((undone ? "UNDONE " : "COMPLETED ") + recovery.operation);
+    std::swap(collection.path, basePath);
     return true;
 }
 

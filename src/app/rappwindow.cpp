@@ -5,7 +5,10 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
+#include <QFontDatabase>
+#include <QFontInfo>
 #include <QFontMetrics>
+#include <QInputDialog>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPainter>
@@ -19,7 +22,11 @@
 #include "app/sessioncommands.h"
 #include "common/files.h"
 #include "common/text.h"
+#include "dialogs/creation.h"
+#include "dialogs/filename.h"
+#include "dialogs/quickinstall.h"
 #include "dialogs/resolution.h"
+#include "dialogs/variableeditor.h"
 #include "graphics/drawing.h"
 
 namespace app {
@@ -29,7 +36,8 @@ RAppWindow* theWindow = nullptr;
 
 // Widths of the right and the middle field of the status line, in average letters; space between the fields.
 constexpr int positionLetters = 28, stationLetters = 36, statusMargins = 24;
-constexpr int boldWeight = 3; // index of the weight table from which on a font is bold
+constexpr int lineLetters = 70; // a question for a line of text shows so many
+constexpr int boldWeight = 3;   // index of the weight table from which on a font is bold
 
 QString fromUtf8(const std::string& text)
 {
@@ -42,6 +50,15 @@ QLabel* makeField(QStatusBar* bar)
     field->setFrameStyle(QFrame::Panel | QFrame::Sunken);
     bar->addWidget(field);
     return field;
+}
+
+// The setting stays as it is: it may be meant for another machine.
+std::string familyToDrawWith(const std::string& wanted)
+{
+    std::vector<std::string> installed;
+    for (const QString& family : QFontDatabase::families()) installed.push_back(family.toStdString());
+    const QString substitute = QFontInfo(QFont(fromUtf8(wanted))).family();
+    return installedFamily(wanted, substitute.toStdString(), installed);
 }
 
 } // namespace
@@ -58,6 +75,7 @@ RAppWindow::RAppWindow(std::string programPath, bool onScreen)
     theWindow = this;
     setObjectName(QStringLiteral("main window"));
     setAcceptDrops(true);
+    setDefaultSettings();
     readSettingsFile();
     applyFonts();
     buildStatusBar();
@@ -81,6 +99,18 @@ RAppWindow::~RAppWindow()
 }
 
 // --- settings
+
+// Without a screen text has the smallest factor, so that pictures come out the same on every machine.
+void RAppWindow::setDefaultSettings()
+{
+    const QScreen* const screen = QGuiApplication::primaryScreen();
+    if (!onScreen_ || !screen) return;
+    SETTINGS& settings = session_.settings;
+    const QFontMetrics letters(QApplication::font());
+    settings.fontScaleFac = defaultFontScale(screen->size().height(), letters.height());
+    settings.txtFontPtSize = defaultTextPoints(settings.fontScaleFac);
+    settings.fontSizesKnown = true;
+}
 
 void RAppWindow::readSettingsFile()
 {
@@ -110,12 +140,12 @@ void RAppWindow::applyFonts()
     const SETTINGS& settings = session_.settings;
     graphics::FONTSETTINGS& fonts = graphics::fontSettings();
     fonts.factor = settings.fontScaleFac;
-    fonts.family = settings.fontName;
+    fonts.family = familyToDrawWith(settings.fontName);
     fonts.weight = settings.fontWeight;
     fonts.italic = settings.fontItalic != 0;
     fonts.underline = settings.fontUnderline != 0;
-    fonts.psFamily =
-        graphics::postScriptFamily(fonts.family, settings.fontWeight >= boldWeight, settings.fontItalic != 0);
+    fonts.psFamily = graphics::postScriptFamily(settings.fontName, settings.fontWeight >= boldWeight,
+                                                settings.fontItalic != 0);
 }
 
 void RAppWindow::restoreGeometryOfSettings()
@@ -198,9 +228,20 @@ bool RAppWindow::checkInstallation()
     const std::string executable = QCoreApplication::applicationFilePath().toStdString();
     ENVIRONMENT environment = processEnvironment(programPath_, executable);
     environment.home = QDir::homePath().toStdString();
-    const bool good =
-        app::checkInstallation(environment, session_.settings.setup, session_.installation, user_);
-    if (good && !session_.installation.root.empty()) {
+    AskSetup ask; // none where nobody can answer
+    if (user_.interactive()) {
+        ask = [this, temp = systemTemp(environment)](const SETUPSETTINGS& proposal) {
+            return askSetup(proposal, temp);
+        };
+    }
+    SETUPSETTINGS& setup = session_.settings.setup;
+    const InstallationResult result =
+        app::checkInstallation(environment, setup, session_.installation, user_, ask);
+    if (result == InstallationResult::entered) {
+        storeSetup(setup, settingsFile_);
+        writeSettingsFile();
+    }
+    if (result != InstallationResult::bad && !session_.installation.root.empty()) {
         prepareUserTree(session_.installation, user_);
         return true;
     }
@@ -285,11 +326,64 @@ void RAppWindow::paintIdleScreen()
     });
 }
 
+// --- questions
+
 int RAppWindow::askResolution()
 {
     if (!user_.interactive()) return 0;
     dialogs::resolutionDlg dialog(dialogs::defaultResolution, this);
     return dialog.exec() == QDialog::Accepted ? dialog.resolution() : 0;
+}
+
+std::optional<CREATIONCHOICE> RAppWindow::chooseVariables(const std::string& name)
+{
+    if (!user_.interactive()) return RSessionView::chooseVariables(name);
+    dialogs::creationDlg dialog(fromUtf8(name), this);
+    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+    return CREATIONCHOICE{dialog.variableSet(), {}}; // the session asks for a template
+}
+
+bool RAppWindow::editVariables(const std::string& name, std::vector<collection::VARINFO>& variables,
+                               std::span<const collection::VARINFO> old)
+{
+    if (!user_.interactive()) return RSessionView::editVariables(name, variables, old);
+    const QString title = QStringLiteral("Variables of ") + fromUtf8(name) + QStringLiteral(" ...");
+    dialogs::variableeditorDlg dialog(title, variables, {old.begin(), old.end()}, this);
+    if (dialog.exec() != QDialog::Accepted) return false;
+    variables = dialog.variables();
+    return true;
+}
+
+std::string RAppWindow::askFile(const FILEQUESTION& question)
+{
+    if (!user_.interactive()) return RSessionView::askFile(question);
+    const QString caption = fromUtf8(question.caption), filter = fromUtf8(question.filter),
+                  proposal = fromUtf8(question.proposal);
+    const QString name = question.save
+                             ? dialogs::askSaveName(this, caption, filter, proposal, !question.mayBeThere)
+                             : dialogs::askOpenName(this, caption, filter, proposal);
+    return name.toStdString();
+}
+
+std::optional<std::string> RAppWindow::askLine(std::string_view title, std::string_view prompt)
+{
+    if (!user_.interactive()) return RSessionView::askLine(title, prompt);
+    QInputDialog dialog(this);
+    dialog.setWindowTitle(fromUtf8(std::string(title)));
+    dialog.setLabelText(fromUtf8(std::string(prompt)));
+    dialog.resize(dialog.fontMetrics().averageCharWidth() * lineLetters, dialog.sizeHint().height());
+    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+    return dialog.textValue().toStdString();
+}
+
+std::optional<SETUPSETTINGS> RAppWindow::askSetup(const SETUPSETTINGS& proposal,
+                                                  const std::string& systemTemp)
+{
+    const auto& [home, temp, user, host] = proposal;
+    dialogs::quickinstallDlg dialog({home, temp, host, user}, systemTemp, this);
+    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+    const dialogs::QUICKSETUP entered = dialog.setup();
+    return SETUPSETTINGS{entered.home, entered.temp, entered.user, entered.host};
 }
 
 // --- closing

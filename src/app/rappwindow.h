@@ -70,7 +70,16 @@ private:
     void recentFilesChanged() override;
     void requestClose() override;
     [[nodiscard]] int askResolution() override;
+    [[nodiscard]] std::optional<CREATIONCHOICE> chooseVariables(const std::string& name) override;
+    [[nodiscard]] bool editVariables(const std::string& name, std::vector<collection::VARINFO>& variables,
+                                     std::span<const collection::VARINFO> old) override;
+    [[nodiscard]] std::string askFile(const FILEQUESTION& question) override;
+    [[nodiscard]] std::optional<std::string> askLine(std::string_view title,
+                                                     std::string_view prompt) override;
+    [[nodiscard]] std::optional<SETUPSETTINGS> askSetup(const SETUPSETTINGS& proposal,
+                                                        const std::string& systemTemp);
 
+    void setDefaultSettings();
     void readSettingsFile();
     void writeSettingsFile();
     void applyFonts();
@@ -85,7 +94,7 @@ private:
     void enableMenu(QMenu* menu);
     void showMenuHelp(int commandId);
     void fillRecentFiles();
-    void dispatch(int commandId);
+    [[nodiscard]] bool dispatch(int commandId);
     void openByDialog();
     void executeByDialog();
     void saveScreen();

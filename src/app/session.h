@@ -40,6 +40,7 @@ struct CREATIONCHOICE {
 struct FILEQUESTION {
     std::string caption, filter, proposal; // the filter in the form of the toolkit's file dialogs
     bool save = false;                     // the name of a file to be made
+    bool mayBeThere = false;               // who asks sees to a file of that name himself
 };
 
 // What a session asks of whoever shows it.
@@ -177,7 +178,7 @@ private:
     [[nodiscard]] OpenResult importIntoOpen(const std::string& path);
     [[nodiscard]] bool setNames(const std::string& path);
     [[nodiscard]] std::string takeForWriting(const std::string& basePath);
-    [[nodiscard]] bool putRight(const std::string& basePath, const std::string& readOnlyReason);
+    [[nodiscard]] bool putRight(std::string basePath, const std::string& readOnlyReason);
     [[nodiscard]] OpenResult openFiles();
     [[nodiscard]] OpenResult tellNoLists();
     [[nodiscard]] importing::IMPORTRESULT runImport(const std::string& path, std::optional<Header> header);
@@ -209,7 +210,6 @@ private:
     [[nodiscard]] bool copyOrMove(const FAMILYCOMMAND& command, const std::string& target);
     [[nodiscard]] bool runFamilyCommand(const FAMILYCOMMAND& command, const std::string& from,
                                         const std::string& to);
-    void openAgain(const std::string& file, std::unique_ptr<RScratchFolder> unpacked);
     [[nodiscard]] bool mayTakePlace(const FAMILYCOMMAND& command, const std::string& basePath);
     [[nodiscard]] std::string targetBase(const std::string& path, const FILEQUESTION& question);
     [[nodiscard]] bool deleteStations(const std::function<int()>& remove);
@@ -229,6 +229,8 @@ private:
     [[nodiscard]] OpenResult unpackArgument(const std::string& archive);
     [[nodiscard]] OpenResult openUnpacked(FileKind kind, const std::string& path, const std::string& archive,
                                           std::unique_ptr<RScratchFolder> folder);
+    [[nodiscard]] OpenResult openTemporary(FileKind kind, const std::string& path,
+                                           std::unique_ptr<RScratchFolder> folder);
     [[nodiscard]] OpenResult openBeside(FileKind kind, const std::string& path, const std::string& directory);
 
     common::RUser& user_;

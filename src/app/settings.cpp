@@ -11,6 +11,9 @@
 namespace app {
 namespace {
 
+constexpr auto groupOrder =
+    std::to_array<std::string_view>({"Setup", "Geometry", "Settings", "Font", "Recent Files"});
+
 constexpr std::int64_t largestFile = 1 << 20; // bytes; more isn't a settings file
 
 // A value stands in one line.
@@ -82,6 +85,7 @@ void readFont(RSettingsFile& file, SETTINGS& settings)
     take(file, "nativePSFontName", settings.nativePsFontName);
     const float scale = file.value("fontScaleFac", settings.fontScaleFac);
     if (scale > 0) settings.fontScaleFac = scale;
+    if (!file.value("fontScaleFac", std::string_view()).empty()) settings.fontSizesKnown = true;
     const int weight = file.value("fontWeight", settings.fontWeight);
     if (weight >= 0 && weight <= 3) settings.fontWeight = weight;
     take(file, "fontItalic", settings.fontItalic);
@@ -240,6 +244,41 @@ void RSettingsFile::setValue(std::string_view key, float number)
     setValue(key, std::string_view(common::formatG(number)));
 }
 
+void RSettingsFile::arrange(std::span<const std::string_view> order)
+{
+    const auto rank = [order](const GROUP& group) {
+        return std::find(order.begin(), order.end(), group.name) - order.begin();
+    };
+    std::stable_sort(groups_.begin(), groups_.end(),
+                     [rank](const GROUP& a, const GROUP& b) { return rank(a) < rank(b); });
+    current_ = -1;
+}
+
+float defaultFontScale(int screenHeight, int lineHeight)
+{
+    if (lineHeight <= 0) return leastFontScale;
+    return std::max(leastFontScale,
+                    static_cast<float>(screenHeight) * 0.013f / static_cast<float>(lineHeight));
+}
+
+int defaultTextPoints(float fontScale)
+{
+    return std::max(leastTextPoints, static_cast<int>(8 * fontScale));
+}
+
+std::string installedFamily(const std::string& wanted, const std::string& substitute,
+                            const std::vector<std::string>& installed)
+{
+    for (const std::string& name : {wanted, substitute}) {
+        const auto same = [&name](const std::string& family) {
+            return common::equalsIgnoreCase(family, name);
+        };
+        const auto found = std::find_if(installed.begin(), installed.end(), same);
+        if (found != installed.end()) return *found;
+    }
+    return installed.empty() ? wanted : installed.front();
+}
+
 std::string settingsPath(const std::string& home)
 {
     return common::replaceAll(home + "/", "//", "/") + ".nvq";
@@ -273,15 +312,18 @@ void storeSettings(const SETTINGS& settings, RSettingsFile& file)
     file.setValue("fontName", settings.fontName);
     file.setValue("PSFontName", settings.psFontName);
     file.setValue("nativePSFontName", settings.nativePsFontName);
-    file.setValue("fontScaleFac", settings.fontScaleFac);
     file.setValue("fontWeight", settings.fontWeight);
     file.setValue("fontItalic", settings.fontItalic);
     file.setValue("fontUnderline", settings.fontUnderline);
     file.setValue("fontStrikeOut", settings.fontStrikeOut);
-    file.setValue("txtFontPtSize", settings.txtFontPtSize);
+    if (settings.fontSizesKnown) {
+        file.setValue("fontScaleFac", settings.fontScaleFac);
+        file.setValue("txtFontPtSize", settings.txtFontPtSize);
+    }
     file.setGroup("Recent Files");
     for (int i = 0; i < recentFileCount; ++i)
         file.setValue(common::format("File%d", i), settings.recentFiles[static_cast<std::size_t>(i)]);
+    file.arrange(groupOrder);
 }
 
 void storeSetup(const SETUPSETTINGS& setup, RSettingsFile& file)

@@ -4,6 +4,7 @@
 // keeps in it.
 
 #include <array>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -30,6 +31,8 @@ public:
     void setValue(std::string_view key, std::string_view text);
     void setValue(std::string_view key, int number);
     void setValue(std::string_view key, float number); // as "%g"
+    // Puts these groups in front, in this order. No group is the current one then.
+    void arrange(std::span<const std::string_view> order);
 
 private:
     struct GROUP {
@@ -44,6 +47,9 @@ private:
 
 inline constexpr std::string_view unknownHome = "_unknown_";
 inline constexpr int recentFileCount = 8;
+
+inline constexpr float leastFontScale = 0.85f;
+inline constexpr int leastTextPoints = 8;
 
 struct SETUPSETTINGS {
     std::string home{unknownHome}; // installation directory
@@ -61,17 +67,30 @@ struct SETTINGS {
     std::string browserCommand = "xdg-open", viewerCommand = "xdg-open";
     std::string fontName = "Arial";
     std::string psFontName = "Helvetica-BoldOblique", nativePsFontName = "Helvetica";
-    float fontScaleFac = 0.85f; // size factor of all text on the canvas
+    float fontScaleFac = leastFontScale; // size factor of all text on the canvas
     int fontWeight = 3, fontItalic = 1, fontUnderline = 0, fontStrikeOut = 0;
-    int txtFontPtSize = 8;                                // of the text window
+    int txtFontPtSize = leastTextPoints; // of the text window
+    // False: the two sizes are neither of the file nor of a screen, and aren't worth keeping.
+    bool fontSizesKnown = false;
     std::array<std::string, recentFileCount> recentFiles; // the newest first, empty ones behind the last
 };
+
+// The default size factor of a screen of so many pixels, where a line of the program's font has lineHeight
+// pixels; and the default size of the text window's font, in points, for a factor.
+[[nodiscard]] float defaultFontScale(int screenHeight, int lineHeight);
+[[nodiscard]] int defaultTextPoints(float fontScale);
+
+// The family to draw with: `wanted` as it is installed, whatever its case; else `substitute`, if that is
+// installed; else the first one; else `wanted`.
+[[nodiscard]] std::string installedFamily(const std::string& wanted, const std::string& substitute,
+                                          const std::vector<std::string>& installed);
 
 [[nodiscard]] std::string settingsPath(const std::string& home); // home directory with or without "/"
 
 // Overwrites the fields of `settings` that the file names; numbers that can't be are left out.
 void readSettings(RSettingsFile& file, SETTINGS& settings);
-// Puts the groups Geometry, Settings, Font and Recent Files into `file`; other groups stay as they are.
+// Puts the groups Geometry, Settings, Font and Recent Files into `file`, in this order behind Setup; other
+// groups stay as they are, behind them.
 void storeSettings(const SETTINGS& settings, RSettingsFile& file);
 void storeSetup(const SETUPSETTINGS& setup, RSettingsFile& file);
 

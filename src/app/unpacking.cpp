@@ -49,9 +49,9 @@ OpenResult RSession::unpackArgument(const std::string& archive)
     return openBeside(choice.kind, choice.path, parts.directory);
 }
 
-// What is shown as it is lives in the folder until it is closed.
-OpenResult RSession::openUnpacked(FileKind kind, const std::string& path, const std::string& archive,
-                                  std::unique_ptr<RScratchFolder> folder)
+// Opens for reading only, and keeps the folder for as long.
+OpenResult RSession::openTemporary(FileKind kind, const std::string& path,
+                                   std::unique_ptr<RScratchFolder> folder)
 {
     openingTemporary_ = true;
     const OpenResult result = openKind(kind, path);
@@ -59,6 +59,14 @@ OpenResult RSession::openUnpacked(FileKind kind, const std::string& path, const 
     if (result != OpenResult::ok) return result;
     unpacked_ = std::move(folder);
     collection.writable = false;
+    return result;
+}
+
+OpenResult RSession::openUnpacked(FileKind kind, const std::string& path, const std::string& archive,
+                                  std::unique_ptr<RScratchFolder> folder)
+{
+    const OpenResult result = openTemporary(kind, path, std::move(folder));
+    if (result != OpenResult::ok) return result;
     std::error_code ignored; // nobody should lose what is written beside the collection
     fs::current_path(common::splitPath(archive).directory, ignored);
     view_.captionChanged(title + " - " + archive);

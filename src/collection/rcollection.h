@@ -223,8 +223,7 @@ public:
     void makeTempId();                          // a new prefix, unlike the last
     // Makes `.val` and `.sel` in tempDirectory, with a new tempId if the present one is taken.
     [[nodiscard]] bool openTemporaryFiles();
-    // and deletes all files of this tempId, and what dead programs have left in the directory
-    void closeTemporaryFiles();
+    void closeTemporaryFiles(); // and deletes all files of this tempId
 
     // Everything as before the first open; files are closed. `stages`, tempDirectory and the names for the
     // log stay.
@@ -251,6 +250,11 @@ private:
     void noteMoved(int number, const STATIONHDR& header);
     void applyStages(STATIONDATA& station);
 
+    [[nodiscard]] std::vector<std::uint8_t> marksOfEmpty(common::RUser& user);
+    [[nodiscard]] int dropStations(std::span<const std::uint8_t> marks, std::string_view logLine,
+                                   common::RUser& user);
+    [[nodiscard]] bool writeKeptHeaders(std::span<const std::uint8_t> marks, common::RUser& user);
+
     [[nodiscard]] bool filesAreInPlace() const;
     [[nodiscard]] bool finishChange(bool withDescription);
     [[nodiscard]] std::string describe(int count) const;
@@ -272,10 +276,6 @@ private:
     [[nodiscard]] bool prepareReplacement(std::span<const FILEACTION> actions);
     [[nodiscard]] bool decideReplacement(std::span<const FILEACTION> actions, int newStationCount,
                                          std::optional<std::string_view> description);
-    [[nodiscard]] std::vector<std::uint8_t> marksOfEmpty(common::RUser& user);
-    [[nodiscard]] int dropStations(std::span<const std::uint8_t> marks, std::string_view logLine,
-                                   common::RUser& user);
-    [[nodiscard]] bool writeKeptHeaders(std::span<const std::uint8_t> marks, common::RUser& user);
 
     int buildFullInventory(common::RUser& user);
     int buildSelectedInventory(common::RUser& user);

@@ -57,14 +57,6 @@ std::string withExtension(const std::string& file)
 
 } // namespace
 
-VARINFO parseVariableLine(std::string_view line, int number)
-{
-    VARINFO variable = emptyVariable(number);
-    readFormat(line, variable);
-    setLabel(variable, common::trimBlanks(line.substr(0, formatColumn)));
-    return variable;
-}
-
 std::pair<int, int> formatOfLine(std::string_view line)
 {
     std::pair<int, int> format{0, 0};
@@ -74,6 +66,14 @@ std::pair<int, int> formatOfLine(std::string_view line)
         if (!common::takeInt(text, format.second)) format.second = 0;
     }
     return format;
+}
+
+VARINFO parseVariableLine(std::string_view line, int number)
+{
+    VARINFO variable = emptyVariable(number);
+    readFormat(line, variable);
+    setLabel(variable, common::trimBlanks(line.substr(0, formatColumn)));
+    return variable;
 }
 
 VarFileResult parseVarFile(std::string_view bytes, VARDESCRIPTION& out, VARFAULT& fault)

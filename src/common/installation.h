@@ -12,6 +12,7 @@ struct INSTALLATION {
     std::string include;  // the PostScript preamble "PSGraph.ps"
     std::string atmhist;  // atmospheric histories
     std::string help;     // user guide
+    std::string guide;    // start page of the help, a file
     std::string home;     // the user's home directory
     std::string userTree; // the user's own tree, "nvq_local/" in the home directory
     std::string temp;     // temporary files

@@ -20,8 +20,6 @@ using testing_support::writeText;
 
 using Session = testing_support::Session;
 using InteractiveSession = testing_support::InteractiveSession;
-using testing_support::RAbsentUser;
-using testing_support::RViewRecorder;
 
 // --- opening
 
@@ -299,29 +297,6 @@ TEST_F(InteractiveSession, UndoOfANewCollectionLeavesNothing)
     EXPECT_EQ(open("cast.txt"), OpenResult::failed);
     EXPECT_FALSE(common::fileExists(file("cast.var")));
     EXPECT_FALSE(common::fileExists(file("cast.hob")));
-}
-
-// --- two programs
-
-TEST_F(Session, SecondOpeningIsReadOnly)
-{
-    openCast();
-    RViewRecorder otherView;
-    RAbsentUser otherUser;
-    app::RSession other(otherUser, otherView);
-    other.installation = session.installation;
-    ASSERT_EQ(other.open(file("cast.var")), OpenResult::ok);
-    EXPECT_FALSE(other.collection.writable);
-    EXPECT_THAT(otherUser.messages,
-                ElementsAre("Opening Collection ...: Collection " + file("cast.var") +
-                            " is open for writing in another NVQ session!\n\nData may not be modified!"));
-    other.close(true);
-    EXPECT_EQ(other.open(file("cast.txt")), OpenResult::failed); // nor is it replaced under the first
-    EXPECT_EQ(session.collection.stationCount, 4);
-    session.close(true);
-    ASSERT_EQ(other.open(file("cast.var")), OpenResult::ok);
-    EXPECT_TRUE(other.collection.writable);
-    other.close(true);
 }
 
 // --- damage

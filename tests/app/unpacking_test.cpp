@@ -145,6 +145,34 @@ TEST_F(Packed, OutputOfAPackedCollectionIsNotLost)
     EXPECT_THAT(read("data/out.txt"), StartsWith("Cruise\t"));
 }
 
+TEST_F(Packed, CopyingKeepsAPackedCollection)
+{
+    writeText(file("data/backup.zip"), zipOf(collectionMembers(4)));
+    ASSERT_EQ(open("backup.zip"), OpenResult::ok);
+    ASSERT_TRUE(session.copyCollection("kept")) << testing::PrintToString(user.messages);
+    EXPECT_EQ(session.collection.path, file("data/kept"));
+    EXPECT_EQ(session.collection.stationCount, 4);
+    EXPECT_TRUE(session.collection.writable);
+    EXPECT_FALSE(session.collection.isTemporaryFile);
+    session.close(true);
+    EXPECT_THAT(temporary(), IsEmpty());
+    EXPECT_TRUE(common::fileExists(file("data/kept.dob")));
+}
+
+TEST_F(Packed, CopyThatFailsLeavesThePackedCollectionOpen)
+{
+    writeText(file("data/backup.zip"), zipOf(collectionMembers(4)));
+    ASSERT_EQ(open("backup.zip"), OpenResult::ok);
+    EXPECT_FALSE(session.copyCollection("/nowhere/kept"));
+    EXPECT_FALSE(session.copyCollection(session.collection.directory + "kept"));
+    EXPECT_FALSE(session.copyCollection("/proc/kept"));
+    EXPECT_TRUE(session.collection.isOpen && session.collection.isTemporaryFile);
+    EXPECT_FALSE(session.collection.writable);
+    EXPECT_EQ(session.collection.stationCount, 4);
+    session.close(true);
+    EXPECT_THAT(temporary(), IsEmpty());
+}
+
 TEST_F(Packed, TheNextCollectionClosesAPackedOne)
 {
     writeText(file("data/backup.zip"), zipOf(collectionMembers(4)));

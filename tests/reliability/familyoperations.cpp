@@ -44,6 +44,16 @@ FilesResult removeSource(const std::string& source, const std::string&)
     return collection::deleteCollection(source, true, false);
 }
 
+// The copy is whole before the source goes.
+OPERATION moveOntoACollection()
+{
+    OPERATION operation = family("MoveOntoACollection", collection::moveCollection, true);
+    operation.halfway = [](const Contents& before, const Contents& after) {
+        return Contents{{"sample", before.at("sample")}, {"target", after.at("target")}};
+    };
+    return operation;
+}
+
 // An import into a new collection of a name that is taken.
 bool importAsNew(ROpenCollection& open)
 {
@@ -78,7 +88,7 @@ std::vector<OPERATION> familyOperations()
         family("CopyToANewPlace", collection::copyCollection, false),
         family("CopyOntoACollection", collection::copyCollection, true),
         family("MoveToANewPlace", collection::moveCollection, false),
-        family("MoveOntoACollection", collection::moveCollection, true),
+        moveOntoACollection(),
         family("DeletionOfTheCollection", removeSource, false),
         importOverExisting(),
     };

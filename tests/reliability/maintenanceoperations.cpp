@@ -17,7 +17,7 @@ OPERATION plain(const std::string& name, std::function<bool(ROpenCollection&)> r
 bool changeVariables(ROpenCollection& open)
 {
     std::vector<collection::VARINFO> variables{collection::emptyVariable(0)};
-    for (const int old : {2, 1, 0, 4}) {
+    for (const int old : {1, 4, 0, 2}) {
         const int number = static_cast<int>(variables.size());
         collection::VARINFO variable = old > 0 ? open.collection.variables[static_cast<std::size_t>(old)]
                                                : collection::emptyVariable(number);

@@ -88,6 +88,7 @@ RScene::RScene(const CASE& given)
     for (std::size_t steps = 1; steps <= operation.first.size(); ++steps)
         between_.push_back(stateAfter(steps));
     new_ = stateAfter(allSteps);
+    if (operation.halfway) between_.push_back(operation.halfway(old_, new_));
     EXPECT_EQ(old_ == new_, operation.changesNothing)
         << "old " << describe(old_) << ", new " << describe(new_);
 }

@@ -22,6 +22,8 @@ struct OPERATION {
     std::map<std::string, std::string> inputs{};    // other files of the folder and their bytes
     // It is a series of changes, the last of which is `run`: each state between two of them is good, too.
     std::vector<std::function<bool(ROpenCollection&)>> first{};
+    // A further state that is good when it is cut off, from the old and the new one.
+    std::function<Contents(const Contents&, const Contents&)> halfway{};
     // The user takes it back.
     bool changesNothing = false;
     // What it did is safe on the disk when it says so.

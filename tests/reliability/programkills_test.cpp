@@ -170,7 +170,7 @@ protected:
         write("new.txt", spreadsheetOf(manyCasts(stations + 1, 2 * stations, levels, 2)));
         write("again.txt", spreadsheetOf(manyCasts(1, stations, levels + 4, 3)));
         write("variables.txt",
-              "Temperature [C]\t8.3\t2\nDepth [m]\t8.1\t1\nNew [1]\t6.2\t0\nOxygen [ml/l]\t7.2\t4\n");
+              "Depth [m]\t8.1\t1\nOxygen [ml/l]\t7.2\t4\nNew [1]\t6.2\t0\nTemperature [C]\t8.3\t2\n");
     }
 
     [[nodiscard]] std::string folder(const std::string& name) const { return directory.file(name) + "/"; }

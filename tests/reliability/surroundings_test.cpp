@@ -180,13 +180,28 @@ std::string workAfter(const RScene& scene, const OPERATION& operation, const std
     });
 }
 
-TEST_P(Surroundings, FileThatVanishesWhileOpen)
+TEST_P(Surroundings, StationFileThatVanishesWhileOpen)
 {
-    for (const char* const suffix : {".hob", ".dob", ".var"}) {
+    for (const char* const suffix : {".hob", ".dob"}) {
         EXPECT_EQ(
             workAfter(scene, GetParam().operation, [&] { fs::remove(scene.work() + "sample" + suffix); }), "")
             << suffix;
     }
+}
+
+// It is no loss if the operation writes the description anew.
+TEST_P(Surroundings, DescriptionThatVanishesWhileOpen)
+{
+    const std::string description = scene.work() + "sample.var";
+    const std::string result = workAfter(scene, GetParam().operation, [&] { fs::remove(description); });
+    EXPECT_TRUE(result.empty() || result.starts_with("done")) << result;
+    if (result.empty() || !common::fileExists(description)) {
+        ASSERT_FALSE(common::fileExists(description));
+        ASSERT_TRUE(common::copyFile(scene.start() + "sample.var", description));
+    }
+    EXPECT_EQ(scene.faultOf(scene.examine(scene.work()),
+                            result.empty() ? RScene::Expected::before : RScene::Expected::after),
+              "");
 }
 
 TEST_P(Surroundings, FileThatIsReplacedWhileOpen)
