@@ -1,12 +1,13 @@
 #include "collection/checksidefiles.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/file.h>
 #include <unistd.h>
 
-#include "collection/sidefiles.h"
+#include "collection/journal.h"
 #include "common/files.h"
 #include "common/text.h"
 
@@ -42,12 +43,16 @@ bool isHeld(const std::string& lockFile)
 // "<name>.<process>.<count>.tmp", a file that was being replaced, or "<name>.old...", one that was put aside.
 bool isLeftover(std::string_view file, const std::string& name)
 {
-    if (!file.starts_with(name + ".")) {
-        if (name == "TRG" || !file.starts_with("TRG.")) return false;
-        const std::string_view suffix = file.substr(3);
-        return suffix == ".var" || suffix == ".hob" || suffix == ".dob" || suffix == ".cfl";
-    }
-    return file.ends_with(".tmp") || file.substr(name.size()).starts_with(".old");
+    return file.starts_with(name + ".") &&
+           (file.ends_with(".tmp") || file.substr(name.size()).starts_with(".old"));
+}
+
+// A file of the collection by which others are rewritten.
+bool isOfTarget(std::string_view file)
+{
+    constexpr std::string_view suffixes[] = {".var", ".hob", ".dob", ".cfl", ".idv"};
+    return file.starts_with("TRG.") &&
+           std::find(std::begin(suffixes), std::end(suffixes), file.substr(3)) != std::end(suffixes);
 }
 
 void checkLeftovers(const std::string& basePath, RFindings& findings)
@@ -55,11 +60,12 @@ void checkLeftovers(const std::string& basePath, RFindings& findings)
     const common::PATHPARTS parts = common::splitPath(basePath);
     const std::string name = basePath.substr(parts.directory.size());
     const std::string directory = parts.directory.empty() ? "." : parts.directory;
+    const bool targetIsDead = name != "TRG" && !isHeld(parts.directory + "TRG.lck");
     std::error_code error;
     int more = 0, told = 0;
     for (fs::directory_iterator it(directory, error), end; !error && it != end; it.increment(error)) {
         const std::string file = it->path().filename().string();
-        if (!isLeftover(file, name)) continue;
+        if (!isLeftover(file, name) && !(targetIsDead && isOfTarget(file))) continue;
         constexpr int largest = 10;
         if (told == largest) {
             ++more;
@@ -139,7 +145,7 @@ void checkLastFiles(const std::string& basePath, RFindings& findings)
 void checkMarks(const std::string& basePath, RFindings& findings)
 {
     const bool held = isHeld(basePath + ".lck");
-    if (common::fileSize(basePath + ".jnl") >= 0) {
+    if (common::fileSize(journalPath(basePath)) >= 0) {
         findings.add(held ? FINDING::remark : FINDING::inconsistency, ".jnl",
                      held ? "a change is going on"
                           : "a change was cut off; the next opening for writing puts it right");

@@ -162,6 +162,12 @@ private:
                           common::format("ends behind the header of station %d, but the description tells of "
                                          "%d stations",
                                          summary_.records, told_));
+        } else if (told_ == 0 && size >= form_.recordSize()) {
+            findings_.add(
+                FINDING::inconsistency, ".hob",
+                common::format("holds %lld headers, but the description tells of no stations; such a "
+                               "collection isn't opened",
+                               static_cast<long long>(size / form_.recordSize())));
         } else if (size > needed) {
             findings_.add(FINDING::remark, ".hob",
                           common::format("%lld bytes behind the last header are not in use",

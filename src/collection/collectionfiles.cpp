@@ -321,7 +321,7 @@ FilesResult moveCollection(const std::string& from, const std::string& to)
 {
     const PLACE source(from), target = targetPlace(to);
     if (const FilesResult checked = checkPlaces(source, target); checked != FilesResult::ok) return checked;
-    if (isTaken(journalPath(from)) || !common::directoryIsWritable(folderOf(source)))
+    if (isTaken(journalPath(from)) || !common::isWritable(folderOf(source)))
         return FilesResult::stationFiles;
     if (isFree(target)) {
         if (const auto renamed = renameTo(source, target)) return *renamed;

@@ -82,6 +82,12 @@ bool isWritable(const std::string& path)
 
 bool directoryIsWritable(const std::string& directory)
 {
+    // A file without a name can't be left behind; not every file system knows such.
+    const int nameless = ::open(directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    if (nameless >= 0) {
+        ::close(nameless);
+        return true;
+    }
     std::string probe = temporaryName((fs::path(directory) / "write_test").string());
     if (!openFile(probe, "wbx")) return false;
     return ::unlink(probe.c_str()) == 0;

@@ -1,7 +1,5 @@
 #include "import/importrun.h"
 
-#include <filesystem>
-
 #include "collection/sidefiles.h"
 #include "common/text.h"
 #include "common/textcoding.h"
@@ -43,6 +41,7 @@ RImportRun::RImportRun(collection::RCollection& collection, common::RUser& user,
 
 RImportRun::~RImportRun()
 {
+    if (open_) collection_.rollBackChange();
     endBusy();
 }
 
@@ -51,6 +50,14 @@ std::int64_t RImportRun::openImport(const std::string& file, const std::string& 
 {
     const std::int64_t size = common::openFile(file, "rb") ? common::fileSize(file) : 0;
     if (size <= 0 && !evenIfEmpty) return 0;
+    if (!collection_.beginChange("IMPORT")) {
+        user_.about(runCaption,
+                    format("Collection %s can't be changed: its files are no longer the ones that were "
+                           "opened, or a change that was cut off stands beside them.",
+                           collection_.path.c_str()));
+        state.failed = true;
+        return 0;
+    }
     state.mode = mode;
     state.totalBytes = size;
     state.lineNumber = firstLine;
@@ -136,12 +143,23 @@ bool RImportRun::mayStore(const STATIONHDR& header, int existing)
     return true;
 }
 
+void RImportRun::tellWriteError(collection::WriteResult result)
+{
+    std::string text = format("Write-Error %d!\n\n Import will be Aborted", static_cast<int>(result));
+    if (result == collection::WriteResult::full) {
+        text +=
+            format("\n\n%s.dob is full: a collection holds 2 GiB of data. Sorting and condensing it may make "
+                   "room.",
+                   collection_.path.c_str());
+    }
+    user_.about(runCaption, text);
+}
+
 bool RImportRun::store(STATIONDATA& station, int existing)
 {
     const collection::WriteResult result = collection_.writeStation(existing, station, true);
     if (result != collection::WriteResult::ok) {
-        user_.about(runCaption,
-                    format("Write-Error %d!\n\n Import will be Aborted", static_cast<int>(result)));
+        tellWriteError(result);
         user_.setAbort(true);
         state.failed = true;
         return false;
@@ -223,25 +241,22 @@ void RImportRun::report()
     }
 }
 
-// Forgets the appended stations. Files of a collection that was empty are made anew: stations beside a
-// description that counts none would be taken for damage.
+// Everything is as before the run: what was replaced and moved comes back too.
 void RImportRun::undo()
 {
-    collection_.stationCount = state.stationsAtStart;
+    collection_.rollBackChange();
     state.stationsStored = 0;
-    if (state.stationsAtStart > 0) return;
-    const auto variables = collection_.variables;
-    const int totalCount = collection_.totalVariableCount;
-    collection_.closeStationFiles();
-    std::error_code ignored;
-    std::filesystem::remove(collection_.path + ".hob", ignored);
-    std::filesystem::remove(collection_.path + ".dob", ignored);
-    const bool reopened =
-        collection_.writeVarFile(collection_.path) &&
-        collection_.openStationFiles(collection_.path, user_) == collection::OpenFilesResult::ok;
-    collection_.variables = variables;
-    collection_.totalVariableCount = totalCount;
-    state.failed = state.failed || !reopened;
+}
+
+void RImportRun::commit()
+{
+    if (collection_.commitChange()) return;
+    user_.about(runCaption,
+                format("Could not write %s.var, .hob and .dob!\n\nThe collection is as it was before the "
+                       "import.",
+                       collection_.path.c_str()));
+    state.failed = true;
+    state.stationsStored = 0;
 }
 
 void RImportRun::writeLog()
@@ -261,22 +276,20 @@ void RImportRun::writeLog()
     if (log) std::fprintf(log.get(), "ERROR: %s\n", text.c_str());
 }
 
-void RImportRun::writeDescription()
-{
-    if (collection_.flushStationFiles() && collection_.writeVarFile(collection_.path)) return;
-    user_.about(runCaption, format("Could not write %s.var!", collection_.path.c_str()));
-    state.failed = true;
-}
-
 void RImportRun::closeImport(bool final)
 {
+    if (!open_) return;
     const bool last = final || state.aborted;
     user_.status({});
     endBusy();
     if (last) report();
-    if (state.undoRequested) undo();
+    if (state.undoRequested) {
+        undo();
+    } else {
+        commit();
+    }
+    if (!collection_.isOpen) return; // the collection itself was made by the change that is undone
     writeLog();
-    writeDescription();
     if (last) collection_.readInventory(true, user_);
 }
 

@@ -28,7 +28,7 @@ struct IMPORTSTATE {
     bool undoRequested = false;
     bool logFault = false; // the log has no normal IMPORT line
     bool aborted = false;  // by the user
-    bool failed = false;   // a station could not be written, or the description at the end
+    bool failed = false;   // a station could not be written, or all of them at the end
     collection::SELECTIONCRITERIA savedCriteria{};
     std::string file;       // path of the input
     std::string fileName;   // short name for the report; empty for lists
@@ -59,15 +59,16 @@ public:
 
     IMPORTSTATE state;
 
-    // Opens the run. Returns the bytes of the input, 0 if it can't be read or is empty: then nothing happens,
-    // unless `evenIfEmpty`.
+    // Opens the run: until closeImport() it is one change of the collection. Returns the bytes of the input,
+    // 0 if it can't be read or is empty: then nothing happens, unless `evenIfEmpty`. 0 too, after a message
+    // and with `failed` set, if the collection can't be changed.
     [[nodiscard]] std::int64_t openImport(const std::string& file, const std::string& shortName,
                                           int firstLine, ImportMode mode, bool evenIfEmpty = false);
     // Decides about a station and stores it. `stored` says how often progress is shown: every n stations or
     // bytes. True if the run is to be broken off.
     [[nodiscard]] bool importStation(collection::STATIONDATA& station, int everyStations,
                                      std::int64_t everyBytes);
-    // Reports, undoes, logs; writes the description, and with `final` builds the inventory anew.
+    // Reports; undoes or commits; logs, and with `final` builds the inventory anew.
     void closeImport(bool final);
     // Tells of a ReadCode that is about a line.
     void reportReadError(std::int64_t code);
@@ -82,9 +83,10 @@ private:
     [[nodiscard]] bool store(collection::STATIONDATA& station, int existing);
     void showProgress(int everyStations, std::int64_t everyBytes);
     void report();
+    void tellWriteError(collection::WriteResult result);
     void undo();
+    void commit();
     void writeLog();
-    void writeDescription();
     void endBusy();
 
     collection::RCollection& collection_;

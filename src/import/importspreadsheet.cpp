@@ -158,7 +158,7 @@ IMPORTRESULT importSpreadsheet(RCollection& collection, STATIONDATA& station, co
     RSpreadsheetReader reader(header, targetsOf(collection), keyVariables(collection), user);
     if (!reader.open(path) ||
         run.openImport(path, shortName(path), header.desc.firstDataLine - 1, run.state.mode) == 0) {
-        user.about(caption, format("File %s can not be read!", path.c_str()));
+        if (!run.state.failed) user.about(caption, format("File %s can not be read!", path.c_str()));
         return {ImportEnd::failed, 0, 0};
     }
     const std::int64_t code = importStations(reader, run, station);

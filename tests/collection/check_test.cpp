@@ -11,7 +11,7 @@
 #include <sys/file.h>
 
 #include "bigendian.h"
-#include "samplecollection.h"
+#include "contents.h"
 
 namespace collection {
 namespace {
@@ -156,6 +156,132 @@ TEST_F(Check, ACollectionOfTheOtherByteOrderIsReadAsWell)
     big.setBytes(".dob", dob);
     EXPECT_EQ(checkCollection(big.collection.path, user).findings.at(0).text,
               "big.dob: station 1: values that are no finite numbers");
+}
+
+TEST_F(Check, StationsBehindADescriptionOfNoneAreTold)
+{
+    change(".var", [](std::string& text) { text = common::replaceAll(text, "Nstat: 6", "Nstat: 0"); });
+    EXPECT_TRUE(contains(texts(),
+                         "sample.hob: holds 6 headers, but the description tells of no stations; such "
+                         "a collection isn't opened"));
+}
+
+// --- what the program makes, in both byte orders
+
+class CheckAfter : public testing::TestWithParam<std::string> {
+protected:
+    CheckAfter()
+    {
+        for (int i = 1; i <= 9; ++i) put(0, 3 + i % 4, i % 2 == 0 ? "A" : "B", std::to_string(10 - i));
+        EXPECT_TRUE(sample.collection.writeVarFile(sample.collection.path));
+        sample.collection.readInventory(true, sample.user);
+        EXPECT_TRUE(sample.collection.setVariableId("Salinity [psu]", 3));
+    }
+    void put(int number, int levels, const std::string& cruise, const std::string& label)
+    {
+        std::vector<std::vector<float>> columns = profile(levels, 4, static_cast<float>(levels));
+        columns[1][0] = missing;
+        if (levels == 4) columns[2].clear();
+        EXPECT_EQ(sample.put(columns, number, cruise, label), WriteResult::ok);
+    }
+    // All findings of the open collection.
+    std::string findings()
+    {
+        std::string text;
+        const CHECKRESULT result = checkCollection(sample.collection.path, sample.user);
+        for (const FINDING& finding : result.findings) text += finding.text + "\n";
+        dead = result.deadBytes;
+        EXPECT_EQ(result.stationCount, sample.collection.stationCount);
+        EXPECT_EQ(sample.bytes(".hob").substr(0, 6), GetParam());
+        return text;
+    }
+    testing_support::RMagicCollection sample{GetParam()};
+    std::int64_t dead = 0;
+};
+INSTANTIATE_TEST_SUITE_P(BothMagics, CheckAfter, testing::Values("NVQ4.0", "NVQsol"));
+
+TEST_P(CheckAfter, WritingThereIsNothingToSay)
+{
+    EXPECT_EQ(findings(), "");
+}
+
+TEST_P(CheckAfter, ReplacingWithinAChangeThereIsOnlyDeadSpace)
+{
+    ASSERT_TRUE(sample.collection.beginChange("IMPORT"));
+    put(2, 40, "A", "2");
+    put(4, 2, "A", "4");
+    put(9, 2, "A", "9");
+    put(0, 300, "C", "1");
+    ASSERT_TRUE(sample.collection.commitChange());
+    sample.collection.readInventory(true, sample.user);
+    EXPECT_NE(findings().find(" bytes are dead space\n"), std::string::npos) << findings();
+    EXPECT_GT(dead, 0);
+    EXPECT_EQ(checkCollection(sample.collection.path, sample.user).inconsistencies, 0);
+}
+
+TEST_P(CheckAfter, AChangeThatWasRolledBackThereIsNothingToSay)
+{
+    ASSERT_TRUE(sample.collection.beginChange("IMPORT"));
+    put(2, 40, "A", "2");
+    put(4, 2, "A", "4");
+    put(0, 300, "C", "1");
+    sample.collection.rollBackChange();
+    sample.collection.readInventory(false, sample.user);
+    EXPECT_EQ(findings(), "");
+    EXPECT_EQ(checkCollection(sample.collection.path, sample.user).inconsistencies, 0);
+}
+
+TEST_P(CheckAfter, SortingThereIsNoDeadSpaceLeft)
+{
+    put(1, 40, "B", "9");
+    ASSERT_TRUE(sample.collection.writeVarFile(sample.collection.path));
+    sample.collection.readInventory(true, sample.user);
+    ASSERT_TRUE(sample.collection.sortAndCondense(sample.station, sample.user));
+    sample.collection.readInventory(false, sample.user);
+    EXPECT_EQ(findings(), "");
+}
+
+TEST_P(CheckAfter, AChangeOfTheVariablesThereIsNothingToSay)
+{
+    std::vector<VARINFO> list(4);
+    for (int v = 1; v <= 3; ++v) {
+        VARINFO& variable = list[static_cast<std::size_t>(v)];
+        variable = emptyVariable(v);
+        setLabel(variable, "New " + std::to_string(v));
+        variable.assocSource = v == 1 ? 1 : 5 - v;
+    }
+    ASSERT_TRUE(sample.collection.changeVariableSet(sample.station, list, sample.user));
+    sample.collection.readInventory(false, sample.user);
+    EXPECT_EQ(findings(), "");
+}
+
+TEST_P(CheckAfter, DeletionsThereIsOnlyDeadSpace)
+{
+    ASSERT_EQ(sample.collection.deleteStation(3, sample.user), 1);
+    EXPECT_NE(findings().find(" bytes are dead space\n"), std::string::npos);
+    ASSERT_EQ(sample.collection.deleteStation(sample.collection.stationCount, sample.user), 1);
+    EXPECT_EQ(checkCollection(sample.collection.path, sample.user).inconsistencies, 0) << findings();
+    ASSERT_TRUE(sample.collection.openTemporaryFiles());
+    for (std::int32_t n = 1; n <= sample.collection.stationCount; ++n) {
+        const std::int32_t record[4] = {n, 0, 0, 0};
+        ASSERT_EQ(std::fwrite(record, sizeof record, 1, sample.collection.valFile.get()), 1U);
+    }
+    ASSERT_EQ(std::fflush(sample.collection.valFile.get()), 0);
+    sample.collection.selectedStationCount = sample.collection.stationCount;
+    ASSERT_GT(sample.collection.deleteSelectedStations(sample.user), 0);
+    EXPECT_EQ(checkCollection(sample.collection.path, sample.user).inconsistencies, 0) << findings();
+}
+
+TEST_P(CheckAfter, AHeaderEditThereIsNothingToSay)
+{
+    STATIONHDR header{};
+    LEVELCOUNTS counts{};
+    ASSERT_TRUE(sample.collection.readStationHeader(5, header, &counts));
+    common::copyText(header.cruise, "edited");
+    header.longitude = -0.25f;
+    ASSERT_TRUE(sample.collection.writeStationHeader(5, header, &counts));
+    sample.collection.readInventory(false, sample.user);
+    EXPECT_EQ(findings(), "");
 }
 
 // --- the description

@@ -375,19 +375,35 @@ bool recovers(const std::string& path)
 
 constexpr int rounds = 60;
 
-std::chrono::microseconds someTime(std::mt19937& random)
-{
-    return std::chrono::microseconds(random() % 6000);
-}
+// Times within the one that the operation takes on this machine, and somewhat beyond.
+class RMoments {
+public:
+    explicit RMoments(const std::function<void()>& operation)
+    {
+        const auto start = std::chrono::steady_clock::now();
+        operation();
+        span_ =
+            std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
+    }
+    std::chrono::microseconds next()
+    {
+        return std::chrono::microseconds(random_() % static_cast<unsigned>(span_.count() * 5 / 4 + 500));
+    }
+
+private:
+    std::chrono::microseconds span_{};
+    std::mt19937 random_{42};
+};
 
 TEST(KilledInTheMiddle, MovedCollectionIsInOnePlace)
 {
-    std::mt19937 random(1);
+    const RFamily first("sample", 20, 50);
+    RMoments moments([&] { EXPECT_EQ(moveCollection(first.path, first.path + "2"), FilesResult::ok); });
     int moved = 0;
     for (int round = 0; round < rounds; ++round) {
         const RFamily family("sample", 20, 50);
         const std::string target = family.directory.file("moved");
-        runAndKill([&] { static_cast<void>(moveCollection(family.path, target)); }, someTime(random));
+        runAndKill([&] { static_cast<void>(moveCollection(family.path, target)); }, moments.next());
         // before anything is settled the target is whole or can't be opened at all
         if (common::fileExists(target + ".var")) {
             EXPECT_EQ(contentsOnDisk(target), family.contents);
@@ -408,14 +424,14 @@ TEST(KilledInTheMiddle, MovedCollectionIsInOnePlace)
 
 TEST(KilledInTheMiddle, CopyLeavesTheOldTargetOrTheNewOne)
 {
-    std::mt19937 random(2);
-    const RFamily old("old", 7);
+    const RFamily old("old", 7), first("sample", 20, 50);
+    RMoments moments([&] { EXPECT_EQ(copyCollection(first.path, first.path + "2"), FilesResult::ok); });
     for (int round = 0; round < rounds; ++round) {
         const RFamily family("sample", 20, 50);
         for (const std::string& name : filesIn(old.directory.path()))
             std::filesystem::copy_file(old.directory.file(name), family.directory.file(name));
         const std::string target = family.directory.file("old");
-        runAndKill([&] { static_cast<void>(copyCollection(family.path, target)); }, someTime(random));
+        runAndKill([&] { static_cast<void>(copyCollection(family.path, target)); }, moments.next());
         ASSERT_TRUE(recovers(target));
         const Labels found = contentsOnDisk(target);
         EXPECT_TRUE(found == family.contents || found == old.contents) << round;
@@ -427,10 +443,11 @@ TEST(KilledInTheMiddle, CopyLeavesTheOldTargetOrTheNewOne)
 
 TEST(KilledInTheMiddle, DeletedCollectionIsThereOrGone)
 {
-    std::mt19937 random(3);
+    const RFamily first("sample", 2, 5);
+    RMoments moments([&] { EXPECT_EQ(deleteCollection(first.path, true, true), FilesResult::ok); });
     for (int round = 0; round < rounds; ++round) {
         const RFamily family("sample", 2, 5);
-        runAndKill([&] { static_cast<void>(deleteCollection(family.path, true, true)); }, someTime(random));
+        runAndKill([&] { static_cast<void>(deleteCollection(family.path, true, true)); }, moments.next());
         ASSERT_TRUE(recovers(family.path));
         const Labels files = filesIn(family.directory.path());
         if (!files.empty()) {

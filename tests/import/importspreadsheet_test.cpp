@@ -1,11 +1,14 @@
 // Spreadsheets on their way into a collection.
 
 #include <filesystem>
+#include <limits>
 #include <regex>
 
 #include <gtest/gtest.h>
 
+#include "collection/check.h"
 #include "collection/sidefiles.h"
+#include "filesizelimit.h"
 #include "import/importspreadsheet.h"
 #include "import/spreadsheetfixture.h"
 #include "samplecollection.h"
@@ -63,7 +66,16 @@ public:
         stored.clear();
         options.mode = mode;
         result = importSpreadsheet(collection(), sample.station, path(), options, user());
+        expectSoundFiles();
         return *this;
+    }
+    // Whatever an import did or met, the files agree.
+    void expectSoundFiles()
+    {
+        RScriptedUser checker;
+        for (const auto& finding : collection::checkCollection(collection().path, checker).findings) {
+            EXPECT_NE(finding.kind, collection::FINDING::inconsistency) << finding.text;
+        }
     }
     [[nodiscard]] READSTATION load(int number)
     {
@@ -370,6 +382,100 @@ TEST(ImportSpreadsheet, UndoTakesTheNewStationsBack)
     run.user().acceptReports = true;
     run.import(cast("4", 3));
     EXPECT_EQ(run.labels(), (Labels{"1", "4"}));
+}
+
+TEST(ImportSpreadsheet, UndoBringsReplacedAndMovedStationsBack)
+{
+    RImports run;
+    run.import(cast("1", 3, 10) + cast("2", 3, 11) + cast("3", 3, 12));
+    const std::string before = run.sample.bytes(".hob") + run.sample.bytes(".dob") + run.sample.bytes(".var");
+    run.user().acceptReports = false;
+    run.import(cast("1", 7, 20) + cast("2", 2, 21) + cast("4", 3, 22));
+    EXPECT_TRUE(run.told("3 Stations Imported"));
+    EXPECT_EQ(run.result.end, ImportEnd::cancelled);
+    EXPECT_TRUE(run.sample.bytes(".hob") + run.sample.bytes(".dob") + run.sample.bytes(".var") == before);
+    EXPECT_EQ(run.labels(), (Labels{"1", "2", "3"}));
+    EXPECT_EQ(run.load(1).values[2][0], 10);
+    EXPECT_EQ(run.load(2).values[2][0], 11);
+    EXPECT_EQ(run.collection().cruiseCount, 1);
+}
+
+TEST(ImportSpreadsheet, NothingOfARunReachesTheCollectionBeforeItsEnd)
+{
+    RImports run;
+    run.import(cast("1", 3) + cast("2", 3));
+    const std::string hob = run.sample.bytes(".hob"), var = run.sample.bytes(".var");
+    run.options.run.stationStored = [&](const collection::STATIONHDR&) {
+        EXPECT_TRUE(run.collection().isChanging());
+        EXPECT_EQ(run.sample.bytes(".var"), var);
+    };
+    run.import(cast("1", 2) + cast("3", 3));
+    EXPECT_FALSE(run.collection().isChanging());
+    EXPECT_NE(run.sample.bytes(".var"), var);
+    EXPECT_FALSE(common::fileExists(run.collection().path + ".jnl"));
+}
+
+TEST(ImportSpreadsheet, AFullCollectionIsToldByNameAndKeepsWhatItHas)
+{
+    RImports run;
+    run.import(cast("1", 3) + cast("2", 3));
+    // The last block begins near the end of what an offset can hold; the hole in the file takes no room.
+    collection::STATIONHDR header{};
+    ASSERT_TRUE(run.collection().readStationHeader(2, header, nullptr));
+    header.dataOffset = std::numeric_limits<std::int32_t>::max() - 100;
+    std::filesystem::resize_file(run.collection().path + ".dob", std::uintmax_t{1} << 31);
+    ASSERT_EQ(run.sample.reopen(), collection::OpenFilesResult::ok);
+    ASSERT_TRUE(run.collection().writeStationHeader(2, header, nullptr));
+    ASSERT_EQ(run.sample.reopen(), collection::OpenFilesResult::ok);
+    run.import(cast("3", 20) + cast("4", 3) + cast("5", 3));
+    EXPECT_EQ(run.result.end, ImportEnd::failed);
+    EXPECT_EQ(run.result.stationsStored, 1); // the last that an offset can point to
+    EXPECT_EQ(run.labels(), (Labels{"1", "2", "3"}));
+    EXPECT_EQ(run.user().messages.at(0),
+              "Importing Station-Data ...: Write-Error 9!\n\n Import will be Aborted\n\n" +
+                  run.collection().path +
+                  ".dob is full: a collection holds 2 GiB of data. Sorting and condensing it may make room.");
+    ASSERT_EQ(run.sample.reopen(), collection::OpenFilesResult::ok);
+    EXPECT_EQ(run.load(3).counts[1], 20);
+}
+
+TEST(ImportSpreadsheet, AFullDiskIsToldAndTheCollectionIsAsBefore)
+{
+    RImports run;
+    run.import(cast("1", 3) + cast("2", 3));
+    const std::string before = run.sample.bytes(".hob") + run.sample.bytes(".dob") + run.sample.bytes(".var");
+    std::string many;
+    for (int i = 3; i < 3000; ++i) many += cast(std::to_string(i), 30);
+    std::ofstream(run.path(), std::ios::binary) << threeVariables + many;
+    {
+        const RFileSizeLimit full(400000);
+        run.user().messages.clear();
+        run.result =
+            importSpreadsheet(run.collection(), run.sample.station, run.path(), run.options, run.user());
+    }
+    EXPECT_EQ(run.result.end, ImportEnd::failed);
+    EXPECT_EQ(run.result.stationsStored, 0);
+    EXPECT_TRUE(run.told("Could not write " + run.collection().path +
+                         ".var, .hob and .dob!\n\nThe collection is as it was before the import."));
+    EXPECT_TRUE(run.sample.bytes(".hob") + run.sample.bytes(".dob") + run.sample.bytes(".var") == before);
+    EXPECT_EQ(run.labels(), (Labels{"1", "2"}));
+    run.import(cast("3", 3));
+    EXPECT_EQ(run.labels(), (Labels{"1", "2", "3"}));
+}
+
+TEST(ImportSpreadsheet, ARemovedFileIsToldAndNothingIsWritten)
+{
+    RImports run;
+    run.import(cast("1", 3));
+    std::filesystem::remove(run.collection().path + ".dob");
+    const std::string hob = run.sample.bytes(".hob"), log = run.sample.bytes(".log");
+    run.import(cast("2", 3));
+    EXPECT_EQ(run.result.end, ImportEnd::failed);
+    EXPECT_EQ(run.user().messages.size(), 1U);
+    EXPECT_TRUE(run.told("Collection " + run.collection().path + " can't be changed"));
+    EXPECT_TRUE(run.sample.bytes(".hob") == hob);
+    EXPECT_EQ(run.sample.bytes(".log"), log);
+    EXPECT_FALSE(common::fileExists(run.collection().path + ".dob"));
 }
 
 TEST(ImportSpreadsheet, UndoOfTheFirstImportLeavesAnEmptyCollectionThatOpens)

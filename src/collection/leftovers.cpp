@@ -1,0 +1,79 @@
+#include "collection/leftovers.h"
+
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <optional>
+#include <unistd.h>
+
+#include "common/files.h"
+#include "common/text.h"
+
+namespace collection {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct REPLACEMENTNAME {
+    std::string_view file; // in whose place it was to come
+    int process = 0;
+};
+
+// Cuts ".<number>" from the end of a name.
+std::optional<int> takeNumber(std::string_view& name)
+{
+    const std::size_t point = name.rfind('.');
+    if (point == std::string_view::npos) return std::nullopt;
+    const std::optional<int> number = common::parseInt(name.substr(point + 1));
+    if (number) name = name.substr(0, point);
+    return number;
+}
+
+std::optional<REPLACEMENTNAME> replacementName(std::string_view name)
+{
+    if (!name.ends_with(".tmp")) return std::nullopt;
+    name.remove_suffix(4);
+    const std::optional<int> count = takeNumber(name);
+    const std::optional<int> process = count ? takeNumber(name) : std::nullopt;
+    if (!process || *process <= 0 || name.empty()) return std::nullopt;
+    return REPLACEMENTNAME{name, *process};
+}
+
+bool isRunning(int process)
+{
+    return ::kill(process, 0) == 0 || errno == EPERM;
+}
+
+bool isAbandoned(const REPLACEMENTNAME& replacement, std::string_view baseName)
+{
+    if (replacement.process == static_cast<int>(::getpid())) return false;
+    const auto belongsTo = [&](std::string_view name) {
+        return replacement.file.size() > name.size() && replacement.file.starts_with(name) &&
+               replacement.file[name.size()] == '.';
+    };
+    if (belongsTo(baseName)) return true;
+    return (belongsTo("TRG") || replacement.file == "write_test") && !isRunning(replacement.process);
+}
+
+} // namespace
+
+int removeLeftovers(const std::string& basePath)
+{
+    const std::size_t slash = basePath.rfind('/');
+    const std::string directory = slash == std::string::npos ? "." : basePath.substr(0, slash + 1);
+    const std::string baseName = basePath.substr(slash + 1);
+    int removed = 0;
+    std::error_code error;
+    for (fs::directory_iterator it(directory, error), end; !error && it != end; it.increment(error)) {
+        const std::string name = it->path().filename().string();
+        const std::optional<REPLACEMENTNAME> replacement = replacementName(name);
+        std::error_code ignored;
+        if (!replacement || !isAbandoned(*replacement, baseName) || it->is_symlink(ignored) ||
+            !it->is_regular_file(ignored))
+            continue;
+        if (fs::remove(it->path(), ignored)) ++removed;
+    }
+    return removed;
+}
+
+} // namespace collection
