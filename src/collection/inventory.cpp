@@ -195,7 +195,10 @@ std::vector<std::int32_t> RCollection::readCruiseIndices(bool force)
             return true;
         },
         [](int) {});
-    if (read) writeCruiseIndices(indices);
+    if (read) {
+        writeCruiseIndices(indices);
+        if (writable) letTimePass(path + ".cid");
+    }
     return indices;
 }
 
@@ -219,11 +222,8 @@ void RCollection::writeCruiseIndices(std::vector<std::int32_t> indices) const
 {
     if (!writable) return;
     if (swapBytes) common::reverseBytes(indices.data(), indices.size(), sizeof(std::int32_t), indices.data());
-    const std::string file = path + ".cid";
-    if (common::writeFile(
-            file, {reinterpret_cast<const char*>(indices.data()), indices.size() * sizeof(std::int32_t)})) {
-        letTimePass(file);
-    }
+    static_cast<void>(common::writeFile(path + ".cid", {reinterpret_cast<const char*>(indices.data()),
+                                                        indices.size() * sizeof(std::int32_t)}));
 }
 
 } // namespace collection
