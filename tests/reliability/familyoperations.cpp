@@ -29,12 +29,14 @@ OPERATION family(const std::string& name,
     if (targetExists) operation.prepare = makeBoth;
     operation.collections = {"sample", "target"};
     operation.speaks = false;
+    operation.closesFirst = true;
     operation.run = [run = std::move(run)](ROpenCollection& open) {
         open.collection.closeTemporaryFiles();
         open.collection.closeStationFiles();
         collection::RCollectionLock lock;
         if (!lock.acquire(open.folder + "target")) return false;
-        return run(open.folder + "sample", open.folder + "target") == FilesResult::ok;
+        const FilesResult result = run(open.folder + "sample", open.folder + "target");
+        return result == FilesResult::ok || result == FilesResult::otherFiles;
     };
     return operation;
 }
@@ -76,6 +78,7 @@ OPERATION importOverExisting()
     operation.name = "ImportInTheCollectionsPlace";
     const auto casts = std::to_array<CAST>({{"N", "1", 6, 95}, {"N", "2", 9, 96}, {"M", "3", 12, 97}});
     operation.inputs["sample.txt"] = spreadsheetOf(casts);
+    operation.closesFirst = true;
     operation.run = importAsNew;
     return operation;
 }

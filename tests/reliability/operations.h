@@ -28,6 +28,8 @@ struct OPERATION {
     bool changesNothing = false;
     // What it did is safe on the disk when it says so.
     bool isDurable = true;
+    // It closes the collection before it begins, and finds the files as they are then.
+    bool closesFirst = false;
     // It says for itself why it failed.
     bool speaks = true;
 };

@@ -60,7 +60,7 @@ TEST_F(Programs, SecondOpensReadOnlyAndChangesNothing)
     ASSERT_TRUE(first.isOpen());
     const std::string before = bytes("sample");
     for (const char* const line : {"sort_condense", "delete_empty", "delete_station 1", "delete_collection",
-                                   "move_collection moved.var", "log_comment hello"}) {
+                                   "move_collection moved.var"}) {
         const PROGRAMRUN second = run(std::string("open_collection sample.var\n") + line + "\n");
         EXPECT_EQ(second.code, 1) << line << ": " << second.error;
         EXPECT_THAT(second.error, HasSubstr("Data may not be modified!")) << line;
@@ -127,7 +127,7 @@ TEST_F(Programs, SecondSortInTheSameFolderIsToldAndSpoilsNothing)
     ASSERT_TRUE(sortHalfway(first, folder));
     const PROGRAMRUN second = run("open_collection other.var\nsort_condense\n");
     EXPECT_EQ(second.code, 1) << second.error;
-    EXPECT_THAT(second.error, HasSubstr("TRG"));
+    EXPECT_THAT(second.error, HasSubstr("Another program is rewriting a collection"));
     EXPECT_EQ(bytes("other"), before);
     EXPECT_EQ(first.runToEnd(), 0);
     const PROGRAMRUN third = run("open_collection other.var\nsort_condense\ncheck_collection\n");

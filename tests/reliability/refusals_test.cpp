@@ -57,11 +57,16 @@ bool isRest(const std::string& fault)
     return fault.starts_with("left behind: ") && (fault.ends_with(".tmp") || fault.ends_with(".lck"));
 }
 
-std::string faultOf(const RScene& scene, int exit, bool mayLeaveFiles)
+std::string faultOf(const RScene& scene, int exit, const REFUSAL& refusal)
 {
     EXAMINATION examination = scene.examine(scene.work());
     auto& faults = examination.faults;
-    if (mayLeaveFiles) faults.erase(std::remove_if(faults.begin(), faults.end(), isRest), faults.end());
+    if (refusal.error == EIO)
+        faults.erase(std::remove_if(faults.begin(), faults.end(), isRest), faults.end());
+    // Who can't write a word any more can't take one back: the next opening decides, and shows one of the
+    // two.
+    if (refusal.error == EIO && refusal.fromThereOn && exit != RScene::done && exit >= 0)
+        return scene.faultOf(examination);
     switch (exit) {
     case RScene::done:
         return scene.faultOf(examination, RScene::Expected::after);
@@ -87,7 +92,7 @@ void refuseAll(const RScene& scene, const REFUSAL& refusal)
         std::string call;
         if (!refuseAt(scene, n, refusal, exit, call)) break;
         ++(exit == RScene::done ? done : refused);
-        const std::string fault = faultOf(scene, exit, refusal.error == EIO);
+        const std::string fault = faultOf(scene, exit, refusal);
         faults.note(
             common::format("%s at call %d, %s (%s)", refusal.name, n, call.c_str(), scene.told().c_str()),
             fault);
