@@ -89,6 +89,20 @@ int rename(const char* from, const char* to) noexcept
     return static_cast<int>(::syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0));
 }
 
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept
+{
+    using namespace testing_support;
+    if (const int error = ask({"renameat2"}); error != 0) return fail<int>(error);
+    return static_cast<int>(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+}
+
+int link(const char* from, const char* to) noexcept
+{
+    using namespace testing_support;
+    if (const int error = ask({"link"}); error != 0) return fail<int>(error);
+    return static_cast<int>(::syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0));
+}
+
 int unlink(const char* path) noexcept
 {
     using namespace testing_support;

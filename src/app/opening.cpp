@@ -4,6 +4,7 @@
 
 #include "app/session.h"
 #include "collection/journal.h"
+#include "collection/leftovers.h"
 #include "collection/varfile.h"
 #include "common/files.h"
 #include "common/text.h"
@@ -111,7 +112,10 @@ std::string RSession::takeForWriting(const std::string& basePath)
     if (!collection.writable) return protectedText;
     std::string holder;
     collection.writable = lock_.acquire(basePath, &holder);
-    if (collection.writable) return {};
+    if (collection.writable) {
+        collection::removeLeftovers(basePath);
+        return {};
+    }
     return protectedText + "\n\nCollection " + basePath + ".var is open for writing in another NVQ session" +
            (holder.empty() ? "!" : " (" + holder + ")!");
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <functional>
 #include <unistd.h>
 
 #include "collection/rewriting.h"
@@ -52,6 +53,45 @@ std::size_t packKept(std::span<std::byte> block, std::size_t recordSize, std::sp
         ++kept;
     }
     return kept;
+}
+
+bool tellUnwritten(const std::string& file, common::RUser& user)
+{
+    user.about(title, file + " can't be written. The disk may be full.\n\nThe collection is as it was.");
+    return false;
+}
+
+// The records of a header table, raw: reads `count` of them from station `first` on.
+using ReadRecords = std::function<bool(int first, int count, std::vector<std::byte>& block)>;
+
+struct TABLECOPY {
+    std::string from, to; // names of the tables
+    std::size_t recordSize = 0;
+    std::span<const std::uint8_t> marks;
+};
+
+// Writes the records of stations that stay behind the magic. False after a message, or if the user broke it
+// off.
+bool copyKept(const TABLECOPY& copy, const ReadRecords& read, RBlockFile& out, common::RUser& user)
+{
+    const int stations = static_cast<int>(copy.marks.size()) - 1, step = std::max(stations / 100, 30) + 1;
+    std::int64_t end = magicSize;
+    std::vector<std::byte> block;
+    for (int first = 1, next = step; first <= stations; first += recordsABlock) {
+        const int count = std::min(recordsABlock, stations - first + 1);
+        if (!read(first, count, block)) {
+            user.about(title, copy.from + " can't be read.\n\nThe collection is as it was.");
+            return false;
+        }
+        const auto marks =
+            copy.marks.subspan(static_cast<std::size_t>(first), static_cast<std::size_t>(count));
+        const std::size_t kept = packKept(block, copy.recordSize, marks) * copy.recordSize;
+        if (!out.write(end, std::span(block).first(kept))) return tellUnwritten(copy.to, user);
+        end += static_cast<std::int64_t>(kept);
+        for (; next < first + count; next += step) user.setProgress(100.0 * next / stations);
+        if (user.askAbort("Really want to abort?", title)) return false;
+    }
+    return out.sync() || tellUnwritten(copy.to, user);
 }
 
 } // namespace
@@ -115,78 +155,65 @@ std::vector<std::uint8_t> RCollection::marksOfEmpty(common::RUser& user)
     return noMarks(stationCount);
 }
 
-// Returns how many stations went; 0 after a message.
+// Returns how many stations went; 0 after a message, or if the user broke it off.
 int RCollection::dropStations(std::span<const std::uint8_t> marks, std::string_view logLine,
                               common::RUser& user)
 {
     const int count = countOf(marks);
     const RViewKeeper view(*this, true);
-    const bool done = busyWith(title, user, [&] {
-        if (!beginChange(logLine)) {
-            user.about(title, path + ".hob: the collection can't be changed. It is write-protected, or its "
-                                     "files are no longer the ones that were opened.");
-            return false;
-        }
-        if (!writeKeptHeaders(marks, user)) {
-            rollBackChange();
-            return false;
-        }
-        const FILEACTION actions[] = {{.kind = FILEACTION::rename, .from = name + ".ho", .to = name + ".hob"},
-                                      {.kind = FILEACTION::rename, .from = name + ".va", .to = name + ".var"},
-                                      {.kind = FILEACTION::remove, .from = name + ".inv", .to = {}},
-                                      {.kind = FILEACTION::remove, .from = name + ".cid", .to = {}}};
-        bool changed = false;
-        if (commitReplacement(actions, std::max(0, stationCount - count), user, &changed) || changed)
-            return true;
-        user.about(title, path + ".hob can't be replaced.\n\nThe collection is as it was.");
-        return false;
-    });
-    if (!done) return 0;
+    if (!busyWith(title, user, [&] { return replaceHeaders(marks, logLine, user); })) return 0;
     addLogLine(logLine);
     readInventory(true, user);
     return count;
+}
+
+bool RCollection::replaceHeaders(std::span<const std::uint8_t> marks, std::string_view operation,
+                                 common::RUser& user)
+{
+    if (!beginChange(operation)) {
+        user.about(title, path + ".hob: the collection can't be changed. It is write-protected, or its "
+                                 "files are no longer the ones that were opened.");
+        return false;
+    }
+    if (!writeKeptHeaders(marks, user)) {
+        rollBackChange();
+        return false;
+    }
+    using enum FILEACTION::Kind;
+    // what was made from the old headers is never newer than the new ones
+    const FILEACTION actions[] = {{rename, name + ".ho", name + ".hob"},
+                                  {rename, name + ".va", name + ".var"},
+                                  {remove, name + ".inv", {}},
+                                  {remove, name + ".cid", {}}};
+    bool done = false;
+    const int kept = std::max(0, stationCount - countOf(marks));
+    if (commitReplacement(actions, kept, user, &done) || done) return true;
+    user.about(title, path + ".hob can't be replaced.\n\nThe collection is as it was.");
+    return false;
 }
 
 // The new header table and description, beside the old ones and on the disk.
 bool RCollection::writeKeptHeaders(std::span<const std::uint8_t> marks, common::RUser& user)
 {
     const std::string table = path + ".ho", description = path + ".va";
-    const std::string made[] = {name + ".ho", name + ".va"};
-    const auto refuse = [&](const std::string& file) {
-        user.about(title, file + " can't be written. The disk may be full.\n\nThe collection is as it was.");
-        return false;
-    };
     for (const std::string& file : {table, description}) {
         // what somebody has left under the name goes; a folder can't
-        if (::unlink(file.c_str()) != 0 && errno != ENOENT) return refuse(file);
+        if (::unlink(file.c_str()) != 0 && errno != ENOENT) return tellUnwritten(file, user);
     }
-    if (!noteMadeFiles(made)) return refuse(journalPath(path));
+    const std::string made[] = {name + ".ho", name + ".va"};
+    if (!noteMadeFiles(made)) return tellUnwritten(journalPath(path), user);
     RBlockFile out;
     const std::string_view magic = foreignTimeOrder ? bigEndianMagic : littleEndianMagic;
     if (!out.open(table, RBlockFile::Mode::create) || !out.write(0, std::as_bytes(std::span(magic))))
-        return refuse(table);
-    const auto recordSize = static_cast<std::size_t>(headerRecordSize);
-    const int step = std::max(stationCount / 100, 30) + 1;
-    std::int64_t end = magicSize;
-    std::vector<std::byte> block;
-    for (int first = 1, next = step; first <= stationCount; first += recordsABlock) {
-        const int records = std::min(recordsABlock, stationCount - first + 1);
-        if (!readHeaderBlock(first, records, block)) {
-            user.about(title, path + ".hob can't be read.\n\nThe collection is as it was.");
-            return false;
-        }
-        const std::size_t kept =
-            packKept(block, recordSize,
-                     marks.subspan(static_cast<std::size_t>(first), static_cast<std::size_t>(records)));
-        if (!out.write(end, std::span(block).first(kept * recordSize))) return refuse(table);
-        end += static_cast<std::int64_t>(kept * recordSize);
-        for (; next < first + records; next += step) user.setProgress(100.0 * next / stationCount);
-        if (user.askAbort("Really want to abort?", title)) return false;
-    }
-    if (!out.sync()) return refuse(table);
+        return tellUnwritten(table, user);
+    const TABLECOPY copy = {path + ".hob", table, static_cast<std::size_t>(headerRecordSize), marks};
+    const auto read = [this](int first, int count, std::vector<std::byte>& block) {
+        return readHeaderBlock(first, count, block);
+    };
+    if (!copyKept(copy, read, out, user)) return false;
     const int kept = std::max(0, stationCount - countOf(marks));
     return writeNotedFile(description, formatVarFile(name, type, kept, variableCount, variables)) ||
-           refuse(description);
+           tellUnwritten(description, user);
 }
 
 } // namespace collection

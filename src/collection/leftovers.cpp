@@ -6,6 +6,7 @@
 #include <optional>
 #include <unistd.h>
 
+#include "collection/collectionlock.h"
 #include "common/files.h"
 #include "common/text.h"
 
@@ -73,6 +74,9 @@ int removeLeftovers(const std::string& basePath)
             continue;
         if (fs::remove(it->path(), ignored)) ++removed;
     }
+    // the mark of a rewriting that was killed before it made anything; taking it over removes it
+    const std::string target = directory + "/TRG";
+    if (RCollectionLock mark; common::fileExists(target + ".lck") && mark.acquire(target)) ++removed;
     return removed;
 }
 

@@ -253,6 +253,8 @@ private:
     [[nodiscard]] std::vector<std::uint8_t> marksOfEmpty(common::RUser& user);
     [[nodiscard]] int dropStations(std::span<const std::uint8_t> marks, std::string_view logLine,
                                    common::RUser& user);
+    [[nodiscard]] bool replaceHeaders(std::span<const std::uint8_t> marks, std::string_view operation,
+                                      common::RUser& user);
     [[nodiscard]] bool writeKeptHeaders(std::span<const std::uint8_t> marks, common::RUser& user);
 
     [[nodiscard]] bool filesAreInPlace() const;

@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "collection/collectionlock.h"
 #include "collection/journalfile.h"
 #include "collection/stationrecord.h"
 #include "collection/varfile.h"
@@ -458,6 +459,16 @@ bool completeChange(const JOURNALPLAN& plan, const std::string& basePath, std::s
     return common::syncDirectory(directory) || refuse(fault, because(directory));
 }
 
+namespace {
+
+bool namesTarget(const JOURNALPLAN& plan)
+{
+    return std::any_of(plan.made.begin(), plan.made.end(),
+                       [](const std::string& name) { return name.starts_with("TRG."); });
+}
+
+} // namespace
+
 RECOVERY recoverCollection(const std::string& basePath)
 {
     const std::string file = journalPath(basePath), unborn = file + std::string(newJournalSuffix);
@@ -468,9 +479,15 @@ RECOVERY recoverCollection(const std::string& basePath)
     if (!reader.open(file)) return outcome(RecoveryResult::failed, plan, file + " is no journal");
     std::string fault;
     if (!readPlan(reader, basePath, plan, fault)) return outcome(RecoveryResult::failed, plan, fault);
+    const std::string directory = common::splitPath(basePath).directory;
+    RCollectionLock target; // what stands under the names of a target may be another program's by now
+    if (namesTarget(plan) && !target.acquire(directory + "TRG")) {
+        return outcome(RecoveryResult::failed, plan,
+                       "another program is rewriting a collection in the same folder");
+    }
     RECOVERY recovery = plan.commitment ? complete(reader, plan, basePath) : undo(reader, plan, basePath);
     if (recovery.result == RecoveryResult::failed) return recovery;
-    if (!removeIfThere(file) || !common::syncDirectory(common::splitPath(basePath).directory)) {
+    if (!removeIfThere(file) || !common::syncDirectory(directory)) {
         recovery.fault = because(file + " can't be removed");
         recovery.result = RecoveryResult::failed;
     }

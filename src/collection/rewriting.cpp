@@ -131,8 +131,8 @@ bool RRewriting::isPlaceFree() const
     for (const std::string_view suffix : targetSuffixes) {
         const std::string file = fileOf(suffix);
         if (isTaken(file)) {
-            return refuse(file + " exists already and may belong to another collection.\n\n"
-                                 "Rename or remove it and try again.");
+            return refuse(file + " exists already. It belongs to another collection, or to an operation that "
+                                 "was cut off.\n\nOpen that collection, or rename the file, and try again.");
         }
     }
     return true;
@@ -142,7 +142,7 @@ bool RRewriting::begin(std::string_view operation, std::span<const VARINFO> vari
 {
     if (!lock_.acquire(source_.directory + std::string(targetName))) {
         return refuse("Another program is rewriting a collection in " + source_.directory +
-                      ".\n\nTry again when it is done.");
+                      "\n\nTry again when it is done.");
     }
     if (!isPlaceFree()) return false;
     if (!source_.beginChange(operation)) {

@@ -30,14 +30,21 @@ bool holdStations(const std::string& path, int recordSize)
     return recordsIn(hob, recordSize) > 0 || (hob < magicSize && dob > 0);
 }
 
-// The magic of a header table that is about to be made anew; the host's where there is none.
+// The magic of a header table that is there; empty if there is none.
 std::string presentMagic(const std::string& file)
 {
     RBlockFile table;
     const std::byte* const bytes =
         table.open(file, RBlockFile::Mode::read) ? table.view(0, magicSize) : nullptr;
     const std::string_view magic(reinterpret_cast<const char*>(bytes), bytes ? magicSize : 0);
-    return std::string(magic == littleEndianMagic || magic == bigEndianMagic ? magic : hostMagic());
+    return magic == littleEndianMagic || magic == bigEndianMagic ? std::string(magic) : std::string();
+}
+
+// The magic that an empty collection gets: the wanted one, else the present one, else the host's.
+std::string magicOfEmpty(const std::string& wanted, const std::string& present)
+{
+    if (!wanted.empty()) return wanted;
+    return present.empty() ? std::string(hostMagic()) : present;
 }
 
 bool isUnreadable(const std::string& file, RBlockFile& stream, RBlockFile::Mode mode, common::RUser& user)
@@ -79,11 +86,18 @@ OpenFilesResult RCollection::openEmptyFiles(common::RUser& user)
         user.about(boxTitle, path + ".var: the collection holds no stations and is write-protected.");
         return OpenFilesResult::noHeaderFile;
     }
-    const std::string magic = newMagic.empty() ? presentMagic(path + ".hob") : newMagic;
-    constexpr auto mode = RBlockFile::Mode::create;
-    if (isUnreadable(path + ".dob", files_->dob, mode, user)) return OpenFilesResult::noDataFile;
+    const std::string present = presentMagic(path + ".hob"), magic = magicOfEmpty(newMagic, present);
+    // A magic that is right isn't touched: without one a power failure would leave data without a table.
+    const bool keepsTable = magic == present;
+    constexpr auto anew = RBlockFile::Mode::create;
+    const auto mode = keepsTable ? RBlockFile::Mode::update : anew;
+    if (isUnreadable(path + ".dob", files_->dob, anew, user)) return OpenFilesResult::noDataFile;
     if (isUnreadable(path + ".hob", files_->hob, mode, user)) return OpenFilesResult::noHeaderFile;
-    if (!files_->hob.write(0, std::as_bytes(std::span(magic)))) {
+    RBlockFile& hob = files_->hob;
+    const bool written = !keepsTable              ? hob.write(0, std::as_bytes(std::span(magic)))
+                         : hob.size() > magicSize ? hob.truncate(magicSize)
+                                                  : true;
+    if (!written) {
         user.about(boxTitle, path + ".hob can't be written.");
         return OpenFilesResult::noHeaderFile;
     }

@@ -373,7 +373,7 @@ bool recovers(const std::string& path)
     return recoverCollection(path).result != RecoveryResult::failed;
 }
 
-constexpr int rounds = 60;
+constexpr int rounds = 25; // every single moment is looked at elsewhere
 
 // Times within the one that the operation takes on this machine, and somewhat beyond.
 class RMoments {
