@@ -80,9 +80,9 @@ void compareLines(const std::string& is, const std::string& should, RFindings& f
     findings.addShared(bad, ".inv", "line", disordered, "not in the order of cruises");
     const auto missing = std::count(found.begin(), found.end(), false);
     if (missing > 0) {
-        findings.add(bad, ".inv",
-                     common::format("%lld entries of cruises and types that the headers have are missing",
-                                    static_cast<long long>(missing)));
+        findings.add(
+            bad, ".inv",
+            common::format("lacks entries that the headers give: %lld", static_cast<long long>(missing)));
     }
 }
 

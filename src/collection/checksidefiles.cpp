@@ -40,6 +40,15 @@ bool isHeld(const std::string& lockFile)
     return held;
 }
 
+// By the content of a lock file, which names its holder.
+bool isOwn(const std::string& lockFile)
+{
+    constexpr std::int64_t largest = 4096;
+    const std::string holder = common::readFile(lockFile, largest).value_or(std::string());
+    return common::trimBlanks(holder).ends_with(
+        common::format(", process %ld", static_cast<long>(::getpid())));
+}
+
 // "<name>.<process>.<count>.tmp", a file that was being replaced, or "<name>.old...", one that was put aside.
 bool isLeftover(std::string_view file, const std::string& name)
 {
@@ -150,7 +159,8 @@ void checkMarks(const std::string& basePath, RFindings& findings)
                      held ? "a change is going on"
                           : "a change was cut off; the next opening for writing puts it right");
     }
-    if (held) findings.add(FINDING::remark, ".lck", "the collection is open for writing in a program");
+    if (held && !isOwn(basePath + ".lck"))
+        findings.add(FINDING::remark, ".lck", "the collection is open for writing in a program");
     checkLeftovers(basePath, findings);
 }
 

@@ -77,7 +77,7 @@ bool directoryExists(const std::string& path)
 
 bool isWritable(const std::string& path)
 {
-    return ::access(path.c_str(), W_OK) == 0;
+    return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
 }
 
 bool directoryIsWritable(const std::string& directory)

@@ -11,6 +11,7 @@
 #include <sys/file.h>
 
 #include "bigendian.h"
+#include "collection/collectionlock.h"
 #include "contents.h"
 
 namespace collection {
@@ -473,7 +474,7 @@ TEST_F(Check, MissingAndMisplacedEntriesAreTold)
 {
     const std::string good = sample.bytes(".inv");
     change(".inv", [](std::string& text) { text.resize(text.find("\nB\tB") + 1); });
-    EXPECT_EQ(texts(), Texts{"sample.inv: 1 entries of cruises and types that the headers have are missing"});
+    EXPECT_EQ(texts(), Texts{"sample.inv: lacks entries that the headers give: 1"});
     change(".inv", [&](std::string& text) {
         const std::size_t a = good.find("\nA\tB") + 1, b = good.find("\nB\tB") + 1;
         text = good.substr(0, a) + good.substr(b) + good.substr(a, b - a);
@@ -549,6 +550,23 @@ TEST_F(Check, AHeldLockAndWhatWasLeftBehindAreRemarks)
                               "-sample.var.123.1.tmp: left behind by a program that was broken off"}));
     const common::FilePtr target = common::openFile(sample.directory.file("TRG.hob"), "wb");
     EXPECT_TRUE(contains(texts(), "-TRG.hob: left behind by a program that was broken off"));
+}
+
+TEST_F(Check, TheLockOfThisProgramIsNotTold)
+{
+    RCollectionLock lock;
+    ASSERT_TRUE(lock.acquire(base));
+    EXPECT_EQ(texts(), Texts{});
+}
+
+TEST_F(Check, TheTargetOfARunningProgramIsNotLeftBehind)
+{
+    const common::FilePtr target = common::openFile(sample.directory.file("TRG.hob"), "wb");
+    const common::FilePtr other = common::openFile(sample.directory.file("TRG.txt"), "wb");
+    EXPECT_EQ(texts(), Texts{"-TRG.hob: left behind by a program that was broken off"});
+    RCollectionLock lock;
+    ASSERT_TRUE(lock.acquire(sample.directory.file("TRG")));
+    EXPECT_EQ(texts(), Texts{});
 }
 
 // --- bounds

@@ -9,6 +9,7 @@
 
 #include "collection/damage.h"
 #include "samplecollection.h"
+#include "unprivileged.h"
 
 namespace collection {
 namespace {
@@ -288,8 +289,12 @@ TEST_F(SideFiles, WritableNeedsTheDirectoryAndTheFiles)
     EXPECT_TRUE(filesAreWritable(collection.path, collection.directory, false));
     EXPECT_TRUE(filesAreWritable(collection.path + "new", collection.directory, true));
     EXPECT_FALSE(filesAreWritable(collection.path, "/nowhere/at/all/", true));
-    if (::geteuid() == 0) GTEST_SKIP() << "rights mean nothing to this user";
-    fs::permissions(collection.path + ".hob", fs::perms::owner_read);
+    fs::permissions(sample.directory.path(), fs::perms::all);
+    for (const char* const suffix : {".var", ".dob"})
+        fs::permissions(collection.path + suffix, fs::perms::all);
+    fs::permissions(collection.path + ".hob", fs::perms::owner_read | fs::perms::others_read);
+    const testing_support::RUnprivileged nobody;
+    ASSERT_TRUE(nobody.works());
     EXPECT_FALSE(filesAreWritable(collection.path, collection.directory, false));
     EXPECT_TRUE(filesAreWritable(collection.path, collection.directory, true));
 }
