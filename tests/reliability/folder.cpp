@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "collection/check.h"
+#include "collection/leftovers.h"
 #include "collection/sidefiles.h"
 #include "common/files.h"
 #include "common/text.h"
@@ -146,6 +147,7 @@ ROpenCollection::ROpenCollection(const std::string& folderPath, const std::strin
         user.about("Lock", name + " is open elsewhere: " + holder);
         return;
     }
+    collection::removeLeftovers(collection.path);
     const collection::RECOVERY recovery = collection::recoverCollection(collection.path);
     if (recovery.result == collection::RecoveryResult::failed) {
         user.about("Recovery", recovery.fault);

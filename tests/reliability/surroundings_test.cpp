@@ -37,7 +37,7 @@ std::vector<CASE> casesOnOpenFiles()
 {
     std::vector<CASE> cases;
     for (CASE& given : casesOfThisHost()) {
-        if (!given.operation.closesFirst) cases.push_back(std::move(given));
+        if (!given.operation.closesFirst && given.operation.first.empty()) cases.push_back(std::move(given));
     }
     return cases;
 }
@@ -167,7 +167,8 @@ TEST_P(Surroundings, WriteProtectedFolder)
         return mountReadOnly(scene.work()) ? std::to_string(scene.workThrough(scene.work())) : "mount";
     });
     if (!exit || *exit == "mount") GTEST_SKIP() << "mounting isn't permitted here";
-    EXPECT_TRUE(*exit == std::to_string(RScene::refused) || *exit == std::to_string(RScene::notOpened))
+    EXPECT_TRUE(*exit == std::to_string(RScene::refused) || *exit == std::to_string(RScene::notOpened) ||
+                GetParam().operation.changesNothing)
         << *exit << ": " << scene.told();
     EXPECT_NE(scene.told(), "");
     EXPECT_EQ(difference(before, bytesOf(scene.work())), "");
