@@ -165,8 +165,9 @@ bool RSession::copyOrMove(const FAMILYCOMMAND& command, const std::string& targe
         return false;
     }
     if (!isThere(from)) forgetRecentFile(from + ".var");
+    const bool opened = openKind(FileKind::collection, to + ".var") == OpenResult::ok;
     tellDone(from + ".var: " + std::string(command.done) + " to " + to + ".var");
-    return openKind(FileKind::collection, to + ".var") == OpenResult::ok;
+    return opened;
 }
 
 bool RSession::copyCollection(const std::string& target)

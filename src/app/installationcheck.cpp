@@ -289,16 +289,16 @@ InstallationResult checkInstallation(const ENVIRONMENT& environment, SETUPSETTIN
 {
     installation.home = withSlash(environment.home);
     FOUND found = findNamed(environment, setup, user);
+    const SETUPSETTINGS proposal = proposalFor(environment, setup, found);
     const bool noneNamed = environment.nvqmpTemp.empty() && setup.temp.empty();
     if (found.temp.empty() && (noneNamed || !ask)) found.temp = findSystemTemp(environment, user);
     if (found.root.empty() && !ask) found.root = findProposedRoot(environment, user);
-    const bool asked = ask && !found.complete();
-    if (asked) {
-        const SETUPSETTINGS proposal = proposalFor(environment, setup, found);
+    bool entered = false;
+    if (ask && !found.complete()) {
         const FOUND answer = askForBoth(environment, proposal, setup, user, ask);
-        if (answer.complete()) found = answer;
+        entered = answer.complete();
+        if (entered) found = answer;
     }
-    const bool entered = asked && found.complete();
     nameUser(environment, setup, entered, installation);
     if (!found.root.empty()) deriveDirectories(found.root, installation);
     installation.temp = found.temp.empty() ? systemTemp(environment) : found.temp;

@@ -14,7 +14,7 @@
 namespace collection {
 namespace {
 
-constexpr std::size_t heldWithoutJournal = 1 << 20; // bytes of appended stations that wait in memory
+constexpr std::size_t heldWithoutJournal = 1 << 18; // bytes of appended stations that wait in memory
 constexpr std::size_t heldWithJournal = 8 << 20; // with overwritten ones, which cost a flush of the journal
 constexpr std::size_t heldPieces = 4096;
 constexpr std::size_t savedAtOnce = 1 << 20; // bytes

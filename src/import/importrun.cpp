@@ -251,10 +251,11 @@ void RImportRun::undo()
 void RImportRun::commit()
 {
     if (collection_.commitChange()) return;
+    const bool undone = collection_.writable; // otherwise not even that was possible
     user_.about(runCaption,
-                format("Could not write %s.var, .hob and .dob!\n\nThe collection is as it was before the "
-                       "import.",
-                       collection_.path.c_str()));
+                format("Could not write %s.var, .hob and .dob!\n\n%s", collection_.path.c_str(),
+                       undone ? "The collection is as it was before the import."
+                              : "The import will be undone when the collection is opened again."));
     state.failed = true;
     state.stationsStored = 0;
 }

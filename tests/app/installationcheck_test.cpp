@@ -1,5 +1,6 @@
 #include "app/installationcheck.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -14,6 +15,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using app::InstallationResult;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing_support::RScriptedUser;
@@ -43,13 +45,39 @@ protected:
         environment.hostName = "box";
         environment.currentDirectory = folder.path();
     }
-    bool check() { return app::checkInstallation(environment, setup, installation, user); }
+    // Without anybody to ask.
+    bool check()
+    {
+        return app::checkInstallation(environment, setup, installation, user, {}) == InstallationResult::good;
+    }
+    // With a user who gives these answers, one after the other, and then cancels.
+    InstallationResult ask(std::vector<app::SETUPSETTINGS> answers)
+    {
+        const app::AskSetup asked =
+            [&](const app::SETUPSETTINGS& proposal) -> std::optional<app::SETUPSETTINGS> {
+            proposals.push_back(proposal);
+            if (proposals.size() > answers.size()) return std::nullopt;
+            return answers[proposals.size() - 1];
+        };
+        return app::checkInstallation(environment, setup, installation, user, asked);
+    }
+    std::string badRoot(const std::string& root)
+    {
+        return "Installation problem...: Bad Installation Directory!\n\nNVQ executable " + root +
+               "bin/nvqmp not found!";
+    }
+    std::string badTemp(const std::string& temp)
+    {
+        return "Installation problem...: Bad temp Directory!\n\nNVQ temp directory " + temp +
+               " not found or read-only!";
+    }
 
     const RTemporaryDirectory folder;
     app::ENVIRONMENT environment;
     app::SETUPSETTINGS setup;
     common::INSTALLATION installation;
     RScriptedUser user;
+    std::vector<app::SETUPSETTINGS> proposals; // that were shown
 };
 
 TEST_F(InstallationCheck, FirstStartTakesTheProgramsOwnDirectory)
@@ -150,6 +178,155 @@ TEST_F(InstallationCheck, NvqmpTempWinsOverTmpDir)
     environment.nvqmpTemp = folder.file("scratch");
     EXPECT_TRUE(check());
     EXPECT_EQ(installation.temp, folder.file("scratch/"));
+}
+
+TEST_F(InstallationCheck, AllOfTheTreeDerivesFromTheRoot)
+{
+    environment.programPath = folder.file("nvq/bin/nvqmp");
+    EXPECT_TRUE(check());
+    EXPECT_EQ(installation.help, folder.file("nvq/doc/"));
+    EXPECT_EQ(installation.guide, folder.file("nvq/doc/nvqGuide.htm"));
+    EXPECT_EQ(installation.atmhist, folder.file("nvq/atmhist/"));
+    EXPECT_EQ(installation.home, folder.file("home/"));
+}
+
+// --- with a user to ask
+
+TEST_F(InstallationCheck, FirstStartProposesTheProgramsOwnDirectory)
+{
+    environment.programPath = folder.file("nvq/bin/nvqmp");
+    EXPECT_EQ(ask({{folder.file("nvq"), folder.file("tmp"), "eva", "desk"}}), InstallationResult::entered);
+    ASSERT_EQ(proposals.size(), 1u);
+    EXPECT_EQ(proposals[0].home, folder.file("nvq/"));
+    EXPECT_EQ(proposals[0].user, "ann");
+    EXPECT_EQ(proposals[0].host, "box");
+    EXPECT_EQ(installation.root, folder.file("nvq/"));
+    EXPECT_EQ(installation.temp, folder.file("tmp/"));
+    EXPECT_EQ(installation.user, "eva");
+    EXPECT_EQ(installation.host, "desk");
+    EXPECT_EQ(setup.home, folder.file("nvq/"));
+    EXPECT_EQ(setup.temp, folder.file("tmp/"));
+    EXPECT_EQ(setup.user, "eva");
+    EXPECT_EQ(setup.host, "desk");
+    EXPECT_THAT(user.messages, IsEmpty());
+}
+
+TEST_F(InstallationCheck, ProgramOutsideOfAnInstallationIsProposedAllTheSame)
+{
+    environment.programPath = folder.file("elsewhere/bin/nvqmp");
+    EXPECT_EQ(ask({}), InstallationResult::bad);
+    ASSERT_EQ(proposals.size(), 1u);
+    EXPECT_EQ(proposals[0].home, folder.file("elsewhere/"));
+}
+
+TEST_F(InstallationCheck, GoodSettingsAreNotAskedAbout)
+{
+    setup.home = folder.file("nvq");
+    EXPECT_EQ(ask({}), InstallationResult::good);
+    EXPECT_THAT(proposals, IsEmpty());
+    EXPECT_EQ(installation.temp, folder.file("tmp/"));
+}
+
+TEST_F(InstallationCheck, GoodEnvironmentIsNotAskedAbout)
+{
+    environment.nvqmpHome = folder.file("nvq");
+    EXPECT_EQ(ask({}), InstallationResult::good);
+    EXPECT_THAT(proposals, IsEmpty());
+    EXPECT_EQ(setup.home, "_unknown_");
+}
+
+TEST_F(InstallationCheck, BadSettingsAreToldAndAskedAbout)
+{
+    environment.programPath = folder.file("nvq/bin/nvqmp");
+    setup.home = folder.file("gone");
+    setup.temp = folder.file("missing");
+    setup.user = "bob";
+    EXPECT_EQ(ask({{folder.file("nvq"), "", "bob", "box"}}), InstallationResult::entered);
+    EXPECT_THAT(user.messages, ElementsAre(badRoot(folder.file("gone/")), badTemp(folder.file("missing"))));
+    EXPECT_EQ(proposals[0].home, folder.file("nvq/"));
+    EXPECT_EQ(proposals[0].temp, "");
+    EXPECT_EQ(proposals[0].user, "bob");
+}
+
+TEST_F(InstallationCheck, BadTempDirectoryOfTheSettingsAloneIsAskedAbout)
+{
+    setup.home = folder.file("nvq");
+    setup.temp = folder.file("missing");
+    EXPECT_EQ(ask({{folder.file("nvq"), folder.file("tmp"), "a", "b"}}), InstallationResult::entered);
+    EXPECT_EQ(proposals[0].home, folder.file("nvq/"));
+    EXPECT_THAT(user.messages, ElementsAre(badTemp(folder.file("missing"))));
+}
+
+TEST_F(InstallationCheck, WhatIsEnteredIsTestedAndAskedAgain)
+{
+    environment.programPath = folder.file("nvq/bin/nvqmp");
+    write(folder.file("file"));
+    EXPECT_EQ(ask({{folder.file("gone"), folder.file("file"), "eva", "desk"},
+                   {"", folder.file("tmp"), "eva", "desk"},
+                   {folder.file("nvq"), folder.file("tmp"), "eva", "desk"}}),
+              InstallationResult::entered);
+    ASSERT_EQ(proposals.size(), 3u);
+    EXPECT_EQ(proposals[1].home, folder.file("gone")); // as it was entered
+    EXPECT_EQ(proposals[1].temp, folder.file("file"));
+    EXPECT_EQ(proposals[2].user, "eva");
+    EXPECT_THAT(user.messages,
+                ElementsAre(badRoot(folder.file("gone/")), badTemp(folder.file("file")), badRoot("")));
+}
+
+TEST_F(InstallationCheck, CancelIsABadInstallation)
+{
+    environment.programPath = folder.file("nvq/bin/nvqmp");
+    EXPECT_EQ(ask({}), InstallationResult::bad);
+    EXPECT_EQ(installation.root, "");
+    EXPECT_EQ(setup.home, "_unknown_");
+    EXPECT_FALSE(installation.temp.empty());
+}
+
+TEST_F(InstallationCheck, EmptyTempFieldIsTheSystemsDirectoryAtEachStart)
+{
+    environment.programPath = folder.file("nvq/bin/nvqmp");
+    EXPECT_EQ(ask({{folder.file("nvq"), "", "", ""}}), InstallationResult::entered);
+    EXPECT_EQ(installation.temp, folder.file("tmp/"));
+    EXPECT_EQ(installation.user, "ann"); // the system's, where nothing was entered
+    EXPECT_EQ(installation.host, "box");
+    EXPECT_EQ(setup.temp, "");
+    fs::create_directories(folder.file("tmp2"));
+    environment.tmpDir = folder.file("tmp2");
+    EXPECT_EQ(ask({}), InstallationResult::good);
+    EXPECT_EQ(installation.temp, folder.file("tmp2/"));
+}
+
+TEST_F(InstallationCheck, BadSystemTempDirectoryIsTold)
+{
+    environment.programPath = folder.file("nvq/bin/nvqmp");
+    environment.tmpDir = folder.file("missing");
+    EXPECT_EQ(ask({{folder.file("nvq"), "", "", ""}}), InstallationResult::bad);
+    EXPECT_THAT(user.messages, testing::Contains(badTemp(folder.file("missing/"))));
+}
+
+TEST_F(InstallationCheck, EnteredNamesWinOverTheEnvironmentOnce)
+{
+    environment.nvqmpUser = "eve";
+    environment.nvqmpHost = "node";
+    environment.programPath = folder.file("nvq/bin/nvqmp");
+    EXPECT_EQ(ask({{folder.file("nvq"), "", "typed", "desk"}}), InstallationResult::entered);
+    EXPECT_EQ(proposals[0].user, "eve");
+    EXPECT_EQ(installation.user, "typed");
+    EXPECT_EQ(installation.host, "desk");
+}
+
+TEST(ProcessEnvironment, TmpdirThenTempNameTheSystemsDirectory)
+{
+    const char* const old = std::getenv("TMPDIR");
+    const std::string kept = old ? old : "";
+    ::setenv("TEMP", "/from/temp", 1);
+    ::setenv("TMPDIR", "/from/tmpdir", 1);
+    EXPECT_EQ(app::systemTemp(app::processEnvironment("", "")), "/from/tmpdir/");
+    ::unsetenv("TMPDIR");
+    EXPECT_EQ(app::systemTemp(app::processEnvironment("", "")), "/from/temp/");
+    ::unsetenv("TEMP");
+    EXPECT_EQ(app::systemTemp(app::processEnvironment("", "")), "/tmp/");
+    if (old) ::setenv("TMPDIR", kept.c_str(), 1);
 }
 
 class UserTree : public InstallationCheck {

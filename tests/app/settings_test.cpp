@@ -1,5 +1,7 @@
 #include "app/settings.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include <QString>
@@ -110,6 +112,7 @@ TEST(SettingsFile, WhatIsWrittenReadsBack)
     settings.width = 900;
     settings.showMaximized = true;
     settings.fontScaleFac = 1.25f;
+    settings.fontSizesKnown = true;
     settings.fontName = "Liberation Sans";
     settings.recentFiles[0] = "/data/a b.var";
     RSettingsFile out;
@@ -158,6 +161,68 @@ TEST(Settings, SmallGazetteerMarkerReadsAsDefault)
 {
     EXPECT_FLOAT_EQ(settingsFrom("[Settings]\nGazetteerMarkerSize = 0.05\n").gazetteerMarkerSize, 0.8f);
     EXPECT_FLOAT_EQ(settingsFrom("[Settings]\nGazetteerMarkerSize = 0.1\n").gazetteerMarkerSize, 0.1f);
+}
+
+TEST(SettingsFile, GroupsAreWrittenInTheirOrder)
+{
+    RSettingsFile file;
+    file.parse("[Font]\nfontName = Times\n[Mine]\nx = 1\n[Geometry]\nLeft = 3\n");
+    SETTINGS settings;
+    app::readSettings(file, settings);
+    app::storeSetup({"/opt/nvq/", "", "ann", "box"}, file);
+    app::storeSettings(settings, file);
+    const std::string text = file.text();
+    std::vector<std::size_t> places;
+    for (const char* const group : {"[Setup]\nNVQMPHOME = /opt/nvq/\nNVQMPTEMP = \nNVQMPUSER = ann\n"
+                                    "NVQMPHOST = box\n",
+                                    "[Geometry]\nLeft = 3\n", "[Settings]\n", "[Font]\nfontName = Times\n",
+                                    "[Recent Files]\n", "[Mine]\nx = 1\n"})
+        places.push_back(text.find(group));
+    EXPECT_TRUE(std::is_sorted(places.begin(), places.end()));
+    EXPECT_NE(places.back(), std::string::npos);
+}
+
+TEST(Settings, EmptySetupValuesReadBackAsEmpty)
+{
+    const SETTINGS settings = settingsFrom("[Setup]\nNVQMPHOME = /opt/nvq/\nNVQMPTEMP = \n");
+    EXPECT_EQ(settings.setup.home, "/opt/nvq/");
+    EXPECT_EQ(settings.setup.temp, "");
+}
+
+TEST(Settings, FontScaleFollowsTheScreenButNotBelowItsLimit)
+{
+    EXPECT_FLOAT_EQ(app::defaultFontScale(2160, 17), 2160 * 0.013f / 17);
+    EXPECT_FLOAT_EQ(app::defaultFontScale(1080, 17), 0.85f);
+    EXPECT_FLOAT_EQ(app::defaultFontScale(1080, 0), 0.85f);
+}
+
+TEST(Settings, TextPointsAreEightTimesTheScaleTruncated)
+{
+    EXPECT_EQ(app::defaultTextPoints(1.65f), 13);
+    EXPECT_EQ(app::defaultTextPoints(1.0f), 8);
+    EXPECT_EQ(app::defaultTextPoints(0.85f), 8);
+}
+
+TEST(Settings, SizesThatNoScreenGaveAreNotKept)
+{
+    RSettingsFile file;
+    app::storeSettings(SETTINGS(), file);
+    EXPECT_EQ(file.text().find("fontScaleFac"), std::string::npos);
+    EXPECT_EQ(file.text().find("txtFontPtSize"), std::string::npos);
+    SETTINGS settings = settingsFrom("[Font]\nfontScaleFac = 1.5\n");
+    EXPECT_TRUE(settings.fontSizesKnown);
+    app::storeSettings(settings, file);
+    EXPECT_NE(file.text().find("fontScaleFac = 1.5\n"), std::string::npos);
+    EXPECT_NE(file.text().find("txtFontPtSize = 8\n"), std::string::npos);
+}
+
+TEST(Settings, FontIsChosenAmongTheInstalledOnes)
+{
+    const std::vector<std::string> installed = {"DejaVu Sans", "Liberation Sans"};
+    EXPECT_EQ(app::installedFamily("liberation sans", "DejaVu Sans", installed), "Liberation Sans");
+    EXPECT_EQ(app::installedFamily("Arial", "Liberation Sans", installed), "Liberation Sans");
+    EXPECT_EQ(app::installedFamily("Arial", "Helvetica", installed), "DejaVu Sans");
+    EXPECT_EQ(app::installedFamily("Arial", "Helvetica", {}), "Arial");
 }
 
 TEST(Settings, ImpossibleNumbersLeaveTheDefaults)

@@ -16,56 +16,20 @@
 #include <gtest/gtest.h>
 
 #include "app/position.h"
-#include "castfile.h"
 #include "common/files.h"
-#include "temporarydirectory.h"
+#include "windowfixture.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using app::RAppWindow;
-using testing_support::castText;
 using testing_support::writeText;
+using Window = testing_support::WindowFixture;
 
 QString text(const char* utf8)
 {
     return QString::fromUtf8(utf8);
 }
-
-// The window as on a screen: it draws on its canvas. Tests of boxes stay out of here, nobody could answer.
-class Window : public testing::Test {
-protected:
-    Window()
-    {
-        fs::create_directories(folder.file("home"));
-        ::setenv("HOME", folder.file("home").c_str(), 1);
-        ::setenv("NVQMPTEMP", folder.path().c_str(), 1);
-        writeText(folder.file("cast.txt"), castText(3, 5));
-        window = std::make_unique<RAppWindow>(NVQ_BUILD_DIR "/bin/nvqmp", true);
-        window->restoreGeometryOfSettings();
-        window->buildMenus();
-        EXPECT_TRUE(window->checkInstallation());
-        window->paintIdleScreen();
-    }
-    ~Window() override
-    {
-        window.reset();
-        ::unsetenv("NVQMPTEMP");
-        fs::current_path("/");
-    }
-    // By a command file, so that the report of the import needs no answer.
-    void openCast() { runLines("open_collection " + folder.file("cast.txt") + "\n"); }
-    void runLines(const std::string& lines)
-    {
-        writeText(folder.file("run.cmd"), lines);
-        ASSERT_TRUE(window->runCommandFile(folder.file("run.cmd")));
-    }
-    std::string status() { return window->statusLabel().text().toStdString(); }
-    QImage picture() { return window->canvas().picture().toImage(); }
-
-    const testing_support::RTemporaryDirectory folder;
-    std::unique_ptr<RAppWindow> window;
-};
 
 TEST_F(Window, StartsIdle)
 {
