@@ -1,12 +1,14 @@
 // Sorting and condensing: the order, what is kept, what ends it early, and that the source survives that.
 
 #include <cstring>
+#include <malloc.h>
 
 #include <gtest/gtest.h>
 
 #include "collection/sidefiles.h"
 #include "contents.h"
 #include "filesizelimit.h"
+#include "memorylimit.h"
 
 namespace {
 
@@ -312,6 +314,37 @@ TEST(SortCondense, RefusesWhenTheDiskHasNoRoom)
         Labels{"Sorting and condensing collection ...: Not enough disk space available (required:   0.00 "
                "MB)!\n\nNo sorting and condensing is performed."});
     EXPECT_EQ(snapshotOf(sample.directory.path()), before);
+}
+
+TEST(SortCondense, WithoutMemoryForTheOrderNothingIsDone)
+{
+    if (!memoryCanBeLimited) GTEST_SKIP() << "the sanitizer needs all memory";
+    constexpr int stations = 400000; // their order takes 6 MB
+    RSampleCollection sample(1);
+    ASSERT_EQ(sample.put({{1}}), WriteResult::ok);
+    const std::string record = sample.bytes(".hob").substr(6);
+    sample.collection.stationCount = stations;
+    ASSERT_TRUE(sample.collection.writeVarFile(sample.collection.path));
+    sample.collection.closeStationFiles();
+    {
+        const common::FilePtr hob = common::openFile(sample.collection.path + ".hob", "ab");
+        for (int n = 2; n <= stations; ++n)
+            ASSERT_EQ(std::fwrite(record.data(), record.size(), 1, hob.get()), 1U);
+    }
+    ASSERT_EQ(sample.collection.openStationFiles(sample.collection.path, sample.user),
+              collection::OpenFilesResult::ok);
+    ASSERT_EQ(sample.collection.readInventory(true, sample.user), 1);
+    const Labels before = filesIn(sample.directory.path());
+    ::malloc_trim(0);
+    {
+        const RMemoryLimit limit(2 << 20);
+        EXPECT_FALSE(sample.collection.sortAndCondense(sample.station, sample.user));
+    }
+    EXPECT_EQ(sample.user.messages,
+              Labels{"Sorting and condensing collection ...: Sort/Condense will be aborted "
+                     "due to allocation problems."});
+    EXPECT_EQ(filesIn(sample.directory.path()), before);
+    EXPECT_EQ(sample.collection.stationCount, stations);
 }
 
 TEST(SortCondense, FilesUnderTheTargetsNameAreSomebodyElses)
