@@ -48,6 +48,16 @@ std::string summary(const std::string& basePath, const collection::CHECKRESULT& 
                           static_cast<double>(result.dataBytes) * megabytesAByte, result.percentFull);
 }
 
+// What stood in the way of an operation on the files; empty if there is no more to say than that.
+std::string reasonOf(collection::FilesResult result, const std::string& to)
+{
+    if (result == collection::FilesResult::description) return to + ".var could not be written.";
+    if (result == collection::FilesResult::badName)
+        return to + ".var could not be made: the directory is write-protected or full, or something else has "
+                    "one of its names.";
+    return {};
+}
+
 // New numbers of the old variables, 0 for those that are gone; index 0 is no variable.
 std::vector<int> newNumbersOf(std::span<const collection::VARINFO> newVariables, int oldCount)
 {
@@ -109,38 +119,29 @@ bool RSession::mayTakePlace(const FAMILYCOMMAND& command, const std::string& bas
                           common::Answer::no) == common::Answer::yes;
 }
 
-// With both collections closed and marked as ours.
+// With both collections closed. Returns whether the operation is done; it speaks if not.
 bool RSession::runFamilyCommand(const FAMILYCOMMAND& command, const std::string& from, const std::string& to)
 {
-    const std::string failure = "Could not " + std::string(command.verb) + " collection!\n\n";
+    using collection::FilesResult;
     collection::RCollectionLock targetLock;
-    if (!lock_.acquire(from) || !targetLock.acquire(to)) {
-        user_.about(command.title, failure + std::string(elsewhere));
-        return false;
+    FilesResult result = FilesResult::stationFiles;
+    std::string reason;
+    if (lock_.acquire(from) && targetLock.acquire(to)) {
+        // What a change of the target has left would be applied to its new files.
+        const collection::RECOVERY recovery = collection::recoverCollection(to);
+        if (recovery.result == collection::RecoveryResult::failed) {
+            reason = "A change of " + to + ".var was cut off, and its journal " +
+                     collection::journalPath(to) + " can't be used: " + recovery.fault;
+        } else {
+            result = command.run(from, to);
+            reason = reasonOf(result, to);
+        }
     }
-    const collection::RECOVERY recovery = collection::recoverCollection(to);
-    if (recovery.result == collection::RecoveryResult::failed) {
-        user_.about(command.title, failure + "A change of " + to + ".var was cut off, and its journal " +
-                                       collection::journalPath(to) + " can't be used: " + recovery.fault);
-        return false;
-    }
-    switch (command.run(from, to)) {
-    case collection::FilesResult::ok:
-        return true;
-    case collection::FilesResult::otherFiles:
+    if (result == FilesResult::otherFiles)
         user_.note(from + ".var: some of its side files could not be removed");
-        return true;
-    case collection::FilesResult::badName:
-        user_.about(command.title, failure + to + ".var is no place for a collection.");
-        return false;
-    case collection::FilesResult::description:
-        user_.about(command.title, failure + to + ".var could not be written.");
-        return false;
-    case collection::FilesResult::sameCollection:
-    case collection::FilesResult::stationFiles:
-        break;
-    }
-    user_.about(command.title, failure + std::string(elsewhere));
+    if (result == FilesResult::ok || result == FilesResult::otherFiles) return true;
+    user_.about(command.title, "Could not " + std::string(command.verb) + " collection!\n\n" +
+                                   std::string(elsewhere) + (reason.empty() ? "" : "\n\n" + reason));
     return false;
 }
 
@@ -283,7 +284,8 @@ bool RSession::deleteSelected()
 
 bool RSession::deleteEmpty()
 {
-    return deleteStations([this] { return collection.deleteEmptyStations(user_); });
+    bool noneFound = false; // that is no failure
+    return deleteStations([&] { return collection.deleteEmptyStations(user_, &noneFound); }) || noneFound;
 }
 
 bool RSession::deleteStation(int number)

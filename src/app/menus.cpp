@@ -154,7 +154,11 @@ void RAppWindow::processMenuItem(int commandId)
 bool RAppWindow::dispatch(int commandId)
 {
     for (const COLLECTIONCOMMAND& command : collectionCommands) {
-        if (command.id == commandId) return command.run(session_);
+        if (command.id == commandId) {
+            const bool done = command.run(session_);
+            if (done && commandId == cmdNew && onScreen_) bringMapIntoView();
+            return done;
+        }
     }
     if (commandId == cmdOpen) openByDialog();
     if (commandId == cmdClose) session_.close(false);

@@ -109,13 +109,16 @@ int RCollection::deleteSelectedStations(common::RUser& user)
     return dropStations(marks, common::format("DELETE %d Stations", count), user);
 }
 
-int RCollection::deleteEmptyStations(common::RUser& user)
+int RCollection::deleteEmptyStations(common::RUser& user, bool* noneFound)
 {
+    if (noneFound) *noneFound = false;
     if (kind != 1) return 0;
     const MARKS marks = marksOfEmpty(user);
+    if (marks.empty()) return 0;
     const int count = countOf(marks);
     if (count == 0) {
         user.about(confirmTitle, "No empty station found.");
+        if (noneFound) *noneFound = true;
         return 0;
     }
     if (!isConfirmed(common::format("Really want to delete %d empty stations?", count), user)) return 0;
@@ -139,7 +142,7 @@ int RCollection::deleteStation(int number, common::RUser& user)
         user);
 }
 
-// A damaged header says nothing about its station, which stays.
+// A damaged header says nothing about its station, which stays. Empty if the headers can't be read.
 std::vector<std::uint8_t> RCollection::marksOfEmpty(common::RUser& user)
 {
     MARKS marks = noMarks(stationCount);
@@ -152,7 +155,7 @@ std::vector<std::uint8_t> RCollection::marksOfEmpty(common::RUser& user)
         [](int) {});
     if (read) return marks;
     user.note(path + ".hob: can't be read to its end");
-    return noMarks(stationCount);
+    return {};
 }
 
 // Returns how many stations went; 0 after a message, or if the user broke it off.

@@ -187,7 +187,8 @@ public:
     // Each returns the number of stations removed, and rebuilds the inventory. After all of these the list of
     // selected stations is to be made anew: station numbers have changed.
     [[nodiscard]] int deleteSelectedStations(common::RUser& user);
-    [[nodiscard]] int deleteEmptyStations(common::RUser& user);
+    // noneFound: there was nothing to remove.
+    [[nodiscard]] int deleteEmptyStations(common::RUser& user, bool* noneFound = nullptr);
     [[nodiscard]] int deleteStation(int number, common::RUser& user);
 
     // A scan over the header table in large blocks: calls visit(number, header, counts) for stations first to

@@ -109,10 +109,18 @@ bool readLastFiles(const std::string& basePath, const std::string& directory, LA
 
 bool writeLastFiles(const std::string& basePath, const std::string& directory, const LASTFILES& files)
 {
-    std::string text = lineOfName(files.configName.empty() ? basePath : files.configName, directory, ".cfg");
+    const std::string present = common::readFile(basePath + ".cfl", largestSideFile).value_or(std::string());
+    std::string_view rest = present;
+    std::string text;
     for (const std::string* const name :
-         {&files.graphics, &files.others[0], &files.others[1], &files.others[2]}) {
-        text += lineOfName(*name, directory, ".");
+         {&files.configName, &files.graphics, &files.others[0], &files.others[1], &files.others[2]}) {
+        const bool isFirst = name == &files.configName;
+        const std::string_view line = common::takeLine(rest);
+        if (!line.empty() && (name->empty() || *name == nameOfLine(line, directory))) {
+            text.append(line) += '\n';
+        } else {
+            text += lineOfName(isFirst && name->empty() ? basePath : *name, directory, isFirst ? ".cfg" : ".");
+        }
     }
     return common::writeFile(basePath + ".cfl", text);
 }
@@ -146,7 +154,8 @@ bool isMadeByImportsOnly(const std::string& basePath)
         if (common::trimBlanks(line).empty()) continue;
         if (line.starts_with("ERROR: IMPORT")) continue; // one that stored nothing
         const std::string_view message = messageOf(line);
-        if (message.starts_with("UNDONE IMPORT") || message.starts_with("COMPLETED IMPORT")) continue;
+        if (message.starts_with("UNDONE ")) continue; // it left nothing behind
+        if (message.starts_with("COMPLETED IMPORT") || message.starts_with("COMPLETED CREATE")) continue;
         if (message != "CREATE" && !message.starts_with("IMPORT")) return false;
         ++lines;
     }

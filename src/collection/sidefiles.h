@@ -31,6 +31,7 @@ struct LASTFILES {
 // Names whose lines are missing or too long keep their value, and so does configName if its line is empty.
 // False if the file can't be read.
 [[nodiscard]] bool readLastFiles(const std::string& basePath, const std::string& directory, LASTFILES& files);
+// A line of the present file whose name is empty here, or the same, stays as it is.
 [[nodiscard]] bool writeLastFiles(const std::string& basePath, const std::string& directory,
                                   const LASTFILES& files);
 
@@ -47,8 +48,8 @@ inline constexpr auto collectionSuffixes =
 // Removes the files of a closed collection. False, with nothing removed, if the `.hob` file can't go.
 [[nodiscard]] bool removeCollectionFiles(const std::string& basePath, bool withLog, bool withConfiguration);
 
-// True if the log tells of nothing but creations and imports, and of imports that were cut off and put right,
-// so that running these again gives the same collection; false too if there is no log.
+// True if the log tells of nothing but creations and imports, completed ones included, and of changes that
+// were undone, so that running these again gives the same collection; false too if there is no log.
 [[nodiscard]] bool isMadeByImportsOnly(const std::string& basePath);
 
 } // namespace collection

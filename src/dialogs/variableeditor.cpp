@@ -134,11 +134,13 @@ void variableeditorDlg::buildTable()
     table_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::AnyKeyPressed);
     table_->setTabKeyNavigation(false); // so that the buttons are reached
     table_->setAlternatingRowColors(true);
+    table_->setWordWrap(false);
     table_->setItemDelegateForColumn(sourceColumn, new RSourceDelegate(old_, table_));
     QHeaderView* const header = table_->horizontalHeader();
     header->setHighlightSections(false);
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
     header->setSectionResizeMode(labelColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(sourceColumn, QHeaderView::Stretch);
     connect(table_, &QTableWidget::cellChanged, this, &variableeditorDlg::takeCell);
     connect(table_, &QTableWidget::currentCellChanged, this, [this] { showHints(); });
     connect(table_, &QTableWidget::cellDoubleClicked, this, [this](int, int column) {
@@ -191,7 +193,10 @@ void variableeditorDlg::layOut(QWidget* buttonColumn, QWidget* buttons)
     column->addWidget(hint);
     column->addWidget(buttons);
     const QFontMetrics letters = fontMetrics();
-    resize(letters.averageCharWidth() * (oldCount() > 0 ? 110 : 80), letters.height() * 30);
+    const bool twoLists = oldCount() > 0;
+    warning_->setMinimumHeight(letters.lineSpacing() * (twoLists ? 2 : 1)); // so that nothing jumps
+    warning_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    resize(letters.averageCharWidth() * (twoLists ? 120 : 85), letters.height() * 30);
 }
 
 void variableeditorDlg::makeKeys()

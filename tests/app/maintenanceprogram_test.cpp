@@ -241,7 +241,7 @@ TEST_F(MaintenanceProgram, StationsCanBeThinned)
     EXPECT_THAT(r.error, HasSubstr("No empty station found.\n"));
     EXPECT_THAT(r.error, HasSubstr("Really want to delete 4 stations?\n"));
     EXPECT_THAT(r.error, HasSubstr(file("cast.var") + ": 4 stations deleted\n"));
-    EXPECT_THAT(r.error, EndsWith(at(4) + "delete_selected: no stations are selected\n"));
+    EXPECT_THAT(r.error, EndsWith(at(5) + "delete_selected: no stations are selected\n"));
     EXPECT_THAT(read("cast.inv"), HasSubstr("1 cruises 1 stations"));
     expectSound("cast");
 }

@@ -16,6 +16,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing_support::castText;
+using testing_support::RAbsentUser;
+using testing_support::RViewRecorder;
 using testing_support::writeText;
 
 using Session = testing_support::Session;
@@ -165,10 +167,19 @@ TEST_F(Session, TwoOpensHaveTwoTemporaryNames)
 
 TEST_F(Session, TemporaryFilesOfOthersAreLeftAlone)
 {
-    writeText(file("tmp/NVQ_77.val"), "theirs");
+    RViewRecorder otherView;
+    RAbsentUser otherUser;
+    app::RSession other(otherUser, otherView);
+    other.installation = session.installation;
+    other.runMode = app::commandFileRun;
+    writeText(file("other.txt"), castText(2, 3));
+    ASSERT_EQ(other.open(file("other.txt")), OpenResult::ok);
     openCast();
     session.close(true);
-    EXPECT_EQ(read("tmp/NVQ_77.val"), "theirs");
+    EXPECT_EQ(other.collection.selectedStationCount, 2);
+    EXPECT_TRUE(common::fileExists(file("tmp/") + other.collection.tempId + ".val"));
+    other.close(true);
+    EXPECT_EQ(filesIn("tmp"), 0);
 }
 
 TEST_F(Session, TemporaryFilesThatCannotBeMadeAreTold)

@@ -10,6 +10,7 @@
 #include "collection/variablesets.h"
 #include "common/files.h"
 #include "dialogs/creation.h"
+#include "dialogs/resolution.h"
 #include "dialogs/variableeditor.h"
 #include "nextdialog.h"
 #include "windowfixture.h"
@@ -63,6 +64,7 @@ protected:
     std::string log() { return common::readFile(open().path + ".log").value_or(""); }
 
     std::string caption, filters, proposal, newName;
+    BOX box;
 };
 
 // --- a new collection
@@ -158,7 +160,6 @@ TEST_F(WindowCommands, NewFromATemplateAsksForIt)
 TEST_F(WindowCommands, BadTemplateIsToldAndNothingMade)
 {
     writeText(folder.file("bad.var"), "nonsense");
-    BOX box;
     chooseFile("own");
     chooseSet(collection::setTemplate, [&] {
         withNext<QFileDialog>([&](QFileDialog& dialog) {
@@ -180,7 +181,6 @@ TEST_F(WindowCommands, CollectionThatIsThereIsAskedAboutOnce)
 {
     makeNorth();
     window->processMenuItem(app::cmdClose);
-    BOX box;
     chooseFile("north");
     chooseSet(collection::setWhpCtd, [&] { answerNext("&No", &box); });
     window->processMenuItem(app::cmdNew);
@@ -261,7 +261,6 @@ TEST_F(WindowCommands, MoveTakesTheCollectionAlong)
 TEST_F(WindowCommands, DeleteAsksFirst)
 {
     openCast();
-    BOX box;
     answerNext("&Cancel", &box);
     window->processMenuItem(app::cmdDelete);
     EXPECT_EQ(box.title, "Confirm Deletion ...");
@@ -290,7 +289,6 @@ TEST_F(WindowCommands, SortAndCondenseTellsWhatItDid)
 TEST_F(WindowCommands, VariablesAreEditedAndChanged)
 {
     openCast();
-    BOX box;
     withNext<variableeditorDlg>([&](variableeditorDlg& dialog) {
         EXPECT_EQ(dialog.windowTitle().toStdString(), "Variables of cast ...");
         auto* const table = dialog.findChild<QTableWidget*>();
@@ -325,7 +323,6 @@ TEST_F(WindowCommands, CancelledEditorChangesNothing)
 TEST_F(WindowCommands, DeletionsOfStationsAskFirst)
 {
     openCast();
-    BOX box;
     answerNext("&OK", &box);
     window->processMenuItem(app::cmdDeleteEmpty);
     EXPECT_EQ(box.text, "No empty station found.");
@@ -345,7 +342,6 @@ TEST_F(WindowCommands, CurrentStationIsDeletedIfThereIsOne)
     window->processMenuItem(app::cmdDeleteCurrent);
     EXPECT_EQ(open().stationCount, 3);
     open().currentStation = 2;
-    BOX box;
     answerNext("&Yes", &box);
     window->processMenuItem(app::cmdDeleteCurrent);
     EXPECT_EQ(box.text, "Really want to delete current station?");
@@ -388,12 +384,16 @@ TEST_F(WindowCommands, PictureIsSavedUnderTheExtensionOfItsKind)
 {
     openCast();
     withNext<QFileDialog>([this](QFileDialog& dialog) {
-        dialog.selectNameFilter(QStringLiteral("PostScript (*.eps)"));
-        answerNext("&OK");
+        dialog.selectNameFilter(QStringLiteral("JPEG (*.jpg)"));
+        withNext<dialogs::resolutionDlg>([this](dialogs::resolutionDlg& resolution) {
+            answerNext("&OK", &box);
+            resolution.processOK();
+        });
         enterFile(dialog, QString::fromStdString(folder.file("plot")));
     });
     window->processMenuItem(app::cmdSaveScreen);
-    EXPECT_TRUE(exists("plot.eps"));
+    EXPECT_EQ(box.text, "Plot written to: " + folder.file("plot.jpg"));
+    EXPECT_TRUE(exists("plot.jpg"));
 }
 
 } // namespace

@@ -132,10 +132,11 @@ TEST_F(SideFiles, OnlyCreationsAndImportsCanBeRunAgain)
     EXPECT_TRUE(isMadeByImportsOnly(collection.path));
     collection.addLogLine("UNDONE IMPORT");
     collection.addLogLine("COMPLETED IMPORT");
+    collection.addLogLine("UNDONE SORTCONDENSE"); // which left nothing behind
     EXPECT_TRUE(isMadeByImportsOnly(collection.path));
     const std::string log = sample.bytes(".log");
     for (const char* const other :
-         {"UNDONE SORTCONDENSE", "COMPLETED DELETE 3 Stations", "EDITHEADER <a b c>"}) {
+         {"COMPLETED SORTCONDENSE", "COMPLETED DELETE 3 Stations", "EDITHEADER <a b c>"}) {
         collection.addLogLine(other);
         EXPECT_FALSE(isMadeByImportsOnly(collection.path)) << other;
         sample.setBytes(".log", log);
