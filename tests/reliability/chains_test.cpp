@@ -93,6 +93,7 @@ TEST_P(Chains, OfOperationsThatAreCutOffKeepTheCollectionWhole)
             ASSERT_TRUE(common::writeFile(work + "casts.txt", input->second));
         }
         const Contents after = undisturbed(operation);
+        if (!faults.empty()) history += operation.name + ", undisturbed\n";
         const std::string what = disturb(operation);
         if (what.empty()) GTEST_SKIP() << "processes can't be traced here";
         history += common::format("%d: ", step) + what + "\n";

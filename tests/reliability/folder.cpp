@@ -173,7 +173,8 @@ void ROpenCollection::select(std::string_view cruise)
 {
     collection.criteria = collection::defaultCriteria();
     common::copyText(collection.criteria.cruisePattern, cruise);
-    ASSERT_GT(selection::buildSelectedList(collection, {}, "Selecting", user), 0);
+    if (selection::buildSelectedList(collection, {}, "Selecting", user) == 0)
+        user.about("Selecting", "No station is selected.");
 }
 
 std::string ROpenCollection::told() const

@@ -149,7 +149,7 @@ std::string RScene::faultOf(const EXAMINATION& examination, Expected expected) c
     const Contents& found = examination.contents;
     const bool isOld = found == old_, isNew = found == new_;
     const bool good = expected == Expected::before  ? isOld || isBetween(found)
-                      : expected == Expected::after ? isNew
+                      : expected == Expected::after ? isNew || (case_.operation.halfway && isBetween(found))
                                                     : isOld || isNew || isBetween(found);
     if (good) return fault;
     fault += isOld   ? "the old state, though it was done\n"

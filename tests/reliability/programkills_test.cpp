@@ -248,7 +248,10 @@ protected:
     {
         measure(work);
         if (HasFatalFailure()) return;
-        std::uniform_real_distribution<double> part(0.0, 1.05);
+        const Seconds first = span;
+        measure(work);
+        span = std::max(span, first);
+        std::uniform_real_distribution<double> part(0.0, 1.2);
         std::map<std::string, int> fell, states;
         RFaults faults;
         const int kills = work.kills * rounds();

@@ -19,7 +19,14 @@ bool store(ROpenCollection& open, int number, int levels, float seed)
     testing_support::fillStation(open.station, testing_support::profile(levels, 4, seed));
     testing_support::label(open.station, "A", "77");
     testing_support::place(open.station, 30, -20);
-    return open.collection.writeStation(number, open.station, false) == collection::WriteResult::ok;
+    if (number >= 1 && number <= open.collection.stationCount)
+        return open.collection.writeStation(number, open.station, false) == collection::WriteResult::ok;
+    // The description has to tell of a new one.
+    if (!open.collection.beginChange("STORE")) return false;
+    if (open.collection.writeStation(0, open.station, false) == collection::WriteResult::ok)
+        return open.collection.commitChange();
+    open.collection.rollBackChange();
+    return false;
 }
 
 // Two headers and a station in one change.
