@@ -57,7 +57,7 @@ bool RBlockFile::isAt(const std::string& path) const
     struct stat here {
     }, there{};
     return ::fstat(descriptor_, &here) == 0 && ::stat(path.c_str(), &there) == 0 &&
-           here.st_dev == there.st_dev && here.st_ino == there.st_ino;
+           here.st_dev == there.st_dev && here.st_ino == there.st_ino && here.st_size >= fileSize_;
 }
 
 const std::byte* RBlockFile::view(std::int64_t offset, std::size_t length)
@@ -137,7 +137,9 @@ bool RBlockFile::truncate(std::int64_t size)
 bool RBlockFile::sync()
 {
     if (!flush()) return false;
-    return ::fdatasync(descriptor_) == 0 || errno == EINVAL || errno == ENOTSUP;
+    // Not fdatasync: it may leave the time of the last change behind, by which an inventory is found out of
+    // date.
+    return ::fsync(descriptor_) == 0 || errno == EINVAL || errno == ENOTSUP;
 }
 
 // Keeps the read-ahead true.

@@ -27,7 +27,7 @@ public:
     [[nodiscard]] bool open(const std::string& path, Mode mode);
     void close(); // what is held back is dropped
     [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
-    // True if this is the file that stands under the name.
+    // True if this is the file that stands under the name, and nobody has cut it short.
     [[nodiscard]] bool isAt(const std::string& path) const;
     // Bytes, as they were when the file was opened, and with what was written and held back since.
     [[nodiscard]] std::int64_t size() const { return size_; }

