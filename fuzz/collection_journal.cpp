@@ -45,16 +45,32 @@ public:
     bool interactive() const override { return false; }
 };
 
+// A folder of its own, in memory if there is such a place.
+class RFolder {
+public:
+    RFolder()
+    {
+        const bool inMemory = std::filesystem::exists("/dev/shm");
+        path_ = (inMemory ? "/dev/shm/nvqfuzz_" : "/tmp/nvqfuzz_") + std::to_string(::getpid()) + "/";
+        std::filesystem::create_directory(path_);
+    }
+    ~RFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    RFolder(const RFolder&) = delete;
+    RFolder& operator=(const RFolder&) = delete;
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
 const std::string& directory()
 {
-    static const std::string path = [] {
-        const bool inMemory = std::filesystem::exists("/dev/shm");
-        std::string made =
-            (inMemory ? "/dev/shm/nvqfuzz_" : "/tmp/nvqfuzz_") + std::to_string(::getpid()) + "/";
-        std::filesystem::create_directories(made);
-        return made;
-    }();
-    return path;
+    static const RFolder folder;
+    return folder.path();
 }
 
 void put(const std::string& name, std::string_view bytes)

@@ -27,6 +27,13 @@ QListWidget* makeEntries(QWidget* parent)
     return list;
 }
 
+// A name may be as long as a file's.
+QString shortened(const QString& name, const QFontMetrics& letters)
+{
+    constexpr int mostLetters = 60;
+    return letters.elidedText(name, Qt::ElideMiddle, mostLetters * letters.averageCharWidth());
+}
+
 QLabel* makeLabel(const QString& text, const char* name, QWidget* parent)
 {
     auto* const label = new QLabel(text, parent);
@@ -45,7 +52,8 @@ creationDlg::creationDlg(const QString& collectionName, QWidget* parent)
     setWindowTitle(QStringLiteral("Create Collection ..."));
     auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     auto* const column = new QVBoxLayout(this);
-    column->addWidget(makeLabel(QStringLiteral("New collection: ") + collectionName, "collectionName", this));
+    column->addWidget(makeLabel(QStringLiteral("New collection: ") + shortened(collectionName, fontMetrics()),
+                                "collectionName", this));
     QLabel* const caption = makeLabel(QStringLiteral("&Variables of the collection:"), "caption", this);
     caption->setBuddy(entries_);
     column->addWidget(caption);

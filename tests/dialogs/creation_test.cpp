@@ -86,4 +86,10 @@ TEST_F(Creation, EscapeCancels)
     EXPECT_FALSE(dialog.isVisible());
 }
 
+TEST(CreationOfALongName, KeepsTheDialogNarrow)
+{
+    creationDlg dialog(QString(250, QLatin1Char('x')));
+    EXPECT_LT(dialog.sizeHint().width(), dialog.fontMetrics().averageCharWidth() * 110);
+}
+
 } // namespace
