@@ -153,9 +153,10 @@ public:
     // between beginChange() and commitChange() is on the disk as a whole or not at all, whatever cuts it off:
     // the old bytes of every place in use are in the journal before new ones are written. Within a change
     // writes may be held back in memory; loads and scans see them all the same. Changes nest; only the
-    // outermost one counts. A write outside of a change is a change of its own, except that `.var` isn't
-    // rewritten. `operation` names it in the log of an opening that finds it cut off. Nothing is written yet.
-    // False if the collection isn't writable, or its files are no longer the ones that were opened.
+    // outermost one counts. A write in place outside of a change is a change of its own, except that `.var`
+    // is rewritten only if it counts fewer stations. `operation` names it in the log of an opening that finds
+    // it cut off. Nothing is written yet. False if the collection isn't writable, or its files are no longer
+    // the ones that were opened.
     [[nodiscard]] bool beginChange(std::string_view operation);
     // All stations and the description are on the disk, the journal is gone. False: everything was rolled
     // back.

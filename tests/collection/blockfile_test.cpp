@@ -91,12 +91,77 @@ TEST_F(BlockFile, MixedReadsAndWritesAgreeWithAnArray)
         if (at + length > size) at = 0;
         if (random() % 4 == 0) {
             for (std::size_t k = 0; k < length; ++k) model[at + k] = static_cast<char>(random());
-            ASSERT_TRUE(file.write(static_cast<std::int64_t>(at), bytesOf(model).subspan(at, length)));
+            const auto offset = static_cast<std::int64_t>(at);
+            const auto bytes = bytesOf(model).subspan(at, length);
+            if (random() % 3 > 0) {
+                file.hold(offset, bytes.first(length / 2), bytes.subspan(length / 2));
+            } else {
+                ASSERT_TRUE(file.write(offset, bytes));
+            }
+            if (random() % 100 == 0) {
+                ASSERT_TRUE(file.flush());
+            }
         } else {
             ASSERT_EQ(textAt(file, static_cast<std::int64_t>(at), length), model.substr(at, length)) << i;
         }
         at += length;
     }
+    ASSERT_TRUE(file.sync());
+    EXPECT_TRUE(common::readFile(path) == model);
+}
+
+TEST_F(BlockFile, HeldBytesAreSeenAndReachTheFileWithTheFlush)
+{
+    ASSERT_TRUE(file.open(path, RBlockFile::Mode::create));
+    ASSERT_TRUE(file.write(0, bytesOf("0123456789")));
+    EXPECT_EQ(textAt(file, 0, 10), "0123456789"); // in the read-ahead now
+    file.hold(8, bytesOf("ab"), bytesOf("cd"));
+    file.hold(2, bytesOf("X"));
+    EXPECT_EQ(file.size(), 12);
+    EXPECT_EQ(textAt(file, 0, 12), "01X34567abcd");
+    EXPECT_EQ(file.view(10, 3), nullptr);
+    EXPECT_EQ(common::readFile(path).value_or(""), "0123456789");
+    ASSERT_TRUE(file.flush());
+    EXPECT_EQ(file.heldPieces(), 0U);
+    EXPECT_EQ(common::readFile(path).value_or(""), "01X34567abcd");
+}
+
+TEST_F(BlockFile, DroppedBytesAreForgotten)
+{
+    ASSERT_TRUE(file.open(path, RBlockFile::Mode::create));
+    ASSERT_TRUE(file.write(0, bytesOf("0123456789")));
+    file.hold(8, bytesOf("abcd"));
+    EXPECT_EQ(textAt(file, 7, 5), "7abcd");
+    file.drop();
+    EXPECT_EQ(file.size(), 10);
+    EXPECT_EQ(textAt(file, 7, 3), "789");
+    EXPECT_EQ(file.view(10, 1), nullptr);
+}
+
+TEST_F(BlockFile, WhatCouldNotBeFlushedIsHeldOn)
+{
+    ASSERT_TRUE(file.open(path, RBlockFile::Mode::create));
+    file.hold(0, bytesOf("0123456789"));
+    {
+        const testing_support::RFileSizeLimit full(4);
+        EXPECT_FALSE(file.flush());
+        EXPECT_FALSE(file.sync());
+        EXPECT_FALSE(file.write(20, bytesOf("x")));
+        EXPECT_EQ(textAt(file, 0, 10), "0123456789");
+    }
+    EXPECT_TRUE(file.flush());
+    EXPECT_EQ(common::readFile(path).value_or(""), "0123456789");
+}
+
+TEST_F(BlockFile, AFileThatLostItsNameIsNoticed)
+{
+    ASSERT_TRUE(file.open(path, RBlockFile::Mode::create));
+    EXPECT_TRUE(file.isAt(path));
+    std::filesystem::rename(path, path + "2");
+    EXPECT_FALSE(file.isAt(path));
+    EXPECT_TRUE(file.isAt(path + "2"));
+    ASSERT_TRUE(common::writeFile(path, "another"));
+    EXPECT_FALSE(file.isAt(path));
 }
 
 } // namespace

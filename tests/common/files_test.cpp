@@ -40,6 +40,38 @@ TEST(ReplacementFile, OldFileStandsUntilCommit)
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory.path()), {}), 1);
 }
 
+TEST(ReplacementFile, APreparedOneNeedsNoMoreRoom)
+{
+    testing_support::RTemporaryDirectory directory;
+    const std::string path = directory.file("f");
+    ASSERT_TRUE(writeFile(path, "old"));
+    RReplacementFile file(path);
+    std::fputs("new", file.stream());
+    ASSERT_TRUE(file.prepare());
+    EXPECT_EQ(readFile(path), "old");
+    const testing_support::RFileSizeLimit full(0);
+    EXPECT_TRUE(file.commit());
+    EXPECT_EQ(readFile(path), "new");
+}
+
+TEST(ReplacementFile, WhatCantBePreparedChangesNothing)
+{
+    testing_support::RTemporaryDirectory directory;
+    const std::string path = directory.file("f");
+    ASSERT_TRUE(writeFile(path, "old"));
+    {
+        RReplacementFile file(path);
+        const testing_support::RFileSizeLimit full(2);
+        std::fputs("newer", file.stream());
+        EXPECT_FALSE(file.prepare());
+        EXPECT_FALSE(file.commit());
+    }
+    EXPECT_EQ(readFile(path), "old");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory.path()),
+                            std::filesystem::directory_iterator()),
+              1);
+}
+
 TEST(ReplacementFile, WritesThroughALink)
 {
     const testing_support::RTemporaryDirectory directory;
@@ -62,6 +94,16 @@ TEST(ReplacementFile, MissingDirectoryGivesNoStream)
 TEST(Files, DirectoryIsNoFile)
 {
     EXPECT_FALSE(openFile("/", "rb"));
+}
+
+TEST(Files, OnlyADirectoryIsFlushedAsOne)
+{
+    testing_support::RTemporaryDirectory directory;
+    ASSERT_TRUE(writeFile(directory.file("f"), "x"));
+    EXPECT_TRUE(syncDirectory(directory.path()));
+    EXPECT_TRUE(syncDirectory(""));
+    EXPECT_FALSE(syncDirectory(directory.file("f")));
+    EXPECT_FALSE(syncDirectory("/nowhere/at/all"));
 }
 
 TEST(Files, ReadFileKeepsToItsLimit)
