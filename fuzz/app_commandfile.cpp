@@ -20,12 +20,45 @@ bool finite(float value)
 class RNullTarget : public app::RCommandTarget {
 public:
     bool isAllowed(int id) override { return id != 0; }
+    std::string refusal(int id) override
+    {
+        require(id != 0);
+        return {};
+    }
     bool isAborted() override { return false; }
     bool openCollection(const std::string& path) override { return clean(path); }
     bool loadConfiguration(const std::string& path) override { return clean(path); }
     bool exportGraphics(int, const std::string& path, int) override { return clean(path); }
     bool exportData(const std::string& path) override { return clean(path); }
     void quit() override {}
+    std::string createCollection(const std::string& path, const std::string& set) override
+    {
+        require(!path.empty() && !set.empty() && clean(path));
+        return line(set);
+    }
+    std::string copyCollection(const std::string& path) override { return given(path); }
+    std::string moveCollection(const std::string& path) override { return given(path); }
+    std::string deleteCollection() override { return {}; }
+    std::string sortAndCondense() override { return {}; }
+    std::string changeVariables(const std::string& file) override { return given(file); }
+    std::string deleteSelected() override { return {}; }
+    std::string deleteEmpty() override { return {}; }
+    std::string deleteStation(int number) override
+    {
+        require(number >= 1);
+        return {};
+    }
+    std::string addLogComment(std::string_view text) override
+    {
+        require(!text.empty());
+        return line(text);
+    }
+    std::string closeCollection() override { return {}; }
+    std::string checkCollection(const std::string& path) override
+    {
+        require(clean(path));
+        return {};
+    }
     std::string setMode(int mode) override
     {
         require(mode >= -1 && mode <= 3);
@@ -55,6 +88,11 @@ private:
     {
         require(path.find_first_of("\\\n\r#") == std::string::npos);
         return true;
+    }
+    static std::string given(const std::string& path)
+    {
+        require(!path.empty() && clean(path));
+        return {};
     }
     static std::string line(std::string_view text)
     {

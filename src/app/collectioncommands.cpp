@@ -149,9 +149,9 @@ bool RSession::copyOrMove(const FAMILYCOMMAND& command, const std::string& targe
 {
     const std::string from = collection.path;
     const std::string beside = collection.isTemporaryFile ? "" : collection.directory; // not where it is lost
-    const std::string to =
-        targetBase(target, {"Select Target Collection Name ...", "Collection Name (*.var)",
-                            common::absolutePath(beside + "copy_of_" + collection.name + ".var"), true});
+    const std::string to = targetBase(
+        target, {"Select Target Collection Name ...", "Collection Name (*.var)",
+                 common::absolutePath(beside + "copy_of_" + collection.name + ".var"), true, true});
     if (to.empty() || !mayTakePlace(command, to)) return false;
     std::unique_ptr<RScratchFolder> unpacked = std::move(unpacked_); // its files must outlast the closing
     if (!close(false)) {
@@ -270,10 +270,10 @@ bool RSession::deleteStations(const std::function<int()>& remove)
     const std::string path = collection.path;
     const int count = remove();
     if (count <= 0) return false;
+    if (collection.isOpen && collection.stationCount == 0)
+        static_cast<void>(collection.sortAndCondense(scratch_, user_)); // it tells what goes wrong
     stationsChanged();
     tellDone(path + ".var: " + counted(count, "station", "stations") + " deleted");
-    if (collection.isOpen && collection.stationCount == 0 && collection.sortAndCondense(scratch_, user_))
-        stationsChanged();
     return collection.isOpen;
 }
 

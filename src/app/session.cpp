@@ -23,7 +23,7 @@ bool isBitmap(const std::string& extension)
 bool isCollectionFile(const std::string& file, const std::string& basePath)
 {
     constexpr auto suffixes = std::to_array<const char*>(
-        {".var", ".hob", ".dob", ".inv", ".cid", ".idv", ".cfl", ".log", ".info", ".cfg"});
+        {".var", ".hob", ".dob", ".inv", ".cid", ".idv", ".cfl", ".log", ".info", ".cfg", ".lck", ".jnl"});
     const auto isThis = [&](const char* suffix) {
         std::error_code error;
         return file == basePath + suffix || std::filesystem::equivalent(file, basePath + suffix, error);

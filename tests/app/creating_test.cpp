@@ -291,6 +291,16 @@ TEST_F(InteractiveCreating, PathIsAskedFor)
     EXPECT_EQ(session.collection.name, "asked");
 }
 
+TEST_F(InteractiveCreating, WriteProtectedDirectoryFailsWithoutAQuestion)
+{
+    view.choice = CREATIONCHOICE{collection::setSeaLevel, {}};
+    EXPECT_EQ(session.open("/proc/new.var"), OpenResult::failed); // takes no files, whoever asks
+    EXPECT_THAT(view.asked, IsEmpty());
+    ASSERT_EQ(user->messages.size(), 1u);
+    EXPECT_THAT(user->messages[0], HasSubstr("Collection \"/proc/new.var\" does not exist!"));
+    EXPECT_THAT(user->messages[0], HasSubstr("write-protected!"));
+}
+
 TEST_F(InteractiveCreating, SomethingElseUnderTheNameIsNoPlaceForACollection)
 {
     fs::create_directories(file("dir.var"));

@@ -319,8 +319,8 @@ TEST_F(Program, FilesOfTheOpenCollectionAreNoPlaceForAnExport)
     makeCollection();
     const std::string before = collectionBytes() + read("cast.inv") + read("cast.log");
     fs::create_symlink(file("cast.dob"), file("alias.txt"));
-    for (const char* const name :
-         {"cast.var", "./cast.hob", "cast.dob", "cast.inv", "cast.log", "alias.txt"}) {
+    for (const char* const name : {"cast.var", "./cast.hob", "cast.dob", "cast.inv", "cast.log", "cast.jnl",
+                                   "cast.lck", "alias.txt"}) {
         const RUN r = commands(std::string("open_collection cast.var\nexport_data ") + name + "\n");
         EXPECT_EQ(r.code, 1) << name;
         EXPECT_THAT(r.error, HasSubstr("is a file of the open collection")) << name;
