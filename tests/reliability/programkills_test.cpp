@@ -250,8 +250,8 @@ protected:
         if (HasFatalFailure()) return;
         const Seconds first = span;
         measure(work);
-        span = std::max(span, first);
-        std::uniform_real_distribution<double> part(0.0, 1.2);
+        const Seconds measured = span = std::max(span, first);
+        std::uniform_real_distribution<double> part(0.0, 1.1);
         std::map<std::string, int> fell, states;
         RFaults faults;
         const int kills = work.kills * rounds();
@@ -259,6 +259,9 @@ protected:
             const double when = part(random);
             const std::string where = killAt(work, when);
             ++fell[where];
+            // The machine may have more to do now than when the span was measured, or less.
+            span *= where == "after" ? 0.93 : 1.03;
+            span = std::clamp(span, 0.3 * measured, 3 * measured);
             const PROGRAMRUN opened =
                 runProgram(folder("home"), folder("work"), "open_collection big.var\ncheck_collection\n");
             std::string fault;

@@ -233,6 +233,7 @@ TEST_P(WhileOpen, FileThatIsReplaced)
 TEST_P(WhileOpen, FileThatShrinks)
 {
     for (const char* const suffix : {".hob", ".dob"}) {
+        if (common::fileSize(scene.start() + "sample" + suffix) == 0) continue; // it can't
         EXPECT_EQ(workAfter(scene, GetParam().operation,
                             [&] {
                                 const std::string file = scene.work() + "sample" + suffix;
