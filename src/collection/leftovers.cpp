@@ -1,5 +1,6 @@
 #include "collection/leftovers.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
@@ -7,6 +8,7 @@
 #include <unistd.h>
 
 #include "collection/collectionlock.h"
+#include "collection/sidefiles.h"
 #include "common/files.h"
 #include "common/text.h"
 
@@ -45,15 +47,22 @@ bool isRunning(int process)
     return ::kill(process, 0) == 0 || errno == EPERM;
 }
 
+// Collections may stand beside files whose names begin alike: a.txt, or those of a collection a.b.
+bool isFileOf(std::string_view file, std::string_view baseName)
+{
+    if (!file.starts_with(baseName)) return false;
+    const std::string_view suffix = file.substr(baseName.size());
+    return suffix == ".log" || suffix == ".cfg" ||
+           std::find(collectionSuffixes.begin(), collectionSuffixes.end(), suffix) !=
+               collectionSuffixes.end();
+}
+
 bool isAbandoned(const REPLACEMENTNAME& replacement, std::string_view baseName)
 {
     if (replacement.process == static_cast<int>(::getpid())) return false;
-    const auto belongsTo = [&](std::string_view name) {
-        return replacement.file.size() > name.size() && replacement.file.starts_with(name) &&
-               replacement.file[name.size()] == '.';
-    };
-    if (belongsTo(baseName)) return true;
-    return (belongsTo("TRG") || replacement.file == "write_test") && !isRunning(replacement.process);
+    if (isFileOf(replacement.file, baseName)) return true;
+    return (isFileOf(replacement.file, "TRG") || replacement.file == "write_test") &&
+           !isRunning(replacement.process);
 }
 
 } // namespace

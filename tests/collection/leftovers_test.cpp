@@ -40,7 +40,7 @@ protected:
 
 TEST_F(Leftovers, HalfWrittenFilesOfTheCollectionGo)
 {
-    for (const char* const file : {"a.var", "a.inv", "a.jnl.new"}) make(of(file, dead));
+    for (const char* const file : {"a.var", "a.inv", "a.log"}) make(of(file, dead));
     make(of("a.cid", living)); // of another machine: who holds the lock is the only writer
     EXPECT_EQ(collection::removeLeftovers(directory.file("a")), 4);
     EXPECT_FALSE(exists(of("a.var", dead)));
@@ -48,10 +48,16 @@ TEST_F(Leftovers, HalfWrittenFilesOfTheCollectionGo)
 
 TEST_F(Leftovers, FilesOfOthersStay)
 {
-    const std::vector<std::string> others = {
-        of("ab.var", dead),    of("b.var", dead), of("a.var", ::getpid()),
-        of("TRG.var", living), "a.var",           "a.var.tmp",
-        "a.var.x.1.tmp",       "a.5.tmp"};
+    const std::vector<std::string> others = {of("ab.var", dead),
+                                             of("a.b.var", dead),
+                                             of("a.txt", dead),
+                                             of("b.var", dead),
+                                             of("a.var", ::getpid()),
+                                             of("TRG.var", living),
+                                             "a.var",
+                                             "a.var.tmp",
+                                             "a.var.x.1.tmp",
+                                             "a.5.tmp"};
     for (const std::string& name : others) make(name);
     EXPECT_EQ(collection::removeLeftovers(directory.file("a")), 0);
     for (const std::string& name : others) EXPECT_TRUE(exists(name)) << name;
