@@ -294,9 +294,10 @@ bool RSession::deleteStation(int number)
     if (number == 0 && selection::readSelected(collection, collection.currentStation, current))
         number = current.number;
     if (number < 1 || number > collection.stationCount) {
-        user_.note(number == 0 ? "there is no current station"
-                               : common::format("there is no station %d; the collection has %d", number,
-                                                collection.stationCount));
+        user_.about("Confirm Deletion ...",
+                    number == 0 ? "There is no current station."
+                                : common::format("There is no station %d; the collection has %d.", number,
+                                                 collection.stationCount));
         return false;
     }
     return deleteStations([&] { return collection.deleteStation(number, user_); });

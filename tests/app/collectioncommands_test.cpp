@@ -411,19 +411,21 @@ TEST_F(Commands, DeletionOfOneStation)
     EXPECT_EQ(session.collection.selectedStationCount, 3);
     EXPECT_THAT(read("cast.log"), HasSubstr("DELETE_SINGLE TEST 2 C"));
     EXPECT_THAT(user->notes, Contains(file("cast.var") + ": 1 station deleted"));
-    user->notes.clear();
+    user->messages.clear();
     EXPECT_FALSE(session.deleteStation(4));
     EXPECT_FALSE(session.deleteStation(-1));
-    EXPECT_THAT(user->notes, ElementsAre("there is no station 4; the collection has 3",
-                                         "there is no station -1; the collection has 3"));
+    EXPECT_THAT(user->messages,
+                ElementsAre("Confirm Deletion ...: There is no station 4; the collection has 3.",
+                            "Confirm Deletion ...: There is no station -1; the collection has 3."));
     EXPECT_TRUE(session.checkCollection({}));
 }
 
 TEST_F(Commands, DeletionOfTheCurrentStation)
 {
     openCast();
+    user->messages.clear();
     EXPECT_FALSE(session.deleteStation(0));
-    EXPECT_THAT(user->notes, ElementsAre("there is no current station"));
+    EXPECT_THAT(user->messages, ElementsAre("Confirm Deletion ...: There is no current station."));
     ASSERT_EQ(session.setDomain(-40, 0, -52, -30, {}, {}), ""); // stations 2 to 4
     session.collection.currentStation = 2;
     ASSERT_TRUE(session.deleteStation(0));
