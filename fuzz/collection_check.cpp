@@ -12,73 +12,15 @@
 
 #include "collection/check.h"
 #include "collection/rcollection.h"
-#include "common/files.h"
+#include "fuzzsupport.h"
 
 namespace {
 
 using namespace collection;
+using namespace fuzzing;
 
 constexpr auto suffixes =
     std::to_array<const char*>({".var", ".hob", ".dob", ".inv", ".cid", ".idv", ".cfl"});
-
-void require(bool condition)
-{
-    if (!condition) std::abort();
-}
-
-class RSilentUser : public common::RUser {
-public:
-    int told = 0;
-    void about(std::string_view, std::string_view) override { ++told; }
-    common::Answer question(std::string_view, std::string_view, common::Answer proposed) override
-    {
-        return proposed;
-    }
-    bool report(std::string_view, std::string_view) override { return true; }
-    void note(std::string_view) override { ++told; }
-    void status(std::string_view) override {}
-    void beginBusy(std::string_view) override {}
-    void setProgress(double) override {}
-    void endBusy(std::string_view) override {}
-    bool abortRequested() const override { return false; }
-    void setAbort(bool) override {}
-    bool askAbort(std::string_view, std::string_view) override { return false; }
-    bool interactive() const override { return false; }
-};
-
-// A folder of its own, in memory if there is such a place.
-class RFolder {
-public:
-    RFolder()
-    {
-        const bool inMemory = std::filesystem::exists("/dev/shm");
-        path_ = std::string(inMemory ? "/dev/shm" : "/tmp") + "/nvqcheck_" + std::to_string(::getpid()) + "/";
-        std::filesystem::create_directory(path_);
-    }
-    ~RFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    RFolder(const RFolder&) = delete;
-    RFolder& operator=(const RFolder&) = delete;
-    [[nodiscard]] const std::string& path() const { return path_; }
-
-private:
-    std::string path_;
-};
-
-const std::string& directory()
-{
-    static const RFolder folder;
-    return folder.path();
-}
-
-void put(const std::string& file, std::string_view bytes)
-{
-    const common::FilePtr stream = common::openFile(file, "wb");
-    require(stream && std::fwrite(bytes.data(), 1, bytes.size(), stream.get()) == bytes.size());
-}
 
 // Whether all of the collection comes out, without a word.
 bool opensQuietly(const std::string& base)

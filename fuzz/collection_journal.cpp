@@ -15,69 +15,13 @@
 #include "collection/rcollection.h"
 #include "collection/stationrecord.h"
 #include "collection/varfile.h"
+#include "fuzzsupport.h"
 
 namespace {
 
 using namespace collection;
+using namespace fuzzing;
 using Folder = std::map<std::string, std::string>;
-
-void require(bool condition)
-{
-    if (!condition) std::abort();
-}
-
-class RSilentUser : public common::RUser {
-public:
-    void about(std::string_view, std::string_view) override {}
-    common::Answer question(std::string_view, std::string_view, common::Answer proposed) override
-    {
-        return proposed;
-    }
-    bool report(std::string_view, std::string_view) override { return true; }
-    void note(std::string_view) override {}
-    void status(std::string_view) override {}
-    void beginBusy(std::string_view) override {}
-    void setProgress(double) override {}
-    void endBusy(std::string_view) override {}
-    bool abortRequested() const override { return false; }
-    void setAbort(bool) override {}
-    bool askAbort(std::string_view, std::string_view) override { return false; }
-    bool interactive() const override { return false; }
-};
-
-// A folder of its own, in memory if there is such a place.
-class RFolder {
-public:
-    RFolder()
-    {
-        const bool inMemory = std::filesystem::exists("/dev/shm");
-        path_ = (inMemory ? "/dev/shm/nvqfuzz_" : "/tmp/nvqfuzz_") + std::to_string(::getpid()) + "/";
-        std::filesystem::create_directory(path_);
-    }
-    ~RFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    RFolder(const RFolder&) = delete;
-    RFolder& operator=(const RFolder&) = delete;
-    [[nodiscard]] const std::string& path() const { return path_; }
-
-private:
-    std::string path_;
-};
-
-const std::string& directory()
-{
-    static const RFolder folder;
-    return folder.path();
-}
-
-void put(const std::string& name, std::string_view bytes)
-{
-    const common::FilePtr file = common::openFile(directory() + name, "wb");
-    require(file && std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size());
-}
 
 Folder readFolder()
 {
@@ -121,8 +65,8 @@ void makeFolder(std::string_view journal)
 {
     for (const auto& entry : std::filesystem::directory_iterator(directory()))
         std::filesystem::remove_all(entry.path());
-    for (const auto& [name, content] : goodFolder()) put(name, content);
-    put("sample.jnl", journal);
+    for (const auto& [name, content] : goodFolder()) put(directory() + name, content);
+    put(directory() + "sample.jnl", journal);
 }
 
 std::string framed(std::string_view rest)

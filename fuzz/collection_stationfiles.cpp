@@ -13,53 +13,17 @@
 #include "collection/rcollection.h"
 #include "collection/stationrecord.h"
 #include "collection/varfile.h"
+#include "fuzzsupport.h"
 
 namespace {
 
 using namespace collection;
-
-void require(bool condition)
-{
-    if (!condition) std::abort();
-}
-
-class RSilentUser : public common::RUser {
-public:
-    int told = 0;
-    void about(std::string_view, std::string_view) override { ++told; }
-    common::Answer question(std::string_view, std::string_view, common::Answer proposed) override
-    {
-        return proposed;
-    }
-    bool report(std::string_view, std::string_view) override { return true; }
-    void note(std::string_view text) override
-    {
-        ++told;
-        require(text.size() < 2000);
-    }
-    void status(std::string_view) override {}
-    void beginBusy(std::string_view) override {}
-    void setProgress(double) override {}
-    void endBusy(std::string_view) override {}
-    bool abortRequested() const override { return false; }
-    void setAbort(bool) override {}
-    bool askAbort(std::string_view, std::string_view) override { return false; }
-    bool interactive() const override { return false; }
-};
+using namespace fuzzing;
 
 const std::string& basePath()
 {
-    static const std::string path = [] {
-        const bool inMemory = std::filesystem::exists("/dev/shm");
-        return std::string(inMemory ? "/dev/shm" : "/tmp") + "/nvqfuzz_" + std::to_string(::getpid());
-    }();
+    static const std::string path = directory() + "sample";
     return path;
-}
-
-void put(const char* suffix, std::string_view bytes)
-{
-    const common::FilePtr file = common::openFile(basePath() + suffix, "wb");
-    require(file && std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size());
 }
 
 void checkStation(const STATIONDATA& station, const RCollection& collection)
@@ -112,10 +76,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t hobSize = std::min<std::size_t>(data[1] + 256U * data[2], rest.size());
     const std::string_view hob = rest.substr(0, hobSize), dob = rest.substr(hobSize);
     const std::string name = basePath().substr(basePath().rfind('/') + 1);
-    put(".var", formatVarFile(name, "HYD", 1 + static_cast<int>(hobSize / 80), variables,
-                              std::array<VARINFO, common::variableSlots>{}));
-    put(".hob", hob);
-    put(".dob", dob);
+    put(basePath() + ".var", formatVarFile(name, "HYD", 1 + static_cast<int>(hobSize / 80), variables,
+                                           std::array<VARINFO, common::variableSlots>{}));
+    put(basePath() + ".hob", hob);
+    put(basePath() + ".dob", dob);
     RSilentUser user;
     RCollection collection;
     if (collection.openStationFiles(basePath(), user) == OpenFilesResult::ok) {

@@ -20,12 +20,6 @@ constexpr std::size_t heldPieces = 4096;
 constexpr std::size_t savedAtOnce = 1 << 20; // bytes
 constexpr int recordsAMove = 4096;
 
-bool existsAtAll(const std::string& path)
-{
-    struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0;
-}
-
 bool flushFile(const std::string& path)
 {
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
@@ -46,7 +40,7 @@ std::string freeMark(const std::string& path, std::span<const std::string_view> 
     for (int n = 0;; ++n) {
         const std::string mark = n == 0 ? ".old" : common::format(".old%d", n);
         const bool taken = std::any_of(suffixes.begin(), suffixes.end(), [&](std::string_view suffix) {
-            return existsAtAll(path + mark + std::string(suffix));
+            return common::existsAtAll(path + mark + std::string(suffix));
         });
         if (!taken) return mark;
     }
@@ -67,7 +61,7 @@ bool RCollection::beginChange(std::string_view operation)
         ++files_->change->depth;
         return true;
     }
-    if (!writable || path.empty() || existsAtAll(journalPath(path))) return false;
+    if (!writable || path.empty() || common::existsAtAll(journalPath(path))) return false;
     if (isOpen && (kind != 1 || !filesAreInPlace() || !files_->dob.flush() || !files_->hob.flush()))
         return false;
     auto change = std::make_unique<CHANGE>();
@@ -371,7 +365,8 @@ bool RCollection::noteMadeFiles(std::span<const std::string> names)
     CHANGE& change = *files_->change;
     return std::all_of(names.begin(), names.end(),
                        [&](const std::string& fileName) {
-                           return !existsAtAll(directory + fileName) && change.journal.willMake(fileName);
+                           return !common::existsAtAll(directory + fileName) &&
+                                  change.journal.willMake(fileName);
                        }) &&
            change.journal.sync();
 }
@@ -385,7 +380,7 @@ bool RCollection::setFilesAside(std::span<const std::string_view> suffixes)
     bool noted = true;
     for (const std::string_view suffix : suffixes) {
         const std::string end(suffix);
-        if (existsAtAll(path + end)) {
+        if (common::existsAtAll(path + end)) {
             present.push_back(end);
             noted = noted && change.journal.willSetAside(baseName + end, baseName + mark + end);
         } else {

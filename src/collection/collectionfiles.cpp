@@ -53,12 +53,6 @@ std::string joined(const std::string& name, std::string_view suffix, std::string
     return name + std::string(suffix) + std::string(more);
 }
 
-bool isTaken(const std::string& file)
-{
-    struct stat status {};
-    return ::lstat(file.c_str(), &status) == 0;
-}
-
 bool isFolder(const std::string& file)
 {
     struct stat status {};
@@ -307,7 +301,7 @@ std::vector<FILEACTION> removals(const PLACE& place, bool withLog, bool withConf
 // Nothing of `place` stands in the way of a collection that comes there by renaming.
 bool isFree(const PLACE& place)
 {
-    const auto taken = [&place](std::string_view suffix) { return isTaken(place.file(suffix)); };
+    const auto taken = [&place](std::string_view suffix) { return common::existsAtAll(place.file(suffix)); };
     return !taken(".var") && !taken(".jnl") &&
            std::none_of(stationSuffixes.begin(), stationSuffixes.end(), taken) &&
            std::none_of(sideSuffixes.begin(), sideSuffixes.end(), taken);
@@ -319,7 +313,7 @@ FilesResult copyCollection(const std::string& from, const std::string& to)
 {
     const PLACE source(from), target = targetPlace(to);
     if (const FilesResult checked = checkPlaces(source, target); checked != FilesResult::ok) return checked;
-    if (isTaken(journalPath(from))) return FilesResult::stationFiles; // the source isn't whole
+    if (common::existsAtAll(journalPath(from))) return FilesResult::stationFiles; // the source isn't whole
     return copyTo(source, target);
 }
 
@@ -327,7 +321,8 @@ FilesResult moveCollection(const std::string& from, const std::string& to)
 {
     const PLACE source(from), target = targetPlace(to);
     if (const FilesResult checked = checkPlaces(source, target); checked != FilesResult::ok) return checked;
-    if (isTaken(journalPath(from)) || !common::isWritable(folderOf(source))) return FilesResult::stationFiles;
+    if (common::existsAtAll(journalPath(from)) || !common::isWritable(folderOf(source)))
+        return FilesResult::stationFiles;
     if (isFree(target)) {
         if (const auto renamed = renameTo(source, target)) return *renamed;
     }

@@ -1,35 +1,19 @@
 #include "collection/journal.h"
 
 #include <cerrno>
-#include <chrono>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "collection/journalfile.h"
 #include "collection/journalframes.h"
+#include "collection/uniquenumber.h"
 #include "common/files.h"
 
 namespace collection {
 namespace {
 
 constexpr std::size_t spillAt = 8 << 20; // bytes of notes that are kept in memory
-
-bool existsAtAll(const std::string& path)
-{
-    struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0;
-}
-
-// A number that no two journals share: time and process, well mixed.
-std::uint64_t newMark()
-{
-    const auto now = std::chrono::system_clock::now().time_since_epoch().count();
-    std::uint64_t x = static_cast<std::uint64_t>(now) + (static_cast<std::uint64_t>(::getpid()) << 40U);
-    x = (x ^ (x >> 30U)) * 0xbf58476d1ce4e5b9U;
-    x = (x ^ (x >> 27U)) * 0x94d049bb133111ebU;
-    return x ^ (x >> 31U);
-}
 
 bool writeAll(int descriptor, std::span<const std::byte> bytes, std::int64_t offset)
 {
@@ -71,7 +55,7 @@ struct RJournal::State {
 
     explicit State(const std::string& basePath)
         : file(journalPath(basePath)), newFile(file + std::string(newJournalSuffix)),
-          directory(common::splitPath(basePath).directory), mark(newMark())
+          directory(common::splitPath(basePath).directory), mark(uniqueNumber())
     {
     }
     ~State()
@@ -137,7 +121,7 @@ RJournal::~RJournal() = default;
 
 bool RJournal::begin(const std::string& basePath, std::string_view operation, const JOURNALSTATE& before)
 {
-    if (state_ || existsAtAll(journalPath(basePath))) return false;
+    if (state_ || common::existsAtAll(journalPath(basePath))) return false;
     JOURNALHEAD head;
     head.operation = operation;
     head.baseName = basePath.substr(basePath.rfind('/') + 1);

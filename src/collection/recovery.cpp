@@ -19,12 +19,6 @@
 namespace collection {
 namespace {
 
-bool existsAtAll(const std::string& path)
-{
-    struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0;
-}
-
 bool isRegular(const std::string& path)
 {
     struct stat status {};
@@ -223,7 +217,7 @@ bool undoFiles(const JOURNALPLAN& plan, const std::string& directory)
 {
     for (const ASIDEFILE& file : plan.aside) {
         const std::string aside = directory + file.aside;
-        if (existsAtAll(aside) && std::rename(aside.c_str(), (directory + file.name).c_str()) != 0)
+        if (common::existsAtAll(aside) && std::rename(aside.c_str(), (directory + file.name).c_str()) != 0)
             return false;
     }
     for (const std::string& name : plan.made) {
@@ -252,7 +246,8 @@ std::int64_t sizeAfter(const COMMITMENT& commitment, const std::string& director
 {
     for (const FILEACTION& action : commitment.actions) {
         const bool isIt = action.kind == FILEACTION::rename && action.to == name;
-        if (isIt && existsAtAll(directory + action.from)) return common::fileSize(directory + action.from);
+        if (isIt && common::existsAtAll(directory + action.from))
+            return common::fileSize(directory + action.from);
     }
     return common::fileSize(directory + name);
 }
@@ -264,8 +259,8 @@ bool actionsCanRun(const COMMITMENT& commitment, const std::string& basePath)
     return sizeAfter(commitment, directory, base + ".hob") >= commitment.after.hobSize &&
            sizeAfter(commitment, directory, base + ".dob") >= commitment.after.dobSize &&
            std::all_of(commitment.actions.begin(), commitment.actions.end(), [&](const FILEACTION& action) {
-               return action.kind != FILEACTION::rename || existsAtAll(directory + action.from) ||
-                      existsAtAll(directory + action.to);
+               return action.kind != FILEACTION::rename || common::existsAtAll(directory + action.from) ||
+                      common::existsAtAll(directory + action.to);
            });
 }
 
@@ -293,7 +288,7 @@ bool moveFileAway(const std::string& directory, const FILEACTION& action)
 {
     const std::string from = directory + action.from;
     const std::string to = action.to.starts_with('/') ? action.to : directory + action.to;
-    if (!existsAtAll(from)) return isSideFile(to) || existsAtAll(to);
+    if (!common::existsAtAll(from)) return isSideFile(to) || common::existsAtAll(to);
     if (!renameIfFree(from, to)) return isSideFile(to);
     const int error = errno;
     const bool synced =
@@ -307,7 +302,7 @@ bool isStillHere(const JOURNALPLAN& plan, const std::string& directory)
 {
     const std::vector<FILEACTION>& actions = plan.commitment->actions;
     return !actions.empty() && actions.front().kind == FILEACTION::moveAway &&
-           existsAtAll(directory + actions.front().from);
+           common::existsAtAll(directory + actions.front().from);
 }
 
 RECOVERY complete(RJournalReader& reader, const JOURNALPLAN& plan, const std::string& basePath)
@@ -440,8 +435,8 @@ bool runActions(const std::string& directory, std::span<const FILEACTION> action
         const std::string from = directory + action.from, to = directory + action.to;
         const bool done = action.kind == FILEACTION::remove     ? removeIfThere(from)
                           : action.kind == FILEACTION::moveAway ? moveFileAway(directory, action)
-                          : existsAtAll(from)                   ? std::rename(from.c_str(), to.c_str()) == 0
-                                                                : existsAtAll(to);
+                          : common::existsAtAll(from)           ? std::rename(from.c_str(), to.c_str()) == 0
+                                                                : common::existsAtAll(to);
         if (!done) all = refuse(fault, because(from));
         if (!done && action.kind != FILEACTION::remove) return false; // what can't go keeps nothing else here
         if (begun && done) *begun = true;
@@ -475,7 +470,7 @@ RECOVERY recoverCollection(const std::string& basePath)
 {
     const std::string file = journalPath(basePath), unborn = file + std::string(newJournalSuffix);
     if (isRegular(unborn)) ::unlink(unborn.c_str()); // nothing was touched under its protection
-    if (!existsAtAll(file)) return {};
+    if (!common::existsAtAll(file)) return {};
     RJournalReader reader;
     JOURNALPLAN plan;
     if (!reader.open(file)) return outcome(RecoveryResult::failed, plan, file + " is no journal");

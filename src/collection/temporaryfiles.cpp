@@ -1,7 +1,6 @@
 #include "collection/temporaryfiles.h"
 
 #include <cerrno>
-#include <chrono>
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
@@ -13,6 +12,7 @@
 #include <vector>
 
 #include "collection/rcollection.h"
+#include "collection/uniquenumber.h"
 #include "common/text.h"
 
 namespace collection {
@@ -20,16 +20,6 @@ namespace {
 
 constexpr std::string_view family = "NVQ_";
 constexpr std::time_t day = 86400;
-
-// A number that no two openings share: time and process, well mixed.
-std::uint64_t mixedNumber()
-{
-    const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
-    std::uint64_t x = static_cast<std::uint64_t>(now) + (static_cast<std::uint64_t>(::getpid()) << 40U);
-    x = (x ^ (x >> 30U)) * 0xbf58476d1ce4e5b9ULL;
-    x = (x ^ (x >> 27U)) * 0x94d049bb133111ebULL;
-    return x ^ (x >> 31U);
-}
 
 class RDescriptor {
 public:
@@ -150,7 +140,7 @@ void RCollection::makeTempId()
 {
     const std::string last = tempId;
     do {
-        tempId = common::format("NVQ_%llu", static_cast<unsigned long long>(mixedNumber() % 10000000000ULL));
+        tempId = common::format("NVQ_%llu", static_cast<unsigned long long>(uniqueNumber() % 10000000000ULL));
     } while (tempId == last);
 }
 

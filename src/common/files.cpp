@@ -69,6 +69,12 @@ bool fileExists(const std::string& path)
     return fs::is_regular_file(path, error);
 }
 
+bool existsAtAll(const std::string& path)
+{
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0;
+}
+
 bool directoryExists(const std::string& path)
 {
     std::error_code error;

@@ -19,7 +19,8 @@ using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 
 [[nodiscard]] FilePtr openFile(const std::string& path, const char* mode);
 
-[[nodiscard]] bool fileExists(const std::string& path); // a regular file or a link to one
+[[nodiscard]] bool fileExists(const std::string& path);  // a regular file or a link to one
+[[nodiscard]] bool existsAtAll(const std::string& path); // whatever it is, a link that leads nowhere too
 [[nodiscard]] bool directoryExists(const std::string& path);
 [[nodiscard]] bool isWritable(const std::string& path);               // for this process
 [[nodiscard]] bool directoryIsWritable(const std::string& directory); // makes and removes a file there
