@@ -1,6 +1,7 @@
 // Making collections where there was none: empty ones, and those that a foreign file becomes.
 
 #include "app/session.h"
+#include "collection/stationrecord.h"
 #include "collection/varfile.h"
 #include "collection/variablesets.h"
 #include "common/files.h"
@@ -23,6 +24,16 @@ constexpr auto replacedSuffixes =
 bool isUsable(std::span<const collection::VARINFO> variables)
 {
     return variables.size() >= 2 && variables.size() <= common::maxVariables + 1;
+}
+
+// Stations that a description tells of, -1 if it can't be read.
+int describedStations(const std::string& file)
+{
+    const auto text = common::readFile(file, collection::largestDescription);
+    collection::VARDESCRIPTION read;
+    collection::VARFAULT fault;
+    const bool good = text && collection::parseVarFile(*text, read, fault) == collection::VarFileResult::ok;
+    return good ? read.stationCount : -1;
 }
 
 } // namespace
@@ -87,11 +98,27 @@ std::optional<RSession::NEWCOLLECTION> RSession::newCollection(const CREATIONCHO
 
 // --- the place
 
+// Station files without a description may be all that is left of a collection.
+bool RSession::mayReplaceStations(const std::string& basePath, std::string_view caption)
+{
+    if (common::fileSize(basePath + ".hob") <= collection::magicSize &&
+        common::fileSize(basePath + ".dob") <= 0)
+        return true;
+    const std::string fault =
+        basePath + ".hob or .dob holds stations, but there is no description " + basePath + ".var!";
+    if (user_.interactive())
+        return user_.question(caption, fault + "\n\nReplace them?", common::Answer::no) ==
+               common::Answer::yes;
+    user_.about(caption, fault + "\n\nThey are replaced only behind  set_import overwrite=yes.");
+    return false;
+}
+
 // byNothing: what takes the place has no stations, so that only a collection without any may go unasked.
 bool RSession::mayReplace(const std::string& basePath, std::string_view caption, bool byNothing)
 {
     const std::string file = basePath + ".var";
-    if (!common::fileExists(file) || importOverwrite) return true;
+    if (importOverwrite) return true;
+    if (!common::fileExists(file)) return mayReplaceStations(basePath, caption);
     if (user_.interactive()) {
         return user_.question(caption, "Collection\n\n" + file + "\n\nalready exists!  Replace it?",
                               common::Answer::no) == common::Answer::yes;
@@ -103,12 +130,7 @@ bool RSession::mayReplace(const std::string& basePath, std::string_view caption,
                                  "only behind  set_import overwrite=yes.");
         return false;
     }
-    const auto text = common::readFile(file);
-    collection::VARDESCRIPTION old;
-    collection::VARFAULT fault;
-    const bool empty = text && collection::parseVarFile(*text, old, fault) == collection::VarFileResult::ok &&
-                       old.stationCount == 0;
-    if (empty && collection::isMadeByImportsOnly(basePath)) return true;
+    if (describedStations(file) == 0 && collection::isMadeByImportsOnly(basePath)) return true;
     user_.about(caption, "Collection " + file +
                              " already exists!\n\nIt is replaced only behind  set_import overwrite=yes.");
     return false;
@@ -167,7 +189,8 @@ OpenResult RSession::createMissing(const std::string& readOnlyReason)
         abandon();
         return OpenResult::failed;
     }
-    const std::optional<CREATIONCHOICE> choice = view_.chooseVariables(collection.name);
+    const bool free = mayReplaceStations(collection.path, creationTitle);
+    const std::optional<CREATIONCHOICE> choice = free ? view_.chooseVariables(collection.name) : std::nullopt;
     const std::optional<NEWCOLLECTION> made = choice ? newCollection(*choice, collection.name) : std::nullopt;
     if (made) return makeEmpty(*made);
     abandon();
@@ -201,9 +224,11 @@ bool RSession::createCollection(const std::string& path, std::optional<CREATIONC
         abandon();
         return false;
     }
+    const int replaced = describedStations(base + ".var");
     const bool good = makeEmpty(*made) == OpenResult::ok;
     if (good)
-        tellDone(common::format("%s.var: made with %d variables", base.c_str(), collection.variableCount));
+        tellDone(common::format("%s.var: made with %d variables", base.c_str(), collection.variableCount) +
+                 (replaced > 0 ? common::format(" in the place of %d stations", replaced) : ""));
     return good;
 }
 

@@ -30,7 +30,9 @@ constexpr auto archives = std::to_array<ARCHIVEROW>({{".gz", Archive::gzip},
                                                      {".zip", Archive::zip},
                                                      {".ZIP", Archive::zip},
                                                      {".tgz", Archive::tarGzip},
-                                                     {".TGZ", Archive::tarGzip}});
+                                                     {".TGZ", Archive::tarGzip},
+                                                     {".tar", Archive::tar},
+                                                     {".TAR", Archive::tar}});
 
 bool contains(std::string_view text, std::string_view part)
 {

@@ -25,7 +25,7 @@ enum class FileKind : int {
 [[nodiscard]] bool makesCollection(FileKind kind);
 [[nodiscard]] const char* fileKindName(FileKind kind); // for messages
 
-enum class Archive : int { none = -1, gzip = 0, zip = 1, tarGzip = 2 };
+enum class Archive : int { none = -1, gzip = 0, zip = 1, tarGzip = 2, tar = 3 };
 [[nodiscard]] Archive archiveClass(std::string_view path);
 
 // What the command line asks for, in order.

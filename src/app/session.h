@@ -194,6 +194,7 @@ private:
     [[nodiscard]] OpenResult makeEmpty(const NEWCOLLECTION& made);
     [[nodiscard]] OpenResult newFromSource(FileKind kind, const std::string& path);
     [[nodiscard]] OpenResult importAsNew(const std::string& path);
+    [[nodiscard]] bool mayReplaceStations(const std::string& basePath, std::string_view caption);
     [[nodiscard]] bool mayReplace(const std::string& basePath, std::string_view title, bool byNothing);
     [[nodiscard]] bool canMake(std::string_view title, bool byNothing);
     [[nodiscard]] bool makeFiles(std::string_view operation);

@@ -200,8 +200,9 @@ bool RCollection::writeKeptHeaders(std::span<const std::uint8_t> marks, common::
 {
     const std::string table = path + ".ho", description = path + ".va";
     for (const std::string& file : {table, description}) {
-        // what somebody has left under the name goes; a folder can't
-        if (::unlink(file.c_str()) != 0 && errno != ENOENT) return tellUnwritten(file, user);
+        if (!common::existsAtAll(file)) continue;
+        user.about(title, file + " is in the way.\n\nMove or rename it, and try again.");
+        return false;
     }
     const std::string made[] = {name + ".ho", name + ".va"};
     if (!noteMadeFiles(made)) return tellUnwritten(journalPath(path), user);

@@ -137,8 +137,8 @@ bool RCollection::sortAndCondense(STATIONDATA& station, common::RUser& user)
 {
     const bool inventoryIsThere = !cruises.empty() || stationCount == 0;
     if (kind != 1 || !inventoryIsThere) return false;
-    const RViewKeeper view(*this, true);
     RStationKeeper loaded(*this, station);
+    const RViewKeeper view(*this, true); // back in force before the station is loaded again
     criteria = defaultCriteria();
     const bool done = busyWith(title, user, [&] { return rewriteIfMemoryLasts(*this, station, user); });
     if (!done) return false;

@@ -43,6 +43,8 @@ TEST(ArchiveClass, DecidedBySubstringAnywhere)
     EXPECT_EQ(app::archiveClass("/x.zipped/a.nc"), Archive::zip);
     EXPECT_EQ(app::archiveClass("a.tgz"), Archive::tarGzip);
     EXPECT_EQ(app::archiveClass("a.TGZ"), Archive::tarGzip);
+    EXPECT_EQ(app::archiveClass("a.tar"), Archive::tar);
+    EXPECT_EQ(app::archiveClass("a.tar.gz"), Archive::gzip);
     EXPECT_EQ(app::archiveClass("a.Gz"), Archive::none);
 }
 

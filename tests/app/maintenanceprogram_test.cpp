@@ -172,6 +172,31 @@ TEST_F(MaintenanceProgram, RunThatMakesAndFillsACollectionCanBeRepeated)
     }
 }
 
+TEST_F(MaintenanceProgram, StationsWithoutADescriptionAreNotReplacedUnasked)
+{
+    makeCollection();
+    std::filesystem::remove(file("cast.var"));
+    const std::string hob = read("cast.hob"), dob = read("cast.dob");
+    for (const char* const line :
+         {"create_collection cast,WOCE ADCP variables", "open_collection cast.txt"}) {
+        const RUN r = commands(std::string(line) + "\n");
+        EXPECT_EQ(r.code, 1) << line;
+        EXPECT_THAT(r.error, HasSubstr("holds stations, but there is no description")) << line;
+        EXPECT_EQ(read("cast.hob"), hob) << line;
+        EXPECT_EQ(read("cast.dob"), dob) << line;
+    }
+    const RUN r = commands("set_import overwrite=yes\ncreate_collection cast,WOCE ADCP variables\n");
+    EXPECT_EQ(r.code, 0) << r.error;
+}
+
+TEST_F(MaintenanceProgram, CreationTellsWhatItReplaces)
+{
+    makeCollection();
+    const RUN r = commands("create_collection cast,WOCE ADCP variables\n");
+    EXPECT_EQ(r.code, 0) << r.error;
+    EXPECT_THAT(r.error, HasSubstr("made with 3 variables in the place of 4 stations"));
+}
+
 TEST_F(MaintenanceProgram, BadCreationsEndTheFile)
 {
     makeCollection();

@@ -79,7 +79,7 @@ protected:
 
 TEST_F(Packed, SpreadsheetMakesItsCollectionBesideTheArchive)
 {
-    for (const std::string name : {"cast.txt.gz", "one.zip", "two.tgz", "three.tar.gz"}) {
+    for (const std::string name : {"cast.txt.gz", "one.zip", "two.tgz", "three.tar.gz", "four.tar"}) {
         const std::string text = castText(3, 4);
         const std::string bytes = name.ends_with(".zip")  ? zipOf({{"x/cast.txt", text, true}})
                                   : name == "cast.txt.gz" ? gzipOf(text)

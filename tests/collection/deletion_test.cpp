@@ -89,6 +89,23 @@ TEST_P(Deletion, OfAllStationsAndCondensing)
     ASSERT_EQ(sample.put(profile(3, 4)), WriteResult::ok);
 }
 
+TEST(DeleteStations, FilesOfOthersInTheWayAreToldAndStay)
+{
+    for (const char* const suffix : {".ho", ".va"}) {
+        RSampleCollection sample(2);
+        putStations(sample, 3);
+        sample.setBytes(suffix, "mine");
+        const std::string before = sample.bytes(".hob") + sample.bytes(".var");
+        EXPECT_EQ(sample.collection.deleteStation(2, sample.user), 0);
+        ASSERT_FALSE(sample.user.messages.empty());
+        EXPECT_NE(sample.user.messages.back().find(std::string(suffix) + " is in the way"),
+                  std::string::npos);
+        EXPECT_EQ(sample.bytes(suffix), "mine");
+        EXPECT_EQ(sample.bytes(".hob") + sample.bytes(".var"), before);
+        EXPECT_EQ(sample.collection.stationCount, 3);
+    }
+}
+
 TEST(DeleteStations, NothingSelectedAsksNothing)
 {
     RSampleCollection sample;
