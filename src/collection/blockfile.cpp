@@ -70,8 +70,9 @@ const std::byte* RBlockFile::view(std::int64_t offset, std::size_t length)
     }
     const std::size_t wanted = goesOn ? std::max(length, readAhead) : length;
     if (capacity_ < wanted) {
-        capacity_ = std::max(wanted, readAhead);
-        buffer_ = std::make_unique_for_overwrite<std::byte[]>(capacity_);
+        const std::size_t size = std::max(wanted, readAhead);
+        buffer_ = std::make_unique_for_overwrite<std::byte[]>(size);
+        capacity_ = size;
     }
     start_ = offset;
     valid_ = readSome(offset, {buffer_.get(), wanted});

@@ -112,6 +112,7 @@ bool RCollection::finishChange(bool withDescription)
     if (withDescription && !(journaled ? decideByJournal() : decideByDescription())) return false;
     const bool finished = !journaled || change.journal.finish();
     if (!finished && !withDescription) return false; // behind a decision it can be run again
+    if (!finished) writable = false; // what comes behind a journal that stays would be undone with it
     if (withDescription) files.describedCount = stationCount;
     files.change.reset();
     return true;

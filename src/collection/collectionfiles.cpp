@@ -166,7 +166,7 @@ FilesResult copyBeside(const PLACE& from, const PLACE& to, std::vector<FILEACTIO
             putInPlace(suffix);
         } else { // what the source hasn't got, the copy hasn't either
             ::unlink(to.besideFile(suffix).c_str());
-            actions.push_back(removal(to.name, suffix));
+            if (!common::existsAtAll(from.file(suffix))) actions.push_back(removal(to.name, suffix));
         }
     }
     const std::string description = descriptionAs(from, to.name);
@@ -258,12 +258,31 @@ FilesResult prepareRenaming(const PLACE& from, const PLACE& to)
 }
 
 // Gives the files other names, in the same file system. Nothing if that can't be done.
+// A link would point elsewhere from another folder.
+bool holdsLink(const PLACE& place)
+{
+    const auto isLink = [&](std::string_view suffix) {
+        std::error_code ignored;
+        return std::filesystem::is_symlink(place.file(suffix), ignored);
+    };
+    return isLink(".var") || std::any_of(stationSuffixes.begin(), stationSuffixes.end(), isLink) ||
+           std::any_of(sideSuffixes.begin(), sideSuffixes.end(), isLink);
+}
+
+bool sideFilesArrived(const PLACE& from, const PLACE& to)
+{
+    return std::all_of(sideSuffixes.begin(), sideSuffixes.end(), [&](std::string_view suffix) {
+        return !common::existsAtAll(from.file(suffix)) || common::fileExists(to.file(suffix));
+    });
+}
+
 std::optional<FilesResult> renameTo(const PLACE& from, const PLACE& to)
 {
     PLACE target = to; // a journal's names are against its own directory, or absolute
     const bool sameFolder = areSame(folderOf(from), folderOf(to));
     target.directory = sameFolder ? std::string() : common::absolutePath(to.directory + ".");
     if (!sameFolder && !target.directory.ends_with('/')) target.directory += '/';
+    if (!sameFolder && holdsLink(from)) return std::nullopt;
     if (target.path().size() + largestSuffix > largestFilePath) return std::nullopt;
     const FilesResult prepared = prepareRenaming(from, target);
     const RecoveryResult settled = settle(from);
@@ -327,6 +346,7 @@ FilesResult moveCollection(const std::string& from, const std::string& to)
         if (const auto renamed = renameTo(source, target)) return *renamed;
     }
     if (const FilesResult copied = copyTo(source, target); copied != FilesResult::ok) return copied;
+    if (!sideFilesArrived(source, target)) return FilesResult::otherFiles; // the source keeps them
     return deleteCollection(from, true, false) == FilesResult::ok ? FilesResult::ok : FilesResult::otherFiles;
 }
 

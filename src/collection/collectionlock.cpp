@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "common/files.h"
 #include "common/text.h"
 
 namespace collection {
@@ -96,7 +97,7 @@ bool RCollectionLock::acquire(const std::string& basePath, std::string* holder)
     const std::string file = lockPath(basePath);
     for (int i = 0; i < tries; ++i) {
         const int descriptor = openLockFile(file);
-        if (descriptor < 0) return true;
+        if (descriptor < 0) return !common::existsAtAll(file); // somebody's mark that can't be tried is held
         const Locking locking = isRegularFile(descriptor) ? tryLock(descriptor) : Locking::unknown;
         if (locking == Locking::held && isAt(descriptor, file)) {
             sign(descriptor);

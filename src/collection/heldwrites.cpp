@@ -16,15 +16,16 @@ std::int64_t endOf(std::int64_t offset, std::size_t length)
 void RHeldWrites::put(std::int64_t offset, std::span<const std::byte> bytes)
 {
     if (bytes.empty()) return;
-    if (extendsLast(offset, bytes.size())) {
+    const bool extends = extendsLast(offset, bytes.size());
+    if (!extends && replaces(offset, bytes)) return;
+    const std::size_t at = pool_.size();
+    pool_.insert(pool_.end(), bytes.begin(), bytes.end()); // first: a piece never reaches beyond the pool
+    if (extends) {
         last_->second.length += bytes.size();
-    } else if (replaces(offset, bytes)) {
         return;
-    } else {
-        carve(offset, endOf(offset, bytes.size()));
-        last_ = pieces_.emplace(offset, PIECE{bytes.size(), pool_.size()}).first;
     }
-    pool_.insert(pool_.end(), bytes.begin(), bytes.end());
+    carve(offset, endOf(offset, bytes.size()));
+    last_ = pieces_.emplace(offset, PIECE{bytes.size(), at}).first;
 }
 
 // True for bytes that go on where the last ones ended, in the file and in the pool.

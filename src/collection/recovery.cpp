@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -79,7 +80,7 @@ bool namesArePlausible(const JOURNALPLAN& plan)
                                   file.name != file.aside;
                        }) &&
            std::all_of(plan.extended.begin(), plan.extended.end(), [&](const EXTENDEDFILE& file) {
-               return isOwnName(file.name, base) && !isStationFile(file.name, base) && file.size >= 0;
+               return file.name == base + ".log" && file.size >= 0;
            });
 }
 
@@ -211,6 +212,58 @@ bool wasSetAside(const JOURNALPLAN& plan, const std::string& name)
                        [&](const ASIDEFILE& file) { return file.name == name; });
 }
 
+bool isTargetName(std::string_view name)
+{
+    return name.starts_with("TRG.");
+}
+
+// The name in the description of a rewriting's target: that of the collection which it is to replace as soon
+// as it is complete, and until it has taken that one's place. Empty without a description.
+std::string targetOwner(const std::string& directory)
+{
+    const auto text = common::readFile(directory + "TRG.var", largestJournalText);
+    VARDESCRIPTION read;
+    VARFAULT fault;
+    return text && parseVarFile(*text, read, fault) == VarFileResult::ok ? read.name : std::string();
+}
+
+bool targetIsAnothers(const std::string& directory, const std::string& baseName)
+{
+    const std::string owner = targetOwner(directory);
+    return !owner.empty() && owner != "TRG" && owner != baseName;
+}
+
+// What is left to do. A target that isn't this collection's has come after its own took its place.
+COMMITMENT leftToDo(const COMMITMENT& whole, const std::string& directory, const std::string& baseName)
+{
+    const auto movesDescription = [](const FILEACTION& action) {
+        return action.kind == FILEACTION::rename && action.from == "TRG.var";
+    };
+    if (std::none_of(whole.actions.begin(), whole.actions.end(), movesDescription) ||
+        targetOwner(directory) == baseName)
+        return whole;
+    COMMITMENT left = whole;
+    std::erase_if(left.actions, [](const FILEACTION& action) { return isTargetName(action.from); });
+    return left;
+}
+
+// Bytes that come from elsewhere go into ordinary files of this folder only.
+std::string linkAmong(const std::string& basePath)
+{
+    for (const char* const suffix : {".var", ".hob", ".dob", ".log"}) {
+        std::error_code ignored;
+        if (std::filesystem::is_symlink(basePath + suffix, ignored)) return basePath + suffix;
+    }
+    return {};
+}
+
+bool isDescription(const std::optional<std::string>& text)
+{
+    VARDESCRIPTION read;
+    VARFAULT fault;
+    return !text || parseVarFile(*text, read, fault) == VarFileResult::ok;
+}
+
 // A file whose old one stands aside is replaced by it. One that was put aside and isn't there has its old
 // place again.
 bool undoFiles(const JOURNALPLAN& plan, const std::string& directory)
@@ -221,7 +274,10 @@ bool undoFiles(const JOURNALPLAN& plan, const std::string& directory)
             return false;
     }
     for (const std::string& name : plan.made) {
-        if (!wasSetAside(plan, name) && !removeIfThere(directory + name)) return false;
+        if (wasSetAside(plan, name) ||
+            (isTargetName(name) && targetIsAnothers(directory, plan.head.baseName)))
+            continue;
+        if (!removeIfThere(directory + name)) return false;
     }
     return std::all_of(plan.extended.begin(), plan.extended.end(), [&](const EXTENDEDFILE& file) {
         const std::string path = directory + file.name;
@@ -437,6 +493,7 @@ bool runActions(const std::string& directory, std::span<const FILEACTION> action
                           : action.kind == FILEACTION::moveAway ? moveFileAway(directory, action)
                           : common::existsAtAll(from)           ? std::rename(from.c_str(), to.c_str()) == 0
                                                                 : common::existsAtAll(to);
+        if (!done && action.kind == FILEACTION::remove && isSideFile(from)) continue; // it can be made again
         if (!done) all = refuse(fault, because(from));
         if (!done && action.kind != FILEACTION::remove) return false; // what can't go keeps nothing else here
         if (begun && done) *begun = true;
@@ -447,7 +504,7 @@ bool runActions(const std::string& directory, std::span<const FILEACTION> action
 bool completeChange(const JOURNALPLAN& plan, const std::string& basePath, std::string& fault)
 {
     const std::string directory = common::splitPath(basePath).directory;
-    const COMMITMENT& commitment = *plan.commitment;
+    const COMMITMENT commitment = leftToDo(*plan.commitment, directory, baseNameOf(basePath));
     if (!actionsCanRun(commitment, basePath))
         return refuse(fault, "the files of " + basePath + " are not those that the change has left");
     if (!runActions(directory, commitment.actions, fault)) return false;
@@ -476,6 +533,10 @@ RECOVERY recoverCollection(const std::string& basePath)
     if (!reader.open(file)) return outcome(RecoveryResult::failed, plan, file + " is no journal");
     std::string fault;
     if (!readPlan(reader, basePath, plan, fault)) return outcome(RecoveryResult::failed, plan, fault);
+    if (const std::string link = linkAmong(basePath); !link.empty())
+        return outcome(RecoveryResult::failed, plan, link + " is a link to another file");
+    if (plan.commitment && !isDescription(plan.commitment->description))
+        return outcome(RecoveryResult::failed, plan, "it holds no description of a collection");
     const std::string directory = common::splitPath(basePath).directory;
     RCollectionLock target; // what stands under the names of a target may be another program's by now
     if (namesTarget(plan) && !target.acquire(directory + "TRG")) {

@@ -244,13 +244,14 @@ bool RRewriting::replaceSource()
     if (!finishTarget()) return false;
     const std::string from(targetName), to = source_.name;
     std::vector<FILEACTION> actions = {renaming(from + ".hob", to + ".hob"),
-                                       renaming(from + ".dob", to + ".dob"),
-                                       renaming(from + ".var", to + ".var"), removal(from + ".cfl")};
+                                       renaming(from + ".dob", to + ".dob"), removal(from + ".cfl")};
     // what was made from the old headers is never newer than the new ones
     for (const char* const suffix : {".inv", ".cid"}) actions.push_back(removal(to + suffix));
     if (newVariableIds_) {
         actions.push_back(variableIds_.empty() ? removal(to + ".idv") : renaming(from + ".idv", to + ".idv"));
     }
+    // Last: as long as it stands under the target's name it says whose the target is.
+    actions.push_back(renaming(from + ".var", to + ".var"));
     bool done = false;
     begun_ = false;
     if (source_.commitReplacement(actions, count, user_, &done) || done) return true;

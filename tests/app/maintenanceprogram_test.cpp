@@ -194,7 +194,7 @@ TEST_F(MaintenanceProgram, CreationTellsWhatItReplaces)
     makeCollection();
     const RUN r = commands("create_collection cast,WOCE ADCP variables\n");
     EXPECT_EQ(r.code, 0) << r.error;
-    EXPECT_THAT(r.error, HasSubstr("made with 3 variables in the place of 4 stations"));
+    EXPECT_THAT(r.error, HasSubstr("made with 3 variables in the place of 5 stations"));
 }
 
 TEST_F(MaintenanceProgram, BadCreationsEndTheFile)

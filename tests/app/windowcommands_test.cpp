@@ -339,7 +339,9 @@ TEST_F(WindowCommands, DeletionsOfStationsAskFirst)
 TEST_F(WindowCommands, CurrentStationIsDeletedIfThereIsOne)
 {
     openCast();
+    answerNext("&OK", &box);
     window->processMenuItem(app::cmdDeleteCurrent);
+    EXPECT_EQ(box.text, "There is no current station.");
     EXPECT_EQ(open().stationCount, 3);
     open().currentStation = 2;
     answerNext("&Yes", &box);

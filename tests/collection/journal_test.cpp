@@ -1,6 +1,7 @@
 #include "collection/journal.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 
 #include <gtest/gtest.h>
@@ -169,6 +170,42 @@ TEST_F(Journal, ADecidedChangeIsCompleted)
     EXPECT_FALSE(fs::exists(directory.file("sample.idv")));
     EXPECT_FALSE(fs::exists(directory.file("TRG.hob")));
     EXPECT_FALSE(fs::exists(directory.file("sample.jnl")));
+}
+
+TEST_F(Journal, ATargetThatIsAnothersIsLeftAlone)
+{
+    put("TRG.hob", std::string(1000, 'x')); // larger than what the change has left
+    put("TRG.var",
+        formatVarFile("other", "HYD", 1, 1, std::array<VARINFO, 2>{emptyVariable(0), emptyVariable(1)}));
+    const Folder folder = readFolder(directory.path());
+    const JOURNALSTATE state{static_cast<std::int64_t>(oldHob.size()), 20, 2};
+    ASSERT_TRUE(journal.begin(path, "SORTCONDENSE", state));
+    ASSERT_TRUE(journal.sync());
+    const std::vector<FILEACTION> actions = {{FILEACTION::rename, "TRG.hob", "sample.hob"},
+                                             {FILEACTION::rename, "TRG.var", "sample.var"}};
+    ASSERT_TRUE(journal.commit(state, actions));
+    EXPECT_EQ(recover().result, RecoveryResult::completed);
+    EXPECT_TRUE(readFolder(directory.path()) == folder);
+}
+
+TEST_F(Journal, FilesThatAreLinksAreNotWrittenTo)
+{
+    put("precious", "precious");
+    fs::remove(path + ".var");
+    fs::create_symlink(directory.file("precious"), path + ".var");
+    commit();
+    const RECOVERY recovery = recover();
+    EXPECT_EQ(recovery.result, RecoveryResult::failed);
+    EXPECT_NE(recovery.fault.find("is a link"), std::string::npos);
+    EXPECT_EQ(read("precious"), "precious");
+}
+
+TEST_F(Journal, ASideFileThatCanNotGoHoldsNothingUp)
+{
+    fs::create_directories(path + ".idv/full");
+    commit();
+    EXPECT_EQ(recover().result, RecoveryResult::completed);
+    EXPECT_EQ(read("sample.hob"), "target");
 }
 
 TEST_F(Journal, ADecisionThatIsTakenBackIsUndone)
