@@ -119,7 +119,8 @@ bool writeLastFiles(const std::string& basePath, const std::string& directory, c
         if (!line.empty() && (name->empty() || *name == nameOfLine(line, directory))) {
             text.append(line) += '\n';
         } else {
-            text += lineOfName(isFirst && name->empty() ? basePath : *name, directory, isFirst ? ".cfg" : ".");
+            text +=
+                lineOfName(isFirst && name->empty() ? basePath : *name, directory, isFirst ? ".cfg" : ".");
         }
     }
     return common::writeFile(basePath + ".cfl", text);
