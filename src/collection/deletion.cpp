@@ -55,6 +55,21 @@ std::size_t packKept(std::span<std::byte> block, std::size_t recordSize, std::sp
     return kept;
 }
 
+// Takes a change back on every way out on which it was not committed.
+class RRollBack {
+public:
+    explicit RRollBack(RCollection& collection) : collection_(collection) {}
+    ~RRollBack()
+    {
+        if (collection_.isChanging()) collection_.rollBackChange();
+    }
+    RRollBack(const RRollBack&) = delete;
+    RRollBack& operator=(const RRollBack&) = delete;
+
+private:
+    RCollection& collection_;
+};
+
 bool tellUnwritten(const std::string& file, common::RUser& user)
 {
     user.about(title, file + " can't be written. The disk may be full.\n\nThe collection is as it was.");
@@ -178,10 +193,8 @@ bool RCollection::replaceHeaders(std::span<const std::uint8_t> marks, std::strin
                                  "files are no longer the ones that were opened.");
         return false;
     }
-    if (!writeKeptHeaders(marks, user)) {
-        rollBackChange();
-        return false;
-    }
+    const RRollBack unlessCommitted(*this);
+    if (!writeKeptHeaders(marks, user)) return false;
     using enum FILEACTION::Kind;
     // what was made from the old headers is never newer than the new ones
     const FILEACTION actions[] = {{rename, name + ".ho", name + ".hob"},

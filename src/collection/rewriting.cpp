@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <new>
 #include <vector>
 
 #include "collection/blockfile.h"
@@ -84,7 +85,12 @@ bool busyWith(std::string_view title, common::RUser& user, const std::function<b
 {
     const common::RBusyGuard busy(user, std::string(title).append(common::escAborts));
     user.setAbort(false);
-    const bool done = operation();
+    bool done = false;
+    try {
+        done = operation();
+    } catch (const std::bad_alloc&) {
+        user.about(title, "There is not enough memory.\n\nThe collection is as it was.");
+    }
     user.setAbort(false);
     return done;
 }

@@ -53,7 +53,8 @@ private:
     bool changed_ = false;
 };
 
-// Runs an operation that ESC can break off within a busy state of its own. Gives back its result.
+// Runs an operation that ESC can break off within a busy state of its own. Gives back its result; false,
+// after a message, if memory ran out: the operation takes back what it did on every way out.
 [[nodiscard]] bool busyWith(std::string_view title, common::RUser& user,
                             const std::function<bool()>& operation);
 
