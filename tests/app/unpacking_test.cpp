@@ -81,9 +81,10 @@ TEST_F(Packed, SpreadsheetMakesItsCollectionBesideTheArchive)
 {
     for (const std::string name : {"cast.txt.gz", "one.zip", "two.tgz", "three.tar.gz", "four.tar"}) {
         const std::string text = castText(3, 4);
-        const std::string bytes = name.ends_with(".zip")  ? zipOf({{"x/cast.txt", text, true}})
-                                  : name == "cast.txt.gz" ? gzipOf(text)
-                                                          : gzipOf(tarOf({{"x/cast.txt", text}}));
+        const std::string bytes = name.ends_with(".zip")   ? zipOf({{"x/cast.txt", text, true}})
+                                  : name.ends_with(".tar") ? tarOf({{"x/cast.txt", text}})
+                                  : name == "cast.txt.gz"  ? gzipOf(text)
+                                                           : gzipOf(tarOf({{"x/cast.txt", text}}));
         writeText(file("data/" + name), bytes);
         ASSERT_EQ(open(name), OpenResult::ok) << name << testing::PrintToString(user.messages);
         EXPECT_EQ(session.collection.stationCount, 3);
