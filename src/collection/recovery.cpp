@@ -493,7 +493,11 @@ bool runActions(const std::string& directory, std::span<const FILEACTION> action
                           : action.kind == FILEACTION::moveAway ? moveFileAway(directory, action)
                           : common::existsAtAll(from)           ? std::rename(from.c_str(), to.c_str()) == 0
                                                                 : common::existsAtAll(to);
-        if (!done && action.kind == FILEACTION::remove && isSideFile(from)) continue; // it can be made again
+        // A side file can be made again: one that doesn't go at a second try either holds nothing up.
+        if (!done && action.kind == FILEACTION::remove && isSideFile(from)) {
+            static_cast<void>(removeIfThere(from));
+            continue;
+        }
         if (!done) all = refuse(fault, because(from));
         if (!done && action.kind != FILEACTION::remove) return false; // what can't go keeps nothing else here
         if (begun && done) *begun = true;
