@@ -28,6 +28,11 @@ public:
     {
         return proposed;
     }
+    int choose(std::string_view, std::string_view, std::span<const std::string_view>, int proposed,
+               int) override
+    {
+        return proposed;
+    }
     bool report(std::string_view, std::string_view) override { return true; }
     void note(std::string_view text) override
     {

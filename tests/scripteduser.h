@@ -15,6 +15,7 @@ public:
     std::vector<std::string> notes;
     std::vector<std::string> statusTexts;
     std::deque<common::Answer> answers;
+    std::deque<int> choices; // for choose()
     bool acceptReports = true;
     int abortAfter = -1; // raises the abort flag at this many progress updates
 
@@ -26,6 +27,15 @@ public:
         const common::Answer answer = answers.front();
         answers.pop_front();
         return answer;
+    }
+    int choose(std::string_view title, std::string_view text, std::span<const std::string_view>, int proposed,
+               int) override
+    {
+        keep(title, text);
+        if (choices.empty()) return proposed;
+        const int choice = choices.front();
+        choices.pop_front();
+        return choice;
     }
     bool report(std::string_view title, std::string_view text) override
     {

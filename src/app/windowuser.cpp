@@ -1,6 +1,7 @@
 #include "app/windowuser.h"
 
 #include <algorithm>
+#include <vector>
 
 #include <QApplication>
 #include <QMessageBox>
@@ -50,6 +51,25 @@ common::Answer RWindowUser::question(std::string_view title, std::string_view te
 {
     if (!interactive()) return headless_.question(title, text, proposed);
     return ask(parts_.window, title, text, proposed);
+}
+
+int RWindowUser::choose(std::string_view title, std::string_view text,
+                        std::span<const std::string_view> buttons, int proposed, int escape)
+{
+    if (!interactive()) return headless_.choose(title, text, buttons, proposed, escape);
+    QMessageBox box(QMessageBox::Question, fromUtf8(title), fromUtf8(text), QMessageBox::NoButton,
+                    parts_.window);
+    std::vector<QAbstractButton*> made;
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        // A role of its own for each would let the style change their order.
+        QPushButton* const button = box.addButton(fromUtf8(buttons[i]), QMessageBox::ActionRole);
+        if (static_cast<int>(i) == proposed) box.setDefaultButton(button);
+        if (static_cast<int>(i) == escape) box.setEscapeButton(button);
+        made.push_back(button);
+    }
+    box.exec();
+    const auto clicked = std::find(made.begin(), made.end(), box.clickedButton());
+    return clicked == made.end() ? escape : static_cast<int>(clicked - made.begin());
 }
 
 bool RWindowUser::report(std::string_view title, std::string_view text)

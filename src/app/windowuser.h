@@ -31,6 +31,8 @@ public:
     void about(std::string_view title, std::string_view text) override;
     [[nodiscard]] common::Answer question(std::string_view title, std::string_view text,
                                           common::Answer proposed) override;
+    [[nodiscard]] int choose(std::string_view title, std::string_view text,
+                             std::span<const std::string_view> buttons, int proposed, int escape) override;
     [[nodiscard]] bool report(std::string_view title, std::string_view text) override;
     void note(std::string_view text) override;
     void status(std::string_view text) override;

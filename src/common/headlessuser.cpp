@@ -42,6 +42,13 @@ Answer RHeadlessUser::question(std::string_view title, std::string_view text, An
     return proposed;
 }
 
+int RHeadlessUser::choose(std::string_view title, std::string_view text, std::span<const std::string_view>,
+                          int proposed, int)
+{
+    writeLine(messageLine(title, text));
+    return proposed;
+}
+
 bool RHeadlessUser::report(std::string_view title, std::string_view text)
 {
     writeLine(messageLine(title, text));

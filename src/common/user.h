@@ -4,6 +4,7 @@
 // line, the headless run writes to standard error and answers by a fixed rule, tests script the answers.
 // Only the outermost operation speaks; everything below returns a result.
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,11 @@ public:
     // A question with "&Yes", "&No", "&Cancel"; `proposed` is the default button.
     [[nodiscard]] virtual Answer question(std::string_view title, std::string_view text,
                                           Answer proposed = Answer::yes) = 0;
+
+    // A question with buttons of its own, their texts with "&": the place of the answer among them.
+    // `proposed` is the default button, `escape` the one that ESC and closing the box mean.
+    [[nodiscard]] virtual int choose(std::string_view title, std::string_view text,
+                                     std::span<const std::string_view> buttons, int proposed, int escape) = 0;
 
     // A report with "&OK", "&Undo", "&Cancel"; true for OK.
     [[nodiscard]] virtual bool report(std::string_view title, std::string_view text) = 0;

@@ -2,16 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 
-#include "collection/damage.h"
 #include "common/files.h"
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "export/numberformat.h"
-#include "selection/criteria.h"
-#include "selection/selectedlist.h"
-#include "variables/needed.h"
+#include "export/stationexport.h"
 
 namespace exporting {
 namespace {
@@ -19,16 +15,16 @@ namespace {
 using collection::RCollection;
 using collection::STATIONDATA;
 using collection::STATIONHDR;
-using common::Answer;
 using common::format;
 using common::MISSING_VALUE;
 
-constexpr std::string_view caption = "Exporting Station-Data ...";
+constexpr EXPORTTEXTS texts{"Exporting Station-Data ...", "Exporting Station-Data ...",
+                            "Really Want to Abort and Delete Export File?",
+                            "%d Stations Exported to File\n\n%s"};
 constexpr std::string_view metaLabels =
     "Cruise\tStation\tType\tmon/day/yr\thh:mm\tLon (°E)\tLat (°N)\tBot. Depth [m]";
 constexpr std::size_t flushSize = std::size_t{1} << 20;
 constexpr std::string_view missingFlag = "8";
-constexpr int smallestProgressStep = 100;
 
 // A label as a field: in UTF-8, and without characters that would divide it.
 std::string fieldOf(std::string_view label)
@@ -46,7 +42,7 @@ std::string metaFields(const STATIONHDR& header)
         fieldOf(common::fieldText(header.cruise)) + '\t' + fieldOf(common::fieldText(header.station)) + '\t' +
         fieldOf(common::fieldText(header.type)) +
         format("\t%d/%d/%d\t%02d:%02d\t", header.month, header.day, header.year, header.hour, header.minute);
-    appendG(text, header.longitude < 0 ? header.longitude + 360 : header.longitude);
+    appendG(text, eastLongitude(header.longitude));
     text += '\t';
     appendG(text, header.latitude);
     const double bottom = std::clamp(static_cast<double>(header.bottomDepth), -2e9, 2e9);
@@ -85,106 +81,36 @@ std::string missingFields(const std::string& missingText)
     return "\t" + std::string(trimmed) + "\t" + std::string(missingFlag);
 }
 
-bool sampleSelectionIsActive(const RCollection& collection)
-{
-    const int variable = collection.criteria.sampleVariable;
-    return variable >= 1 && variable <= collection.totalVariableCount;
-}
-
-bool acceptsSampleSelection(const RCollection& collection, common::RUser& user)
-{
-    if (!sampleSelectionIsActive(collection) || !user.interactive()) return true;
-    return user.question("Sample selection warning ...",
-                         "Sample selection criteria are currently in effect.\n"
-                         "Only selected samples are written to the export file!\n\nContinue?") == Answer::yes;
-}
-
-std::vector<int> chosenVariables(const RCollection& collection, const SPREADSHEETOPTIONS& options)
-{
-    std::vector<int> variables;
-    if (options.variables.empty()) {
-        variables.resize(static_cast<std::size_t>(collection.variableCount));
-        std::iota(variables.begin(), variables.end(), 1);
-        return variables;
-    }
-    std::copy_if(options.variables.begin(), options.variables.end(), std::back_inserter(variables),
-                 [&](int v) { return v >= 1 && v <= collection.totalVariableCount; });
-    return variables;
-}
-
-bool holdsAny(const STATIONDATA& station, const std::vector<int>& variables)
-{
-    return std::any_of(variables.begin(), variables.end(),
-                       [&](int v) { return station.offset[static_cast<std::size_t>(v)] >= 0; });
-}
-
-// Puts the mask of needed variables back.
-class RNeededGuard {
+// The file, written in pieces.
+class RSpreadsheetSink final : public RStationSink {
 public:
-    RNeededGuard(RCollection& collection, const std::vector<int>& variables)
-        : collection_(collection), saved_(collection.neededMask)
+    RSpreadsheetSink(const RCollection& collection, const std::string& path,
+                     const std::vector<int>& variables, const std::string& missingText)
+        : file_(path), variables_(variables), missingText_(missingText),
+          text_(spreadsheetHeaderLine(collection, variables))
     {
-        variables::needVariables(collection, variables);
     }
-    ~RNeededGuard() { collection_.neededMask = saved_; }
-    RNeededGuard(const RNeededGuard&) = delete;
-    RNeededGuard& operator=(const RNeededGuard&) = delete;
+    [[nodiscard]] bool write(const STATIONDATA& station) override
+    {
+        if (file_.stream() == nullptr) return false;
+        appendStation(text_, station, variables_, missingText_);
+        return text_.size() < flushSize || flush();
+    }
+    [[nodiscard]] bool commit() override { return file_.stream() != nullptr && flush() && file_.commit(); }
 
 private:
-    RCollection& collection_;
-    const decltype(RCollection::neededMask) saved_;
-};
-
-struct EXPORT {
-    RCollection& collection;
-    STATIONDATA& station;
-    std::FILE* file;
-    const std::vector<int>& variables;
-    const std::string& missingText;
-    common::RUser& user;
-    std::string text;
-    collection::RDamageReport damaged;
-    int written = 0;
-};
-
-bool flush(EXPORT& run)
-{
-    const bool good = std::fwrite(run.text.data(), 1, run.text.size(), run.file) == run.text.size();
-    run.text.clear();
-    return good;
-}
-
-// False if the file can't take more.
-bool writeStation(EXPORT& run, int number)
-{
-    if (run.collection.loadStation(number, run.station, true) != collection::LoadResult::ok) {
-        run.damaged.add(number);
-        return true;
+    bool flush()
+    {
+        const bool good = std::fwrite(text_.data(), 1, text_.size(), file_.stream()) == text_.size();
+        text_.clear();
+        return good;
     }
-    if (sampleSelectionIsActive(run.collection))
-        selection::compressToSampleRange(run.station, run.collection.criteria);
-    if (run.station.levels() < 1 || !holdsAny(run.station, run.variables)) return true;
-    appendStation(run.text, run.station, run.variables, run.missingText);
-    ++run.written;
-    return run.text.size() < flushSize || flush(run);
-}
 
-enum class Outcome { complete, aborted, unwritable };
-
-Outcome writeAll(EXPORT& run)
-{
-    const std::vector<selection::SELECTEDSTATION> list = selection::readSelectedList(run.collection);
-    const std::size_t step = std::max<std::size_t>(smallestProgressStep, list.size() / 20);
-    run.text = spreadsheetHeaderLine(run.collection, run.variables);
-    for (std::size_t i = 0; i < list.size(); ++i) {
-        if (i % step == 0)
-            run.user.setProgress(100.0 * static_cast<double>(i) / static_cast<double>(list.size()));
-        if (run.user.askAbort("Really Want to Abort and Delete Export File?", caption))
-            return Outcome::aborted;
-        if (!writeStation(run, list[i].number)) return Outcome::unwritable;
-    }
-    return flush(run) ? Outcome::complete : Outcome::unwritable;
-}
+    common::RReplacementFile file_;
+    const std::vector<int>& variables_;
+    const std::string& missingText_;
+    std::string text_;
+};
 
 } // namespace
 
@@ -221,25 +147,9 @@ bool exportSpreadsheet(RCollection& collection, STATIONDATA& station, const std:
                        const SPREADSHEETOPTIONS& options, common::RUser& user)
 {
     if (!acceptsSampleSelection(collection, user)) return false;
-    const std::vector<int> variables = chosenVariables(collection, options);
-    const int current = station.number;
-    common::RReplacementFile file(path);
-    Outcome outcome = Outcome::unwritable;
-    EXPORT run{collection, station, file.stream(), variables, options.missingText, user, {}, {}, 0};
-    if (file.stream() != nullptr) {
-        const RNeededGuard needed(collection, variables);
-        const common::RBusyGuard busy(user, std::string(caption).append(common::escAborts));
-        outcome = writeAll(run);
-        if (outcome == Outcome::complete && !file.commit()) outcome = Outcome::unwritable;
-    }
-    if (current > 0 && collection.loadStation(current, station, true) != collection::LoadResult::ok)
-        station.clear();
-    run.damaged.tell(collection.path, user);
-    if (outcome == Outcome::unwritable) user.about(caption, format("Could not write file %s!", path.c_str()));
-    if (outcome == Outcome::aborted) user.setAbort(false);
-    if (outcome == Outcome::complete && user.interactive())
-        user.about(caption, format("%d Stations Exported to File\n\n%s", run.written, path.c_str()));
-    return outcome == Outcome::complete;
+    const std::vector<int> variables = chosenVariables(collection, options.variables);
+    RSpreadsheetSink sink(collection, path, variables, options.missingText);
+    return exportStations({collection, station, variables, path, texts, user}, sink) == ExportEnd::complete;
 }
 
 } // namespace exporting

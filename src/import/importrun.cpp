@@ -1,5 +1,8 @@
 #include "import/importrun.h"
 
+#include <algorithm>
+#include <array>
+
 #include "collection/sidefiles.h"
 #include "common/text.h"
 #include "common/textcoding.h"
@@ -10,7 +13,6 @@ namespace {
 
 using collection::STATIONDATA;
 using collection::STATIONHDR;
-using common::Answer;
 using common::format;
 
 constexpr std::string_view runCaption = "Importing Station-Data ...";
@@ -37,6 +39,7 @@ std::string_view pastTense(ImportMode mode)
 RImportRun::RImportRun(collection::RCollection& collection, common::RUser& user, RUNOPTIONS options)
     : collection_(collection), user_(user), options_(std::move(options))
 {
+    takeCruises(options_.cruises);
 }
 
 RImportRun::~RImportRun()
@@ -78,9 +81,16 @@ std::int64_t RImportRun::openImport(const std::string& file, const std::string& 
     return size;
 }
 
+void RImportRun::takeCruises(std::span<const CRUISEASSOCIATION> cruises)
+{
+    cruises_.clear();
+    std::copy_if(cruises.begin(), cruises.end(), std::back_inserter(cruises_),
+                 [](const CRUISEASSOCIATION& cruise) { return !cruise.sourceLabel.empty(); });
+}
+
 void RImportRun::applyCruises(STATIONHDR& header) const
 {
-    for (const CRUISEASSOCIATION& cruise : options_.cruises) {
+    for (const CRUISEASSOCIATION& cruise : cruises_) {
         if (cruise.sourceLabel != common::fieldText(header.cruise) ||
             cruise.type != common::fieldText(header.type)) {
             continue;
@@ -108,29 +118,26 @@ bool RImportRun::askReplace(const STATIONHDR& header)
         format("Station: %s  - %s  - %s Already in Collection!\n\nReplace It?", utf8(header.cruise).c_str(),
                utf8(header.station).c_str(), utf8(header.type).c_str());
     constexpr std::string_view title = "Confirm Station Replace";
-    ReplaceAnswer answer = ReplaceAnswer::no;
-    if (options_.confirmReplace) {
-        answer = options_.confirmReplace(title, text);
-    } else {
-        const Answer plain = user_.question(title, text);
-        answer = plain == Answer::yes  ? ReplaceAnswer::yes
-                 : plain == Answer::no ? ReplaceAnswer::no
-                                       : ReplaceAnswer::abort;
-    }
-    state.aborted = answer == ReplaceAnswer::abort;
-    state.replaceAll = answer == ReplaceAnswer::yesToAll;
-    return answer == ReplaceAnswer::yes || answer == ReplaceAnswer::yesToAll;
+    enum Button { yes, yesToAll, no, abort };
+    constexpr auto buttons = std::to_array<std::string_view>({"&Yes", "Yes to &All", "&No", "&Cancel"});
+    const int answer = user_.choose(title, text, buttons, yes, abort);
+    state.aborted = answer == abort;
+    state.replaceAll = answer == yesToAll;
+    return answer == yes || answer == yesToAll;
 }
 
 bool RImportRun::tellNotFound(const STATIONHDR& header)
 {
-    const Answer answer = user_.question("Station not Found ...",
-                                         format("%s  - %s  - %s not in Collection!\nNo Data Import for this "
-                                                "Station!\n\nContinue showing warnings?",
-                                                utf8(header.cruise).c_str(), utf8(header.station).c_str(),
-                                                utf8(header.type).c_str()));
-    state.aborted = answer == Answer::cancel;
-    if (answer == Answer::no) state.replaceAll = true;
+    enum Button { yes, no, abort };
+    constexpr auto buttons = std::to_array<std::string_view>({"&Yes", "&No", "&Abort"});
+    const int answer = user_.choose("Station not Found ...",
+                                    format("%s  - %s  - %s not in Collection!\nNo Data Import for this "
+                                           "Station!\n\nContinue showing warnings?",
+                                           utf8(header.cruise).c_str(), utf8(header.station).c_str(),
+                                           utf8(header.type).c_str()),
+                                    buttons, yes, abort);
+    state.aborted = answer == abort;
+    if (answer == no) state.replaceAll = true;
     return false;
 }
 

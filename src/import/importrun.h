@@ -5,11 +5,13 @@
 
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "collection/rcollection.h"
 #include "common/user.h"
+#include "import/account.h"
 #include "import/existingstations.h"
 #include "import/merge.h"
 
@@ -33,6 +35,7 @@ struct IMPORTSTATE {
     std::string file;       // path of the input
     std::string fileName;   // short name for the report; empty for lists
     std::string lineBuffer; // the line last read
+    STOREACCOUNT account;
 };
 
 // Stations of cruise `sourceLabel` and this type are those of cruise `name`.
@@ -40,12 +43,17 @@ struct CRUISEASSOCIATION {
     std::string sourceLabel, type, name;
 };
 
-enum class ReplaceAnswer { yes, yesToAll, no, abort };
+// What happens in mode addReplace to a station that is there.
+enum class Existing : int {
+    ask,     // the user
+    replace, // without a question
+    keep,    // the stored one stays
+    abort    // the import ends at the first one
+};
 
 struct RUNOPTIONS {
-    std::vector<CRUISEASSOCIATION> cruises;
-    // Asks whether a station is to be replaced; null: an ordinary question.
-    std::function<ReplaceAnswer(std::string_view title, std::string_view text)> confirmReplace;
+    Existing existing = Existing::ask;
+    std::vector<CRUISEASSOCIATION> cruises; // as takeCruises() takes them
     // Called for each station that was stored, to draw it; may be null.
     std::function<void(const collection::STATIONHDR&)> stationStored;
 };
@@ -70,6 +78,9 @@ public:
                                      std::int64_t everyBytes);
     // Reports; undoes or commits; logs, and with `final` builds the inventory anew.
     void closeImport(bool final);
+    // Stations of these cruises take the label of the one in the collection; those without a source label
+    // are left out.
+    void takeCruises(std::span<const CRUISEASSOCIATION> cruises);
     // Tells of a ReadCode that is about a line.
     void reportReadError(std::int64_t code);
 
@@ -92,6 +103,7 @@ private:
     collection::RCollection& collection_;
     common::RUser& user_;
     const RUNOPTIONS options_;
+    std::vector<CRUISEASSOCIATION> cruises_;
     std::unique_ptr<RExistingStations> existing_;
     std::unique_ptr<collection::STATIONDATA> merged_;
     bool open_ = false;

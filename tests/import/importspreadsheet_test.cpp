@@ -207,7 +207,7 @@ TEST(ImportSpreadsheet, NoKeepsTheOldStationAndAbortEndsTheImport)
 {
     RImports run;
     run.import(cast("1", 3, 10) + cast("2", 3, 10));
-    run.user().answers = {Answer::no, Answer::cancel};
+    run.user().choices = {2, 3};
     run.import(cast("1", 3, 20) + cast("2", 3, 20) + cast("3", 3, 20));
     EXPECT_EQ(run.load(1).values[2][0], 10);
     EXPECT_EQ(run.load(2).values[2][0], 10);
@@ -219,13 +219,9 @@ TEST(ImportSpreadsheet, YesToAllAsksNoMore)
 {
     RImports run;
     run.import(cast("1", 3, 10) + cast("2", 3, 10));
-    int asked = 0;
-    run.options.run.confirmReplace = [&](std::string_view, std::string_view) {
-        ++asked;
-        return ReplaceAnswer::yesToAll;
-    };
+    run.user().choices = {1, 2, 2};
     run.import(cast("1", 3, 20) + cast("2", 3, 20));
-    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(run.user().choices.size(), 2u); // one was asked for
     EXPECT_EQ(run.load(2).values[2][0], 20);
 }
 
@@ -327,7 +323,7 @@ TEST(ImportSpreadsheet, MergeTellsOfStationsThatAreNotThereUntilItIsToldNotTo)
 {
     RImports run;
     run.import(cast("1", 3, 10));
-    run.user().answers = {Answer::yes, Answer::no};
+    run.user().choices = {0, 1};
     run.import(cast("7", 1) + cast("8", 1) + cast("9", 1) + cast("1", 3, 20), ImportMode::merge);
     EXPECT_EQ(run.user().messages.size(), 3u);
     EXPECT_EQ(run.user().messages[0],
@@ -341,7 +337,7 @@ TEST(ImportSpreadsheet, AbortAtAMissingStationEndsTheMerge)
 {
     RImports run;
     run.import(cast("1", 3, 10));
-    run.user().answers = {Answer::cancel};
+    run.user().choices = {2};
     run.import(cast("7", 1) + cast("1", 3, 20), ImportMode::merge);
     EXPECT_EQ(run.load(1).values[2][0], 10);
     EXPECT_EQ(run.result.end, ImportEnd::cancelled);
@@ -588,10 +584,14 @@ TEST(ImportSpreadsheet, AUserMayCancelTheOptions)
     public:
         bool settleProperties(SPREADSHEETDESC&, std::span<const std::string>) override { return true; }
         bool settleHeaderVariables(SPREADSHEETDESC&, std::span<const std::string>) override { return true; }
-        bool settleImport(IMPORTSTATE&, std::span<collection::VARINFO>,
-                          std::span<collection::VARINFO>) override
+        bool settleImport(IMPORTCHOICES&) override { return false; }
+        int identify(std::string_view, std::string_view, std::span<const collection::VARINFO>) override
         {
-            return false;
+            return 0;
+        }
+        std::optional<std::string> chooseDescription(std::string_view, const std::string&) override
+        {
+            return std::nullopt;
         }
     };
     RCancel settler;

@@ -1,0 +1,167 @@
+#include "import/importfile.h"
+
+#include <algorithm>
+
+#include "common/text.h"
+#include "common/textcoding.h"
+#include "import/association.h"
+#include "import/importspreadsheet.h"
+
+namespace importing {
+namespace {
+
+using collection::RCollection;
+using collection::STATIONDATA;
+using collection::VARINFO;
+using common::format;
+
+constexpr std::string_view caption = "NVQ Data Import";
+
+// The source variables that nothing takes.
+std::string unusedSources(std::span<const VARINFO> sources, std::span<const VARINFO> targets)
+{
+    const auto isUsed = [&](std::size_t source) {
+        return std::any_of(targets.begin() + 1, targets.end(), [&](const VARINFO& target) {
+            return target.assocSource == static_cast<int>(source);
+        });
+    };
+    std::string names;
+    for (std::size_t i = 1; i < sources.size(); ++i) {
+        if (isUsed(i)) continue;
+        names.append(names.empty() ? "\"" : ", \"");
+        names.append(common::labelToUtf8(common::fieldText(sources[i].label))).append("\"");
+    }
+    return names;
+}
+
+bool anyTargetIsFed(std::span<const VARINFO> targets)
+{
+    return std::any_of(targets.begin() + 1, targets.end(),
+                       [](const VARINFO& target) { return target.assocSource != 0; });
+}
+
+// True if the variables of the file are those of the collection, one by one: a file of the layout that the
+// collection was made from.
+bool hasTheVariablesOf(std::span<const VARINFO> targets, std::span<const VARINFO> sources)
+{
+    return std::equal(sources.begin(), sources.end(), targets.begin(), targets.end(),
+                      [](const VARINFO& a, const VARINFO& b) {
+                          return common::fieldText(a.label) == common::fieldText(b.label);
+                      });
+}
+
+IMPORTCHOICES choicesOf(const RCollection& collection, const IMPORTSTATE& state)
+{
+    IMPORTCHOICES choices;
+    choices.mode = state.mode;
+    choices.checkExisting = state.checkExisting;
+    choices.emptyCollection = collection.stationCount == 0;
+    for (const collection::CRUISEINFO& cruise : collection.cruises) {
+        choices.cruises.push_back(
+            {{}, std::string(common::fieldText(cruise.type)), std::string(common::fieldText(cruise.cruise))});
+    }
+    return choices;
+}
+
+bool askSettler(RCollection& collection, const IMPORTOPTIONS& options, const IMPORTSOURCE& source,
+                RImportRun& run, common::RUser& user)
+{
+    if (collection.cruises.empty()) collection.readInventory(false, user);
+    IMPORTCHOICES choices = choicesOf(collection, run.state);
+    choices.sources = source.sources;
+    choices.targets = targetsOf(collection);
+    choices.mayUseDefaults = source.mayUseDefaults;
+    if (!options.settler->settleImport(choices)) return false;
+    run.state.mode = choices.mode;
+    run.state.checkExisting = choices.checkExisting;
+    run.takeCruises(choices.cruises);
+    return true;
+}
+
+bool canMerge(const RCollection& collection, ImportMode mode, common::RUser& user)
+{
+    if (mode == ImportMode::addReplace || collection.stationCount > 0) return true;
+    user.about("Collection is empty ...", "Merge/Update not possible for empty collections.");
+    return false;
+}
+
+} // namespace
+
+std::span<VARINFO> targetsOf(RCollection& collection)
+{
+    return std::span(collection.variables).first(static_cast<std::size_t>(collection.variableCount) + 1);
+}
+
+bool canImport(const RCollection& collection, common::RUser& user)
+{
+    if (collection.isOpen && collection.kind == 1 && collection.writable) return true;
+    user.about(caption, "The collection is not open for writing.\n\nData may not be modified!");
+    return false;
+}
+
+bool settleImport(RCollection& collection, const IMPORTSOURCE& source, const IMPORTOPTIONS& options,
+                  RImportRun& run, IMPORTRESULT& result, common::RUser& user)
+{
+    const auto& [path, sources, mayUseDefaults] = source;
+    const std::span<VARINFO> targets = targetsOf(collection);
+    result.end = ImportEnd::failed;
+    if (options.header || hasTheVariablesOf(targets, sources)) {
+        associateByNumber(sources, targets);
+    } else {
+        associateByLabel(sources, targets);
+    }
+    if (options.settler != nullptr && !askSettler(collection, options, source, run, user)) {
+        result.end = ImportEnd::cancelled;
+        return false;
+    }
+    if (!anyTargetIsFed(targets)) {
+        user.about(caption, format("File %s has no column of a variable of collection %s.\n\nThe association "
+                                   "of its columns would have to be given by a user.",
+                                   path.c_str(), collection.name.c_str()));
+        return false;
+    }
+    if (const std::string unused = unusedSources(sources, targets); !unused.empty())
+        user.note(format("%s: not imported: %s", path.c_str(), unused.c_str()));
+    if (!canMerge(collection, run.state.mode, user)) return false;
+    result.end = ImportEnd::done;
+    return true;
+}
+
+KEYVARIABLES keyVariables(RCollection& collection, std::span<const VARINFO>, RImportSettler*)
+{
+    return {collection.getVariableId("Depth [m]"), collection.getVariableId("Salinity [psu]")};
+}
+
+std::int64_t importStations(RStationReader& reader, RImportRun& run, STATIONDATA& station,
+                            const PROGRESSSTEP& step)
+{
+    for (;;) {
+        const std::int64_t bytes = reader.readStation(station);
+        run.state.lineNumber = reader.lineNumber();
+        if (bytes <= 0) {
+            run.state.lineBuffer = reader.currentLine();
+            run.reportReadError(bytes);
+            return bytes;
+        }
+        run.state.bytesRead += bytes;
+        if (run.importStation(station, step.stations, step.bytes)) return readEnd;
+    }
+}
+
+IMPORTRESULT resultOf(const RImportRun& run, std::int64_t code)
+{
+    IMPORTRESULT result{ImportEnd::done, run.state.stationsRead, run.state.stationsStored};
+    if (run.state.aborted || run.state.undoRequested || code == readCancelled)
+        result.end = ImportEnd::cancelled;
+    else if (run.state.failed || code < 0)
+        result.end = ImportEnd::failed;
+    return result;
+}
+
+IMPORTRESULT importFile(Format, RCollection& collection, STATIONDATA& station, const std::string& path,
+                        const IMPORTOPTIONS& options, common::RUser& user)
+{
+    return importSpreadsheet(collection, station, path, options, user);
+}
+
+} // namespace importing
