@@ -35,6 +35,10 @@ struct LASTFILES {
 [[nodiscard]] bool writeLastFiles(const std::string& basePath, const std::string& directory,
                                   const LASTFILES& files);
 
+// A line of `.idv` is a key, "=" or a tab, and a number: the length of the key, that of the line if there is
+// no such divider. It is written with "=".
+[[nodiscard]] std::size_t idKeyLength(std::string_view line);
+
 // True if a collection with this base path may be changed: its directory allows writing and, unless it is
 // new, so do its description and its station files, as far as they exist.
 [[nodiscard]] bool filesAreWritable(const std::string& basePath, const std::string& directory, bool isNew);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "collection/rewriting.h"
+#include "collection/sidefiles.h"
 #include "common/text.h"
 
 namespace collection {
@@ -71,12 +72,12 @@ std::string variableIds(const std::string& text, const ORIGINS& origins)
     std::string ids;
     for (std::string_view rest = text; !rest.empty();) {
         const std::string_view line = common::takeLine(rest);
-        const std::size_t equals = line.find('=');
-        if (equals == std::string_view::npos) continue;
-        std::string_view value = line.substr(equals + 1);
+        const std::size_t length = idKeyLength(line);
+        if (length == line.size()) continue;
+        std::string_view value = line.substr(length + 1);
         int old = 0;
         const int number = common::takeInt(value, old) ? newNumberOf(old, origins) : 0;
-        if (number > 0) ids += std::string(line.substr(0, equals)) + common::format("=%d\n", number);
+        if (number > 0) ids += std::string(line.substr(0, length)) + common::format("=%d\n", number);
     }
     return ids;
 }
