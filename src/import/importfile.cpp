@@ -5,6 +5,7 @@
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "import/association.h"
+#include "import/importlist.h"
 #include "import/importspreadsheet.h"
 
 namespace importing {
@@ -106,6 +107,18 @@ bool canMerge(const RCollection& collection, ImportMode mode, common::RUser& use
     return false;
 }
 
+IMPORTRESULT importOneFile(Format form, RCollection& collection, STATIONDATA& station,
+                           const std::string& path, const IMPORTOPTIONS& options, common::RUser& user)
+{
+    switch (form) {
+    case Format::spreadsheet:
+        return importSpreadsheet(collection, station, path, options, user);
+    default:
+        user.about(caption, format("File %s: there is no import of its format.", path.c_str()));
+        return {ImportEnd::failed, 0, 0};
+    }
+}
+
 } // namespace
 
 std::span<VARINFO> targetsOf(RCollection& collection)
@@ -190,10 +203,21 @@ IMPORTRESULT resultOf(const RImportRun& run, std::int64_t code)
     return result;
 }
 
-IMPORTRESULT importFile(Format, RCollection& collection, STATIONDATA& station, const std::string& path,
+bool isFileList(std::string_view path)
+{
+    constexpr std::string_view ending = ".lst";
+    return path.size() > ending.size() &&
+           common::equalsIgnoreCase(path.substr(path.size() - ending.size()), ending);
+}
+
+IMPORTRESULT importFile(Format form, RCollection& collection, STATIONDATA& station, const std::string& path,
                         const IMPORTOPTIONS& options, common::RUser& user)
 {
-    return importSpreadsheet(collection, station, path, options, user);
+    const auto importOne = [&](const std::string& file, const IMPORTOPTIONS& settled) {
+        return importOneFile(form, collection, station, file, settled, user);
+    };
+    return isFileList(path) ? importList(collection, path, options, importOne, user)
+                            : importOne(path, options);
 }
 
 } // namespace importing

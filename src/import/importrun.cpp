@@ -272,7 +272,8 @@ bool RImportRun::decide(STATIONDATA& station, std::int64_t values)
         return false;
     }
     if (isMissing) {
-        addNotFound(account, nameOf(station.header));
+        addNotFound(account, format("%s - %s - %s", utf8(station.header.cruise).c_str(),
+                                    utf8(station.header.station).c_str(), utf8(station.header.type).c_str()));
         account.valuesDropped += values;
         return true;
     }
