@@ -75,22 +75,23 @@ char* putDigits(char* out, unsigned number, int exponent)
 {
     const TRIPLE& high = triples[number / 1000];
     const TRIPLE& low = triples[number % 1000];
-    char digits[8] = {};
-    std::memcpy(digits, high.digits, 3);
-    std::memcpy(digits + 3, low.digits, 3);
     const int used = low.used > 0 ? 3 + low.used : high.used;
     if (exponent < 0) {
-        std::memcpy(out, "0.000000", 8);
+        std::memcpy(out, "0.000", 5);
         out += 1 - exponent;
-        std::memcpy(out, digits, 8);
+        std::memcpy(out, high.digits, 3);
+        std::memcpy(out + 3, low.digits, 3);
         return out + used;
     }
-    std::memcpy(out, digits, 8);
-    out += exponent + 1;
-    if (used <= exponent + 1) return out;
-    *out++ = '.';
-    std::memcpy(out, digits + exponent + 1, 6);
-    return out + used - exponent - 1;
+    // What stands behind the point is put in its place at once: bytes just written are slow to move.
+    const int point = exponent + 1;
+    const int shift = used > point ? 1 : 0;
+    std::memcpy(out + shift, high.digits, 3);
+    std::memcpy(out + shift + 3, low.digits, 3);
+    if (shift == 0) return out + point;
+    for (int i = 0; i < point; ++i) out[i] = i < 3 ? high.digits[i] : low.digits[i - 3];
+    out[point] = '.';
+    return out + used + 1;
 }
 
 char* putAny(char* out, float value)
