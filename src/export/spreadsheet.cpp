@@ -34,9 +34,12 @@ std::string withoutControls(std::string text)
     return text;
 }
 
+// One that begins with a quote would lose it to a reader that takes quotes away.
 std::string fieldOf(std::string_view label)
 {
-    return withoutControls(common::labelToUtf8(label));
+    const std::string field = withoutControls(common::labelToUtf8(label));
+    if (!field.starts_with('"')) return field;
+    return '"' + common::replaceAll(field, "\"", "\"\"") + '"';
 }
 
 // The fields that stand in front of every line of a station.
