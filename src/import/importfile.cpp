@@ -5,6 +5,7 @@
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "import/association.h"
+#include "import/importlisting.h"
 #include "import/importspreadsheet.h"
 
 namespace importing {
@@ -158,9 +159,10 @@ IMPORTRESULT resultOf(const RImportRun& run, std::int64_t code)
     return result;
 }
 
-IMPORTRESULT importFile(Format, RCollection& collection, STATIONDATA& station, const std::string& path,
+IMPORTRESULT importFile(Format form, RCollection& collection, STATIONDATA& station, const std::string& path,
                         const IMPORTOPTIONS& options, common::RUser& user)
 {
+    if (form != Format::spreadsheet) return importListing(form, collection, station, path, options, user);
     return importSpreadsheet(collection, station, path, options, user);
 }
 

@@ -11,6 +11,7 @@
 #include "collection/rcollection.h"
 #include "common/user.h"
 #include "import/importrun.h"
+#include "import/listing.h"
 #include "import/spreadsheet.h"
 
 namespace importing {
@@ -47,6 +48,7 @@ struct IMPORTOPTIONS {
     RImportSettler* settler = nullptr; // not owned; null: nobody is asked
     // The header of a spreadsheet, when the collection was just made from it.
     std::optional<SPREADSHEETHEADER> header;
+    std::optional<LISTINGHEADER> listing; // the same of a listing
 };
 
 enum class ImportEnd : int {
