@@ -18,10 +18,6 @@ constexpr std::string_view importTitle = "NVQ Data Import";
 constexpr std::string_view templateFilter =
     "Collection Files (*.var);;NVQ SpreadSheet Files (*.txt);;o4x Files (*.o4x)";
 
-// What of an old collection goes when another takes its place; the log goes on, the rest is the user's.
-constexpr auto replacedSuffixes =
-    std::to_array<std::string_view>({".hob", ".var", ".dob", ".inv", ".cid", ".idv"});
-
 bool isUsable(std::span<const collection::VARINFO> variables)
 {
     return variables.size() >= 2 && variables.size() <= common::maxVariables + 1;
@@ -160,7 +156,7 @@ bool RSession::canMake(std::string_view caption, bool byNothing)
 bool RSession::makeFiles(std::string_view operation)
 {
     if (!collection.beginChange(operation)) return false;
-    if (collection.setFilesAside(replacedSuffixes) && collection.createEmptyFiles() &&
+    if (collection.setFilesAside(collection::replacedSuffixes) && collection.createEmptyFiles() &&
         collection.openStationFiles(collection.path, user_) == collection::OpenFilesResult::ok)
         return true;
     collection.rollBackChange();
