@@ -247,7 +247,10 @@ bool RSession::readVariables(importing::Format format, const std::string& path,
         options.header = std::move(header);
         return true;
     }
-    return importing::listingVariables(format, path, options.settler, collection, user_);
+    importing::LISTINGHEADER header;
+    if (!importing::listingVariables(format, path, options.settler, collection, header, user_)) return false;
+    options.listing = std::move(header);
+    return true;
 }
 
 OpenResult RSession::importAsNew(FileKind kind, const std::string& path)

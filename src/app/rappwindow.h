@@ -81,7 +81,7 @@ private:
     chooseOutputVariables(const std::vector<int>& proposed) override;
     [[nodiscard]] bool editCriteria(EDITEDCRITERIA& edited) override;
     void showImported(std::span<const selection::SELECTEDSTATION> stations) override;
-    void highlightCruise(const std::string& cruise, const std::string& type);
+    void drawDots(std::span<const selection::SELECTEDSTATION> stations, float size, int color);
     [[nodiscard]] std::optional<SETUPSETTINGS> askSetup(const SETUPSETTINGS& proposal,
                                                         const std::string& systemTemp);
 
