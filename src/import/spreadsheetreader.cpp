@@ -133,6 +133,7 @@ struct RSpreadsheetReader::State {
     bool fileIsUtf8;
     bool begun = false, refused = false;
     int stationsRead = 0;
+    READACCOUNT account;
 };
 
 // Takes a line into hand. False at the end of the file, at a line that is too short, and after an error.
@@ -348,6 +349,7 @@ std::int64_t RSpreadsheetReader::State::readStation(STATIONDATA& station)
         if (isLabelledByNumber(desc)) labelByNumber(lineHeader, stationsRead + 1);
         if (levels <= common::maxLevels) break;
         tooManyLevels();
+        ++account.stationsRefused;
     }
     station.clear();
     station.header = stationHeader;
@@ -396,6 +398,11 @@ int RSpreadsheetReader::lineNumber() const
 std::string_view RSpreadsheetReader::currentLine() const
 {
     return state_->line;
+}
+
+const READACCOUNT& RSpreadsheetReader::account() const
+{
+    return state_->account;
 }
 
 bool RSpreadsheetReader::refusedHeader() const
