@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include "collection/journal.h"
-#include "collection/sidefiles.h"
+#include "collection/variableids.h"
 #include "common/files.h"
 #include "common/text.h"
 

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "collection/rcollection.h"
+#include "collection/variableids.h"
 #include "common/files.h"
 #include "common/text.h"
 
@@ -84,11 +85,6 @@ std::string idLine(std::string_view line)
 }
 
 } // namespace
-
-std::size_t idKeyLength(std::string_view line)
-{
-    return std::min(line.find_first_of("=\t"), line.size());
-}
 
 std::string logTime(std::time_t time)
 {

@@ -35,10 +35,6 @@ struct LASTFILES {
 [[nodiscard]] bool writeLastFiles(const std::string& basePath, const std::string& directory,
                                   const LASTFILES& files);
 
-// A line of `.idv` is a key, "=" or a tab, and a number: the length of the key, that of the line if there is
-// no such divider. It is written with "=".
-[[nodiscard]] std::size_t idKeyLength(std::string_view line);
-
 // True if a collection with this base path may be changed: its directory allows writing and, unless it is
 // new, so do its description and its station files, as far as they exist.
 [[nodiscard]] bool filesAreWritable(const std::string& basePath, const std::string& directory, bool isNew);
@@ -49,6 +45,9 @@ inline constexpr std::string_view writeProtectedText =
 // configuration come last and are taken only on request.
 inline constexpr auto collectionSuffixes =
     std::to_array<std::string_view>({".hob", ".var", ".dob", ".inv", ".cid", ".idv", ".cfl", ".info"});
+// What of an old collection goes when a new one takes its place; the log goes on, the rest is the user's.
+inline constexpr auto replacedSuffixes =
+    std::to_array<std::string_view>({".hob", ".var", ".dob", ".inv", ".cid", ".idv"});
 // Removes the files of a closed collection. False, with nothing removed, if the `.hob` file can't go.
 [[nodiscard]] bool removeCollectionFiles(const std::string& basePath, bool withLog, bool withConfiguration);
 

@@ -6,6 +6,7 @@
 #include "common/textcoding.h"
 #include "import/association.h"
 #include "import/importlist.h"
+#include "import/importlisting.h"
 #include "import/importspreadsheet.h"
 
 namespace importing {
@@ -110,13 +111,8 @@ bool canMerge(const RCollection& collection, ImportMode mode, common::RUser& use
 IMPORTRESULT importOneFile(Format form, RCollection& collection, STATIONDATA& station,
                            const std::string& path, const IMPORTOPTIONS& options, common::RUser& user)
 {
-    switch (form) {
-    case Format::spreadsheet:
-        return importSpreadsheet(collection, station, path, options, user);
-    default:
-        user.about(caption, format("File %s: there is no import of its format.", path.c_str()));
-        return {ImportEnd::failed, 0, 0};
-    }
+    if (form == Format::spreadsheet) return importSpreadsheet(collection, station, path, options, user);
+    return importListing(form, collection, station, path, options, user);
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 #include "collection/rcollection.h"
 #include "common/user.h"
 #include "import/importrun.h"
+#include "import/listing.h"
 #include "import/spreadsheet.h"
 
 namespace importing {
@@ -51,6 +52,7 @@ struct IMPORTOPTIONS {
     RImportSettler* settler = nullptr; // not owned; null: nobody is asked
     // The header of a spreadsheet, when the collection was just made from it.
     std::optional<SPREADSHEETHEADER> header;
+    std::optional<LISTINGHEADER> listing; // the same of a listing
 };
 
 enum class ImportEnd : int {
