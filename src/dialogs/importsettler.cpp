@@ -34,7 +34,7 @@ bool RDialogSettler::settleImport(importing::IMPORTCHOICES& choices)
     constexpr auto row = static_cast<std::size_t>(importing::potentialTemperatureRow);
     const std::string_view task = importing::variableConversions[row].label;
     const auto identifyTarget = [&](std::string_view meaning) {
-        return identify(task, meaning, choices.targets);
+        return choices.identify ? choices.identify(task, meaning) : identify(task, meaning, choices.targets);
     };
     importoptDlg dialog(choices, identifyTarget, parent_);
     if (dialog.exec() != QDialog::Accepted) return false;
