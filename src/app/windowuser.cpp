@@ -19,6 +19,7 @@ QString fromUtf8(std::string_view text)
 common::Answer ask(QWidget* parent, std::string_view title, std::string_view text, common::Answer proposed)
 {
     QMessageBox box(QMessageBox::Question, fromUtf8(title), fromUtf8(text), QMessageBox::NoButton, parent);
+    box.setTextFormat(Qt::PlainText); // texts quote files
     QPushButton* const yes = box.addButton(QStringLiteral("&Yes"), QMessageBox::YesRole);
     QPushButton* const no = box.addButton(QStringLiteral("&No"), QMessageBox::NoRole);
     QPushButton* const cancel = box.addButton(QStringLiteral("&Cancel"), QMessageBox::RejectRole);
@@ -43,6 +44,7 @@ void RWindowUser::about(std::string_view title, std::string_view text)
     if (!interactive()) return headless_.about(title, text);
     QMessageBox box(QMessageBox::NoIcon, fromUtf8(title), fromUtf8(text), QMessageBox::NoButton,
                     parts_.window);
+    box.setTextFormat(Qt::PlainText); // texts quote files
     box.addButton(QStringLiteral("&OK"), QMessageBox::AcceptRole);
     box.exec();
 }
@@ -59,6 +61,7 @@ int RWindowUser::choose(std::string_view title, std::string_view text,
     if (!interactive()) return headless_.choose(title, text, buttons, proposed, escape);
     QMessageBox box(QMessageBox::Question, fromUtf8(title), fromUtf8(text), QMessageBox::NoButton,
                     parts_.window);
+    box.setTextFormat(Qt::PlainText); // texts quote files
     std::vector<QAbstractButton*> made;
     for (std::size_t i = 0; i < buttons.size(); ++i) {
         // A role of its own for each would let the style change their order.
@@ -77,6 +80,7 @@ bool RWindowUser::report(std::string_view title, std::string_view text)
     if (!interactive()) return headless_.report(title, text);
     QMessageBox box(QMessageBox::Information, fromUtf8(title), fromUtf8(text), QMessageBox::NoButton,
                     parts_.window);
+    box.setTextFormat(Qt::PlainText); // texts quote files
     QPushButton* const good = box.addButton(QStringLiteral("&OK"), QMessageBox::AcceptRole);
     box.addButton(QStringLiteral("&Undo"), QMessageBox::DestructiveRole);
     QPushButton* const cancel = box.addButton(QStringLiteral("&Cancel"), QMessageBox::RejectRole);

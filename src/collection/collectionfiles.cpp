@@ -70,10 +70,21 @@ std::string folderOf(const PLACE& place)
     return place.directory.empty() ? "." : place.directory;
 }
 
-bool isSameCollection(const PLACE& from, const PLACE& to)
+bool areSamePlace(const PLACE& from, const PLACE& to)
 {
     return (from.name == to.name && areSame(folderOf(from), folderOf(to))) ||
            areSame(from.file(".hob"), to.file(".hob"));
+}
+
+// The files that a description is of: it may stand under another name than they do.
+PLACE describedBy(const PLACE& place)
+{
+    const auto bytes = common::readFile(place.file(".var"), largestDescription);
+    VARDESCRIPTION read;
+    VARFAULT fault;
+    PLACE described = place;
+    if (bytes && parseVarFile(*bytes, read, fault) == VarFileResult::ok) described.name = read.name;
+    return described;
 }
 
 // The place of a target, under the name that it can have.
@@ -88,7 +99,7 @@ FilesResult checkPlaces(const PLACE& from, const PLACE& to)
 {
     if (to.name.empty() || to.name == "." || to.name == ".." || !common::directoryExists(to.directory))
         return FilesResult::badName;
-    if (isSameCollection(from, to)) return FilesResult::sameCollection;
+    if (areSamePlace(from, to)) return FilesResult::sameCollection;
     for (const std::string_view suffix : {".var", ".hob", ".dob"}) {
         if (isFolder(to.file(suffix))) return FilesResult::badName;
     }
@@ -101,8 +112,7 @@ FilesResult checkPlaces(const PLACE& from, const PLACE& to)
 // The description of a collection as it reads under another name; empty if it can't be read.
 std::string descriptionAs(const PLACE& from, const std::string& name)
 {
-    constexpr std::int64_t largest = 1 << 20;
-    const auto bytes = common::readFile(from.file(".var"), largest);
+    const auto bytes = common::readFile(from.file(".var"), largestDescription);
     VARDESCRIPTION read;
     VARFAULT fault;
     if (!bytes || parseVarFile(*bytes, read, fault) != VarFileResult::ok) return {};
@@ -367,6 +377,14 @@ FilesResult deleteCollection(const std::string& path, bool withLog, bool withCon
     const bool finished = journal.finish();
     if (!begun) return FilesResult::stationFiles;
     return all && finished ? FilesResult::ok : FilesResult::otherFiles;
+}
+
+bool isSameCollection(const std::string& a, const std::string& b)
+{
+    const PLACE first(a), second(b);
+    return areSamePlace(first, second) || areSame(first.file(".dob"), second.file(".dob")) ||
+           areSame(first.file(".var"), second.file(".var")) || areSamePlace(describedBy(first), second) ||
+           areSamePlace(first, describedBy(second));
 }
 
 std::string collectionName(std::string_view typed)

@@ -25,6 +25,10 @@ enum class FilesResult : int {
 // Removes the files, `.hob` first: if it can't go, nothing is removed.
 [[nodiscard]] FilesResult deleteCollection(const std::string& path, bool withLog, bool withConfiguration);
 
+// True if two base paths stand for the same files, by whatever way or link, or if the description at one of
+// them is of the files at the other.
+[[nodiscard]] bool isSameCollection(const std::string& a, const std::string& b);
+
 // The name that a collection gets from what a user typed: "/", ":" and blanks become "_".
 [[nodiscard]] std::string collectionName(std::string_view typed);
 

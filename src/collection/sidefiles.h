@@ -45,6 +45,9 @@ inline constexpr std::string_view writeProtectedText =
 // configuration come last and are taken only on request.
 inline constexpr auto collectionSuffixes =
     std::to_array<std::string_view>({".hob", ".var", ".dob", ".inv", ".cid", ".idv", ".cfl", ".info"});
+// What of an old collection goes when a new one takes its place; the log goes on, the rest is the user's.
+inline constexpr auto replacedSuffixes =
+    std::to_array<std::string_view>({".hob", ".var", ".dob", ".inv", ".cid", ".idv"});
 // Removes the files of a closed collection. False, with nothing removed, if the `.hob` file can't go.
 [[nodiscard]] bool removeCollectionFiles(const std::string& basePath, bool withLog, bool withConfiguration);
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "collection/rewriting.h"
+#include "collection/variableids.h"
 #include "common/text.h"
 
 namespace collection {
@@ -63,22 +64,6 @@ int newNumberOf(int old, const ORIGINS& origins)
 {
     const auto place = std::find(origins.begin() + 1, origins.end(), old);
     return old < 1 || place == origins.end() ? 0 : static_cast<int>(place - origins.begin());
-}
-
-// The roles of variables, with their new numbers; those whose variable is gone are left out.
-std::string variableIds(const std::string& text, const ORIGINS& origins)
-{
-    std::string ids;
-    for (std::string_view rest = text; !rest.empty();) {
-        const std::string_view line = common::takeLine(rest);
-        const std::size_t equals = line.find('=');
-        if (equals == std::string_view::npos) continue;
-        std::string_view value = line.substr(equals + 1);
-        int old = 0;
-        const int number = common::takeInt(value, old) ? newNumberOf(old, origins) : 0;
-        if (number > 0) ids += std::string(line.substr(0, equals)) + common::format("=%d\n", number);
-    }
-    return ids;
 }
 
 // Criteria that name variables follow them; those of a variable that is gone are given up.
@@ -150,7 +135,7 @@ bool rewrite(RCollection& source, std::span<const VARINFO> newVariables, STATION
     RRewriting rewriting(source, title, user);
     if (!rewriting.begin("CHANGEVARSET", cleanList(newVariables))) return false;
     if (const auto ids = common::readFile(source.path + ".idv", largest))
-        rewriting.setVariableIds(variableIds(*ids, origins));
+        rewriting.setVariableIds(renumberedVariableIds(*ids, origins));
     const RRewriting::CARRIAGE carriage = {.count = source.stationCount,
                                            .numberOf = [](int i) { return i + 1; },
                                            .prepare = RRearrangement(origins),

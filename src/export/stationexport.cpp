@@ -1,6 +1,7 @@
 #include "export/stationexport.h"
 
 #include <algorithm>
+#include <new>
 #include <numeric>
 
 #include "collection/damage.h"
@@ -15,7 +16,7 @@ namespace {
 using collection::RCollection;
 using collection::STATIONDATA;
 
-constexpr std::size_t smallestProgressStep = 100;
+constexpr std::size_t largestProgressStep = 100; // stations between two looks at the keyboard
 
 bool sampleSelectionIsActive(const RCollection& collection)
 {
@@ -67,7 +68,7 @@ ExportEnd writeAll(RUN& run)
 {
     const EXPORTJOB& job = run.job;
     const std::vector<selection::SELECTEDSTATION> list = selection::readSelectedList(job.collection);
-    const std::size_t step = std::max<std::size_t>(smallestProgressStep, list.size() / 20);
+    const std::size_t step = std::clamp<std::size_t>(list.size() / 200, 1, largestProgressStep);
     for (std::size_t i = 0; i < list.size(); ++i) {
         if (i % step == 0)
             job.user.setProgress(100.0 * static_cast<double>(i) / static_cast<double>(list.size()));
@@ -102,8 +103,10 @@ std::vector<int> chosenVariables(const RCollection& collection, const std::vecto
         std::iota(variables.begin(), variables.end(), 1);
         return variables;
     }
-    std::copy_if(wanted.begin(), wanted.end(), std::back_inserter(variables),
-                 [&](int v) { return v >= 1 && v <= collection.totalVariableCount; });
+    const int last = std::min(collection.totalVariableCount, common::maxVariables);
+    std::copy_if(wanted.begin(), wanted.end(), std::back_inserter(variables), [&](int v) {
+        return v >= 1 && v <= last && std::find(variables.begin(), variables.end(), v) == variables.end();
+    });
     return variables;
 }
 
@@ -123,16 +126,20 @@ ExportEnd exportStations(const EXPORTJOB& job, RStationSink& sink)
     const int current = job.station.number;
     RUN run{job, sink, {}, 0};
     ExportEnd end = ExportEnd::unwritable;
-    {
+    std::string fault;
+    try {
         const RNeededGuard needed(job.collection, job.variables);
         const common::RBusyGuard busy(job.user, std::string(job.texts.busy).append(common::escAborts));
         end = writeAll(run);
+        if (end == ExportEnd::unwritable) fault = sink.fault();
+    } catch (const std::bad_alloc&) {
+        fault = "There is not enough memory.";
     }
     if (current > 0 && job.collection.loadStation(current, job.station, true) != collection::LoadResult::ok)
         job.station.clear();
     run.damaged.tell(job.collection.path, job.user);
-    if (end == ExportEnd::unwritable)
-        job.user.about(job.texts.caption, common::format("Could not write file %s!", job.path.c_str()));
+    if (fault.empty()) fault = "Could not write file " + job.path + "!";
+    if (end == ExportEnd::unwritable) job.user.about(job.texts.caption, fault);
     if (end == ExportEnd::aborted) job.user.setAbort(false);
     if (end == ExportEnd::complete && job.user.interactive())
         job.user.about(job.texts.caption, reportText(job.texts.report, run.written, job.path));

@@ -23,6 +23,8 @@ public:
     // All stations were written: what was made takes its place. False if it can't. Without a call nothing
     // stays of the export.
     [[nodiscard]] virtual bool commit() = 0;
+    // What to tell when one of these returned false; empty: that the file can't be written.
+    [[nodiscard]] virtual std::string fault() const { return {}; }
 };
 
 struct EXPORTTEXTS {
@@ -52,7 +54,8 @@ enum class ExportEnd : int { complete, aborted, unwritable };
 // is true.
 [[nodiscard]] bool acceptsSampleSelection(const collection::RCollection& collection, common::RUser& user);
 
-// `wanted` without numbers that are no variables; if it is empty, all variables of the collection itself.
+// `wanted` without numbers that are no variables, and each of them once; if it is empty, all variables of the
+// collection itself.
 [[nodiscard]] std::vector<int> chosenVariables(const collection::RCollection& collection,
                                                const std::vector<int>& wanted);
 

@@ -5,6 +5,7 @@
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "import/association.h"
+#include "import/importlist.h"
 #include "import/importlisting.h"
 #include "import/importspreadsheet.h"
 
@@ -64,6 +65,24 @@ IMPORTCHOICES choicesOf(const RCollection& collection, const IMPORTSTATE& state)
     return choices;
 }
 
+bool isPotentialTemperature(const VARINFO& source)
+{
+    return source.assoc > 0 && source.offset == common::MISSING_VALUE &&
+           source.scale == potentialToTemperature;
+}
+
+// What is known stays known: an answer is noted for later imports.
+int identified(RCollection& collection, std::string_view task, std::string_view meaning,
+               RImportSettler* settler)
+{
+    if (const int number = collection.getVariableId(meaning); number > 0) return number;
+    if (settler == nullptr) return 0;
+    const int number = settler->identify(task, meaning, targetsOf(collection));
+    if (number < 1 || number > collection.variableCount) return 0;
+    static_cast<void>(collection.setVariableId(meaning, number)); // if not, it is asked again
+    return number;
+}
+
 bool askSettler(RCollection& collection, const IMPORTOPTIONS& options, const IMPORTSOURCE& source,
                 RImportRun& run, common::RUser& user)
 {
@@ -72,6 +91,9 @@ bool askSettler(RCollection& collection, const IMPORTOPTIONS& options, const IMP
     choices.sources = source.sources;
     choices.targets = targetsOf(collection);
     choices.mayUseDefaults = source.mayUseDefaults;
+    choices.identify = [&](std::string_view task, std::string_view meaning) {
+        return identified(collection, task, meaning, options.settler);
+    };
     if (!options.settler->settleImport(choices)) return false;
     run.state.mode = choices.mode;
     run.state.checkExisting = choices.checkExisting;
@@ -84,6 +106,13 @@ bool canMerge(const RCollection& collection, ImportMode mode, common::RUser& use
     if (mode == ImportMode::addReplace || collection.stationCount > 0) return true;
     user.about("Collection is empty ...", "Merge/Update not possible for empty collections.");
     return false;
+}
+
+IMPORTRESULT importOneFile(Format form, RCollection& collection, STATIONDATA& station,
+                           const std::string& path, const IMPORTOPTIONS& options, common::RUser& user)
+{
+    if (form == Format::spreadsheet) return importSpreadsheet(collection, station, path, options, user);
+    return importListing(form, collection, station, path, options, user);
 }
 
 } // namespace
@@ -128,9 +157,16 @@ bool settleImport(RCollection& collection, const IMPORTSOURCE& source, const IMP
     return true;
 }
 
-KEYVARIABLES keyVariables(RCollection& collection, std::span<const VARINFO>, RImportSettler*)
+KEYVARIABLES keyVariables(RCollection& collection, std::span<const VARINFO> sources, RImportSettler* settler)
 {
-    return {collection.getVariableId("Depth [m]"), collection.getVariableId("Salinity [psu]")};
+    const bool needed = std::any_of(sources.begin() + std::min<std::ptrdiff_t>(1, std::ssize(sources)),
+                                    sources.end(), isPotentialTemperature);
+    if (!needed) return {};
+    const std::string_view task =
+        variableConversions[static_cast<std::size_t>(potentialTemperatureRow)].label;
+    const int depth = identified(collection, task, "Depth [m]", settler);
+    return depth == 0 ? KEYVARIABLES{}
+                      : KEYVARIABLES{depth, identified(collection, task, "Salinity [psu]", settler)};
 }
 
 std::int64_t importStations(RStationReader& reader, RImportRun& run, STATIONDATA& station,
@@ -141,11 +177,15 @@ std::int64_t importStations(RStationReader& reader, RImportRun& run, STATIONDATA
         run.state.lineNumber = reader.lineNumber();
         if (bytes <= 0) {
             run.state.lineBuffer = reader.currentLine();
+            run.state.read = reader.account();
             run.reportReadError(bytes);
             return bytes;
         }
         run.state.bytesRead += bytes;
-        if (run.importStation(station, step.stations, step.bytes)) return readEnd;
+        if (run.importStation(station, step.stations, step.bytes)) {
+            run.state.read = reader.account();
+            return readEnd;
+        }
     }
 }
 
@@ -159,11 +199,21 @@ IMPORTRESULT resultOf(const RImportRun& run, std::int64_t code)
     return result;
 }
 
+bool isFileList(std::string_view path)
+{
+    constexpr std::string_view ending = ".lst";
+    return path.size() > ending.size() &&
+           common::equalsIgnoreCase(path.substr(path.size() - ending.size()), ending);
+}
+
 IMPORTRESULT importFile(Format form, RCollection& collection, STATIONDATA& station, const std::string& path,
                         const IMPORTOPTIONS& options, common::RUser& user)
 {
-    if (form != Format::spreadsheet) return importListing(form, collection, station, path, options, user);
-    return importSpreadsheet(collection, station, path, options, user);
+    const auto importOne = [&](const std::string& file, const IMPORTOPTIONS& settled) {
+        return importOneFile(form, collection, station, file, settled, user);
+    };
+    return isFileList(path) ? importList(collection, path, options, importOne, user)
+                            : importOne(path, options);
 }
 
 } // namespace importing

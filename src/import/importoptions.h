@@ -2,6 +2,7 @@
 
 // What is settled about an import before it begins, and who settles it.
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -26,6 +27,9 @@ struct IMPORTCHOICES {
     std::span<collection::VARINFO> sources, targets;
     bool emptyCollection = false; // merge and update are not possible
     bool mayUseDefaults = false;  // a target may take its default value (spreadsheets)
+    // The collection's variable that `meaning` is, for `task`: by `.idv`, else by the settler, whose answer
+    // is noted there; 0 if it is refused.
+    std::function<int(std::string_view task, std::string_view meaning)> identify;
 };
 
 // Settles what the file itself does not tell; false or nothing if the user cancels.

@@ -1,5 +1,6 @@
 #include "app/windowuser.h"
 
+#include <array>
 #include <functional>
 
 #include <QApplication>
@@ -97,6 +98,45 @@ TEST_F(WindowUser, EveryAnswerToAReportButOkUndoes)
     EXPECT_FALSE(user.report("t", "r"));
     escapeNext();
     EXPECT_FALSE(user.report("t", "r"));
+}
+
+TEST_F(WindowUser, ChoiceHasTheButtonsAskedForInTheirOrder)
+{
+    constexpr auto wanted = std::to_array<std::string_view>({"&Yes", "Yes to &All", "&No", "&Cancel"});
+    for (std::size_t i = 0; i < wanted.size(); ++i) {
+        clickNext(wanted[i].data());
+        EXPECT_EQ(user.choose("Confirm", "Replace It?", wanted, 0, 3), static_cast<int>(i));
+        EXPECT_EQ(title, "Confirm");
+        EXPECT_EQ(text, "Replace It?");
+        EXPECT_THAT(buttons, testing::ElementsAre("&Yes", "Yes to &All", "&No", "&Cancel"));
+    }
+    escapeNext();
+    EXPECT_EQ(user.choose("Confirm", "Replace It?", wanted, 0, 3), 3);
+}
+
+TEST_F(WindowUser, TextsOfFilesAreShownAsTheyAre)
+{
+    withNextBox([](QMessageBox& box) {
+        EXPECT_EQ(box.textFormat(), Qt::PlainText);
+        box.reject();
+    });
+    user.about("Error reading input file ...", "<b>1</b>");
+}
+
+TEST_F(WindowUser, ProposedChoiceIsTheDefaultButton)
+{
+    constexpr auto wanted = std::to_array<std::string_view>({"&OK", "&Cancel"});
+    withNextBox([](QMessageBox& box) { box.defaultButton()->click(); });
+    EXPECT_EQ(user.choose("Opening", "Go on?", wanted, 1, 1), 1);
+}
+
+TEST_F(WindowUser, CommandFileTakesTheProposedChoice)
+{
+    session.runMode = app::commandFileRun;
+    constexpr auto wanted = std::to_array<std::string_view>({"&OK", "&Cancel"});
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(user.choose("Opening", "Go\non?", wanted, 0, 1), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Opening: Go on?\n");
 }
 
 TEST_F(WindowUser, CommandFileIsNotAsked)
