@@ -4,6 +4,7 @@
 
 #include "app/session.h"
 #include "collection/collectionfiles.h"
+#include "export/exportcollection.h"
 #include "operations.h"
 
 namespace reliability {
@@ -83,6 +84,21 @@ OPERATION importOverExisting()
     return operation;
 }
 
+// Some stations and variables of the open collection become another one.
+OPERATION exportTo(const std::string& name, bool targetExists)
+{
+    OPERATION operation;
+    operation.name = name;
+    if (targetExists) operation.prepare = makeBoth;
+    operation.collections = {"sample", "target"};
+    operation.run = [](ROpenCollection& open) {
+        open.select("[AB]*");
+        return exporting::exportCollection(open.collection, open.station, open.folder + "target", {1, 3, 4},
+                                           open.user);
+    };
+    return operation;
+}
+
 } // namespace
 
 std::vector<OPERATION> familyOperations()
@@ -94,6 +110,8 @@ std::vector<OPERATION> familyOperations()
         moveOntoACollection(),
         family("DeletionOfTheCollection", removeSource, false),
         importOverExisting(),
+        exportTo("ExportToANewCollection", false),
+        exportTo("ExportOntoACollection", true),
     };
 }
 
