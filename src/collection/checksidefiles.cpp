@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "collection/journal.h"
+#include "collection/variableids.h"
 #include "common/files.h"
 #include "common/text.h"
 
@@ -118,13 +119,13 @@ void checkVariableIds(const std::string& basePath, int variableCount, RFindings&
     constexpr std::size_t longest = 119;
     RDamageReport form, range;
     const auto visit = [&](int number, std::string_view line) {
-        const std::size_t equals = line.find('=');
-        const bool hasForm = equals != std::string_view::npos && line.size() <= longest;
+        const std::size_t length = idKeyLength(line);
+        const bool hasForm = length < line.size() && line.size() <= longest;
         if (!hasForm) {
             form.add(number);
             return;
         }
-        const auto variable = common::parseInt(line.substr(equals + 1));
+        const auto variable = common::parseInt(line.substr(length + 1));
         if (!variable || *variable < 1 || *variable > variableCount) range.add(number);
     };
     constexpr auto bad = FINDING::inconsistency;

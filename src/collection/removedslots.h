@@ -29,6 +29,12 @@ public:
         }
         return number + static_cast<int>(low);
     }
+    // The number of the station whose record stands in a slot that was not removed.
+    [[nodiscard]] int numberOf(int slot) const
+    {
+        const auto above = std::upper_bound(slots_.begin(), slots_.end(), slot);
+        return slot - static_cast<int>(above - slots_.begin());
+    }
     void remove(int number)
     {
         const int slot = slotOf(number);

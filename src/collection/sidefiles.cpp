@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "collection/rcollection.h"
+#include "collection/variableids.h"
 #include "common/files.h"
 #include "common/text.h"
 
@@ -71,7 +72,16 @@ std::string_view messageOf(std::string_view line)
 
 bool isKeyLine(std::string_view line, std::string_view key)
 {
-    return line.size() > key.size() && line.starts_with(key) && line[key.size()] == '=';
+    return idKeyLength(line) == key.size() && line.starts_with(key);
+}
+
+// The line as it is written: its key and value with "=" between them.
+std::string idLine(std::string_view line)
+{
+    const std::size_t length = idKeyLength(line);
+    std::string result(line.substr(0, length));
+    result += '=';
+    return length < line.size() ? result.append(line.substr(length + 1)) : result;
 }
 
 } // namespace
@@ -157,6 +167,7 @@ bool isMadeByImportsOnly(const std::string& basePath)
         const std::string_view message = messageOf(line);
         if (message.starts_with("UNDONE ")) continue; // it left nothing behind
         if (message.starts_with("COMPLETED IMPORT") || message.starts_with("COMPLETED CREATE")) continue;
+        if (message.starts_with("ACCOUNT ")) continue; // of an import
         if (message != "CREATE" && !message.starts_with("IMPORT")) return false;
         ++lines;
     }
@@ -189,7 +200,7 @@ int RCollection::getVariableId(std::string_view key) const
     std::string_view rest = *text;
     while (!rest.empty()) {
         const std::string_view line = common::takeLine(rest);
-        if (line.size() > longestIdLine || !isKeyLine(line, key)) continue;
+        if (line.size() > longestIdLine || line.size() == key.size() || !isKeyLine(line, key)) continue;
         std::string_view value = line.substr(key.size() + 1);
         int number = 0;
         return common::takeInt(value, number) && number >= 1 && number <= variableCount ? number : 0;
@@ -204,7 +215,7 @@ bool RCollection::setVariableId(std::string_view key, int number)
     if (!old && common::fileSize(file) >= 0) return false; // it may hold ids that can't be read now
     const std::string text = old.value_or(std::string());
     const std::string newLine = std::string(key) + common::format("=%d\n", number);
-    const bool hasForm = !key.empty() && key.find_first_of("=\r\n") == std::string_view::npos &&
+    const bool hasForm = !key.empty() && key.find_first_of("=\t\r\n") == std::string_view::npos &&
                          newLine.size() - 1 <= longestIdLine;
     if (!hasForm || number < 1 || number > variableCount) return false;
     std::string result;
@@ -216,8 +227,7 @@ bool RCollection::setVariableId(std::string_view key, int number)
             if (!found) result += newLine;
             found = true;
         } else {
-            result += line;
-            result += line.find('=') == std::string_view::npos ? "=\n" : "\n";
+            result += idLine(line) + "\n";
         }
     }
     if (!found) result += newLine;

@@ -17,17 +17,22 @@ int newNumberOf(int old, std::span<const int> origins)
 
 } // namespace
 
+std::size_t idKeyLength(std::string_view line)
+{
+    return std::min(line.find_first_of("=\t"), line.size());
+}
+
 std::string renumberedVariableIds(std::string_view text, std::span<const int> origins)
 {
     std::string ids;
     while (!text.empty()) {
         const std::string_view line = common::takeLine(text);
-        const std::size_t mark = line.find_first_of("=\t");
-        if (mark == std::string_view::npos) continue;
-        std::string_view value = line.substr(mark + 1);
+        const std::size_t length = idKeyLength(line);
+        if (length == line.size()) continue;
+        std::string_view value = line.substr(length + 1);
         int old = 0;
         const int number = common::takeInt(value, old) ? newNumberOf(old, origins) : 0;
-        if (number > 0) ids += std::string(line.substr(0, mark)) + common::format("=%d\n", number);
+        if (number > 0) ids += std::string(line.substr(0, length)) + common::format("=%d\n", number);
     }
     return ids;
 }

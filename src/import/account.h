@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "import/merge.h"
 
@@ -20,7 +22,8 @@ struct READACCOUNT {
     std::int64_t refusedLines = 0; // not read to their end, or of a station that was not delivered
 
     // valuesRead == valuesDelivered + valuesRefused
-    std::int64_t valuesRead = 0;      // numbers other than the missing value, in columns that a target takes
+    std::int64_t valuesRead =
+        0; // numbers other than the missing value that a target takes, defaults included
     std::int64_t valuesDelivered = 0; // in the stations that were delivered
     std::int64_t valuesRefused = 0;   // of stations, levels and variables that a station can't hold
     std::int64_t unreadable = 0;      // fields that hold something, but no number: no value
@@ -31,25 +34,36 @@ struct READACCOUNT {
     std::string firstCut;    // the first such label, whole, as UTF-8
 };
 
-// What the import run did with what the reader delivered.
+// What the import run did with what the reader delivered. Values are those that aren't missing.
 struct STOREACCOUNT {
-    // delivered == added + replaced + merged + kept + notFound + tooLarge + unreadable + unwritten
+    // delivered == added + replaced + merged + kept + notFound + tooLarge + unreadable + unwritten + undone
     int delivered = 0;
     int added = 0, replaced = 0;
-    int merged = 0;     // also updated
-    int kept = 0;       // the stored one stays, by answer or setting
-    int notFound = 0;   // merge or update, and there is no such station
-    int tooLarge = 0;   // the merged one would have had too many levels or cells
-    int unreadable = 0; // merge or update, and the stored one can't be read
-    int unwritten = 0;  // the run ended at them
+    int merged = 0;                         // also updated
+    int kept = 0;                           // the stored one stays, by answer or setting
+    int notFound = 0;                       // merge or update, and there is no such station
+    std::vector<std::string> firstNotFound; // the labels of the first few of them, as UTF-8
+    int tooLarge = 0;                       // the merged one would have had too many levels or cells
+    int unreadable = 0;                     // merge or update, and the stored one can't be read
+    int unwritten = 0;                      // the run ended at them
+    int undone = 0;                         // were stored, and were taken back at the end
     // The values of all stations that were delivered:
     // valuesDelivered == valuesStored + valuesAveraged + valuesMatched + valuesDropped
     std::int64_t valuesDelivered = 0;
     std::int64_t valuesStored = 0;
     std::int64_t valuesAveraged = 0; // merge: the mean with the stored value
     std::int64_t valuesMatched = 0;  // of variable 1: the level was there
-    std::int64_t valuesDropped = 0;  // of stations that were not stored, and of levels with nothing but depth
+    std::int64_t valuesDropped = 0;  // of stations that were not stored, of levels with nothing but depth,
+                                     // and where an update has two for one level
 };
+
+READACCOUNT& operator+=(READACCOUNT& sum, const READACCOUNT& more);
+STOREACCOUNT& operator+=(STOREACCOUNT& sum, const STOREACCOUNT& more);
+
+// Notes a station that merge or update did not find.
+void addNotFound(STOREACCOUNT& account, std::string_view label);
+// Nothing of it is stored any more.
+void takeBack(STOREACCOUNT& account);
 
 // For the report: a line each for lines, stations and values, and one for each thing that was refused.
 [[nodiscard]] std::string accountText(const READACCOUNT& read, const STOREACCOUNT& stored, ImportMode mode);

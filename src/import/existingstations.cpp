@@ -16,18 +16,20 @@ using common::fieldText;
 constexpr float positionTolerance = 0.2f; // degrees
 constexpr std::int64_t dayTolerance = 1;
 
-std::string cruiseKey(std::string_view cruise, std::string_view type)
+std::uint64_t joined(std::uint64_t key, std::string_view text)
 {
-    std::string key(cruise);
-    key += '\t';
-    return key.append(type);
+    constexpr std::uint64_t odd = 0x9e3779b97f4a7c15;
+    return (key ^ std::hash<std::string_view>{}(text)) * odd;
+}
+
+std::uint64_t cruiseKey(std::string_view cruise, std::string_view type)
+{
+    return joined(joined(0, cruise), type);
 }
 
 std::uint64_t labelsKey(const STATIONHDR& header)
 {
-    std::string key = cruiseKey(fieldText(header.cruise), fieldText(header.type));
-    key += '\t';
-    return std::hash<std::string>{}(key.append(fieldText(header.station)));
+    return joined(cruiseKey(fieldText(header.cruise), fieldText(header.type)), fieldText(header.station));
 }
 
 std::int64_t dayOf(const STATIONHDR& header)
@@ -46,60 +48,68 @@ bool sameLabels(const STATIONHDR& a, const STATIONHDR& b)
 bool RExistingStations::build()
 {
     entries_.clear();
-    numbers_.clear();
-    byLabels_.clear();
     cruises_.clear();
-    const auto count = static_cast<std::size_t>(std::max(0, collection_.stationCount));
-    entries_.reserve(count);
-    numbers_.reserve(count);
-    byLabels_.reserve(count);
+    removed_.clear();
+    lastSlot_ = std::max(0, collection_.stationCount);
+    entries_.reserve(static_cast<std::size_t>(lastSlot_));
     for (std::size_t i = 0; i < collection_.cruises.size(); ++i) {
         const collection::CRUISEINFO& cruise = collection_.cruises[i];
         cruises_.emplace(cruiseKey(fieldText(cruise.cruise), fieldText(cruise.type)), i);
     }
     const auto visit = [&](int number, const STATIONHDR& header, const collection::LEVELCOUNTS&) {
-        add(number, header);
+        add(header, number);
         return true;
     };
     return collection_.scanHeaders(1, collection_.stationCount, visit, [](int) {});
 }
 
-void RExistingStations::add(int number, const STATIONHDR& header)
+void RExistingStations::add(const STATIONHDR& header, int slot)
 {
-    byLabels_.emplace(labelsKey(header), static_cast<std::uint32_t>(entries_.size()));
-    numbers_.push_back(number);
-    entries_.emplace_back();
-    fill(entries_.size() - 1, header);
+    ENTRY entry{.slot = slot, .longitude = 0, .latitude = 0, .day = 0};
+    fill(entry, header);
+    entries_.emplace(labelsKey(header), entry);
 }
 
-void RExistingStations::fill(std::size_t entry, const STATIONHDR& header)
+void RExistingStations::fill(ENTRY& entry, const STATIONHDR& header)
 {
-    entries_[entry] = {dayOf(header), header.longitude, header.latitude};
+    entry.day = dayOf(header);
+    entry.longitude = header.longitude;
+    entry.latitude = header.latitude;
 }
 
-bool RExistingStations::isTheSame(std::size_t entry, const STATIONHDR& header) const
+bool RExistingStations::isTheSame(const ENTRY& entry, const STATIONHDR& header) const
 {
-    const ENTRY& stored = entries_[entry];
-    const float longitude = header.longitude < 0 ? stored.longitude - 360 : stored.longitude;
-    if (std::abs(stored.day - dayOf(header)) > dayTolerance ||
+    const float longitude = header.longitude < 0 ? entry.longitude - 360 : entry.longitude;
+    if (std::abs(entry.day - dayOf(header)) > dayTolerance ||
         !(std::abs(longitude - header.longitude) < positionTolerance) ||
-        !(std::abs(stored.latitude - header.latitude) < positionTolerance)) {
+        !(std::abs(entry.latitude - header.latitude) < positionTolerance)) {
         return false;
     }
     STATIONHDR there{}; // different labels may share a key
-    return collection_.readStationHeader(numbers_[entry], there, nullptr) && sameLabels(there, header);
+    return collection_.readStationHeader(numberOf(entry), there, nullptr) && sameLabels(there, header);
+}
+
+const collection::CRUISEINFO* RExistingStations::cruiseOf(const STATIONHDR& header) const
+{
+    const std::string_view cruise = fieldText(header.cruise), type = fieldText(header.type);
+    const auto [first, last] = cruises_.equal_range(cruiseKey(cruise, type));
+    for (auto it = first; it != last; ++it) {
+        if (it->second >= collection_.cruises.size()) continue;
+        const collection::CRUISEINFO& entry = collection_.cruises[it->second];
+        if (fieldText(entry.cruise) == cruise && fieldText(entry.type) == type) return &entry;
+    }
+    return nullptr;
 }
 
 int RExistingStations::find(const STATIONHDR& header)
 {
-    const auto place = cruises_.find(cruiseKey(fieldText(header.cruise), fieldText(header.type)));
-    if (place == cruises_.end() || place->second >= collection_.cruises.size()) return 0;
-    const collection::CRUISEINFO& cruise = collection_.cruises[place->second];
+    const collection::CRUISEINFO* const cruise = cruiseOf(header);
+    if (cruise == nullptr) return 0;
     int found = 0;
-    const auto [first, last] = byLabels_.equal_range(labelsKey(header));
+    const auto [first, last] = entries_.equal_range(labelsKey(header));
     for (auto it = first; it != last; ++it) {
-        const int number = numbers_[it->second];
-        const bool inRange = number >= cruise.firstNumber && number <= cruise.lastNumber;
+        const int number = numberOf(it->second);
+        const bool inRange = number >= cruise->firstNumber && number <= cruise->lastNumber;
         if (inRange && (found == 0 || number < found) && isTheSame(it->second, header)) found = number;
     }
     return found;
@@ -108,20 +118,20 @@ int RExistingStations::find(const STATIONHDR& header)
 void RExistingStations::noteStored(int asked, int given, const STATIONHDR& header)
 {
     if (asked == 0) {
-        add(given, header);
+        add(header, ++lastSlot_);
         return;
     }
-    const auto [first, last] = byLabels_.equal_range(labelsKey(header));
-    for (auto it = first; it != last; ++it) {
-        if (numbers_[it->second] == asked) fill(it->second, header);
+    const int slot = removed_.slotOf(asked);
+    const bool moved = given != asked; // it outgrew its place and went to the end
+    if (moved) {
+        removed_.remove(asked);
+        ++lastSlot_;
     }
-    if (given == asked) return;
-    for (std::int32_t& number : numbers_) { // the station outgrew its place: it went to the end
-        if (number == asked) {
-            number = given;
-        } else if (number > asked) {
-            --number;
-        }
+    const auto [first, last] = entries_.equal_range(labelsKey(header));
+    for (auto it = first; it != last; ++it) {
+        if (it->second.slot != slot) continue;
+        fill(it->second, header);
+        if (moved) it->second.slot = lastSlot_;
     }
 }
 

@@ -3,11 +3,10 @@
 // Finds the station of a collection that an imported one is.
 
 #include <cstdint>
-#include <string>
 #include <unordered_map>
-#include <vector>
 
 #include "collection/rcollection.h"
+#include "collection/removedslots.h"
 
 namespace importing {
 
@@ -28,18 +27,21 @@ public:
 
 private:
     struct ENTRY {
-        std::int64_t day;
+        int slot; // the station's place among all that there ever were in the run
         float longitude, latitude;
+        std::int64_t day;
     };
-    void add(int number, const collection::STATIONHDR& header);
-    void fill(std::size_t entry, const collection::STATIONHDR& header);
-    [[nodiscard]] bool isTheSame(std::size_t entry, const collection::STATIONHDR& header) const;
+    void add(const collection::STATIONHDR& header, int slot);
+    static void fill(ENTRY& entry, const collection::STATIONHDR& header);
+    [[nodiscard]] int numberOf(const ENTRY& entry) const { return removed_.numberOf(entry.slot); }
+    [[nodiscard]] const collection::CRUISEINFO* cruiseOf(const collection::STATIONHDR& header) const;
+    [[nodiscard]] bool isTheSame(const ENTRY& entry, const collection::STATIONHDR& header) const;
 
     collection::RCollection& collection_;
-    std::vector<ENTRY> entries_;        // in the order in which they were added
-    std::vector<std::int32_t> numbers_; // station number of each entry
-    std::unordered_multimap<std::uint64_t, std::uint32_t> byLabels_;
-    std::unordered_map<std::string, std::size_t> cruises_; // place in the inventory by cruise and type
+    std::unordered_multimap<std::uint64_t, ENTRY> entries_;       // by the labels
+    std::unordered_multimap<std::uint64_t, std::size_t> cruises_; // place in the inventory by cruise and type
+    collection::RRemovedSlots removed_; // where stations stood that outgrew their places
+    int lastSlot_ = 0;
 };
 
 } // namespace importing

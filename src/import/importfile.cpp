@@ -5,6 +5,8 @@
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "import/association.h"
+#include "import/importlist.h"
+#include "import/importlisting.h"
 #include "import/importspreadsheet.h"
 
 namespace importing {
@@ -63,14 +65,36 @@ IMPORTCHOICES choicesOf(const RCollection& collection, const IMPORTSTATE& state)
     return choices;
 }
 
+bool isPotentialTemperature(const VARINFO& source)
+{
+    return source.assoc > 0 && source.offset == common::MISSING_VALUE &&
+           source.scale == potentialToTemperature;
+}
+
+// What is known stays known: an answer is noted for later imports.
+int identified(RCollection& collection, std::string_view task, std::string_view meaning,
+               RImportSettler* settler)
+{
+    if (const int number = collection.getVariableId(meaning); number > 0) return number;
+    if (settler == nullptr) return 0;
+    const int number = settler->identify(task, meaning, targetsOf(collection));
+    if (number < 1 || number > collection.variableCount) return 0;
+    static_cast<void>(collection.setVariableId(meaning, number)); // if not, it is asked again
+    return number;
+}
+
 bool askSettler(RCollection& collection, const IMPORTOPTIONS& options, const IMPORTSOURCE& source,
                 RImportRun& run, common::RUser& user)
 {
     if (collection.cruises.empty()) collection.readInventory(false, user);
     IMPORTCHOICES choices = choicesOf(collection, run.state);
+    choices.file = source.path;
     choices.sources = source.sources;
     choices.targets = targetsOf(collection);
     choices.mayUseDefaults = source.mayUseDefaults;
+    choices.identify = [&](std::string_view task, std::string_view meaning) {
+        return identified(collection, task, meaning, options.settler);
+    };
     if (!options.settler->settleImport(choices)) return false;
     run.state.mode = choices.mode;
     run.state.checkExisting = choices.checkExisting;
@@ -83,6 +107,13 @@ bool canMerge(const RCollection& collection, ImportMode mode, common::RUser& use
     if (mode == ImportMode::addReplace || collection.stationCount > 0) return true;
     user.about("Collection is empty ...", "Merge/Update not possible for empty collections.");
     return false;
+}
+
+IMPORTRESULT importOneFile(Format form, RCollection& collection, STATIONDATA& station,
+                           const std::string& path, const IMPORTOPTIONS& options, common::RUser& user)
+{
+    if (form == Format::spreadsheet) return importSpreadsheet(collection, station, path, options, user);
+    return importListing(form, collection, station, path, options, user);
 }
 
 } // namespace
@@ -111,7 +142,7 @@ bool settleImport(RCollection& collection, const IMPORTSOURCE& source, const IMP
         associateByLabel(sources, targets);
     }
     if (options.settler != nullptr && !askSettler(collection, options, source, run, user)) {
-        result.end = ImportEnd::cancelled;
+        result.end = options.settler->asks() ? ImportEnd::cancelled : ImportEnd::failed;
         return false;
     }
     if (!anyTargetIsFed(targets)) {
@@ -127,9 +158,16 @@ bool settleImport(RCollection& collection, const IMPORTSOURCE& source, const IMP
     return true;
 }
 
-KEYVARIABLES keyVariables(RCollection& collection, std::span<const VARINFO>, RImportSettler*)
+KEYVARIABLES keyVariables(RCollection& collection, std::span<const VARINFO> sources, RImportSettler* settler)
 {
-    return {collection.getVariableId("Depth [m]"), collection.getVariableId("Salinity [psu]")};
+    const bool needed = std::any_of(sources.begin() + std::min<std::ptrdiff_t>(1, std::ssize(sources)),
+                                    sources.end(), isPotentialTemperature);
+    if (!needed) return {};
+    const std::string_view task =
+        variableConversions[static_cast<std::size_t>(potentialTemperatureRow)].label;
+    const int depth = identified(collection, task, "Depth [m]", settler);
+    return depth == 0 ? KEYVARIABLES{}
+                      : KEYVARIABLES{depth, identified(collection, task, "Salinity [psu]", settler)};
 }
 
 std::int64_t importStations(RStationReader& reader, RImportRun& run, STATIONDATA& station,
@@ -140,11 +178,15 @@ std::int64_t importStations(RStationReader& reader, RImportRun& run, STATIONDATA
         run.state.lineNumber = reader.lineNumber();
         if (bytes <= 0) {
             run.state.lineBuffer = reader.currentLine();
+            run.state.read = reader.account();
             run.reportReadError(bytes);
             return bytes;
         }
         run.state.bytesRead += bytes;
-        if (run.importStation(station, step.stations, step.bytes)) return readEnd;
+        if (run.importStation(station, step.stations, step.bytes)) {
+            run.state.read = reader.account();
+            return readEnd;
+        }
     }
 }
 
@@ -158,10 +200,21 @@ IMPORTRESULT resultOf(const RImportRun& run, std::int64_t code)
     return result;
 }
 
-IMPORTRESULT importFile(Format, RCollection& collection, STATIONDATA& station, const std::string& path,
+bool isFileList(std::string_view path)
+{
+    constexpr std::string_view ending = ".lst";
+    return path.size() > ending.size() &&
+           common::equalsIgnoreCase(path.substr(path.size() - ending.size()), ending);
+}
+
+IMPORTRESULT importFile(Format form, RCollection& collection, STATIONDATA& station, const std::string& path,
                         const IMPORTOPTIONS& options, common::RUser& user)
 {
-    return importSpreadsheet(collection, station, path, options, user);
+    const auto importOne = [&](const std::string& file, const IMPORTOPTIONS& settled) {
+        return importOneFile(form, collection, station, file, settled, user);
+    };
+    return isFileList(path) ? importList(collection, path, options, importOne, user)
+                            : importOne(path, options);
 }
 
 } // namespace importing

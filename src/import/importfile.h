@@ -37,6 +37,9 @@ inline constexpr auto importFormats = std::to_array<FORMATROW>({
 IMPORTRESULT importFile(Format format, collection::RCollection& collection, collection::STATIONDATA& station,
                         const std::string& path, const IMPORTOPTIONS& options, common::RUser& user);
 
+// True for a path that ends in ".lst", whatever its case.
+[[nodiscard]] bool isFileList(std::string_view path);
+
 // --- the steps that the formats share
 
 // The collection's variables, index 0 is no variable.

@@ -2,6 +2,7 @@
 
 // What is settled about an import before it begins, and who settles it.
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -11,6 +12,7 @@
 #include "collection/rcollection.h"
 #include "common/user.h"
 #include "import/importrun.h"
+#include "import/listing.h"
 #include "import/spreadsheet.h"
 
 namespace importing {
@@ -18,6 +20,7 @@ namespace importing {
 // What the options of an import decide about. The links of sources and targets (index 0 of each is no
 // variable) come associated by label, or by number if they have the same labels in the same order.
 struct IMPORTCHOICES {
+    std::string file; // path, for messages
     ImportMode mode = ImportMode::addReplace;
     bool checkExisting = true;
     std::vector<CRUISEASSOCIATION>
@@ -25,6 +28,9 @@ struct IMPORTCHOICES {
     std::span<collection::VARINFO> sources, targets;
     bool emptyCollection = false; // merge and update are not possible
     bool mayUseDefaults = false;  // a target may take its default value (spreadsheets)
+    // The collection's variable that `meaning` is, for `task`: by `.idv`, else by the settler, whose answer
+    // is noted there; 0 if it is refused.
+    std::function<int(std::string_view task, std::string_view meaning)> identify;
 };
 
 // Settles what the file itself does not tell; false or nothing if the user cancels.
@@ -47,6 +53,7 @@ struct IMPORTOPTIONS {
     RImportSettler* settler = nullptr; // not owned; null: nobody is asked
     // The header of a spreadsheet, when the collection was just made from it.
     std::optional<SPREADSHEETHEADER> header;
+    std::optional<LISTINGHEADER> listing; // the same of a listing
 };
 
 enum class ImportEnd : int {

@@ -19,7 +19,14 @@ constexpr std::string_view runCaption = "Importing Station-Data ...";
 
 std::string utf8(std::string_view label)
 {
-    return common::labelToUtf8(label);
+    return common::labelToUtf8(common::fieldText(label));
+}
+
+// As the dialogs name a station.
+std::string nameOf(const STATIONHDR& header)
+{
+    return format("%s  - %s  - %s", utf8(header.cruise).c_str(), utf8(header.station).c_str(),
+                  utf8(header.type).c_str());
 }
 
 } // namespace
@@ -61,20 +68,23 @@ std::int64_t RImportRun::openImport(const std::string& file, const std::string& 
         state.failed = true;
         return 0;
     }
+    const RImportRun* const list = options_.list;
     state.mode = mode;
     state.totalBytes = size;
     state.lineNumber = firstLine;
     state.bytesRead = state.lastProgressBytes = 0;
-    state.stationsRead = state.stationsStored = 0;
-    state.stationsAtStart = collection_.stationCount;
+    state.stationsRead = state.stationsStored = shownAt_ = 0;
+    state.read = {};
+    state.account = {};
+    state.stationsAtStart = list != nullptr ? list->state.stationsAtStart : collection_.stationCount;
     state.file = file;
     state.fileName = shortName;
-    state.replaceAll = collection_.stationCount == 0;
+    state.replaceAll = state.stationsAtStart == 0 || (list != nullptr && list->state.replaceAll);
     state.savedCriteria = collection_.criteria;
     collection_.criteria = collection::defaultCriteria();
     if (mode != ImportMode::addReplace) state.checkExisting = true;
-    if (state.replaceAll && mode == ImportMode::addReplace) state.checkExisting = false;
-    user_.setAbort(false);
+    if (state.stationsAtStart == 0 && mode == ImportMode::addReplace) state.checkExisting = false;
+    if (list == nullptr) user_.setAbort(false);
     user_.status(format("File: %s", file.c_str()));
     user_.beginBusy(std::string("Importing Data ... ").append(common::escAborts));
     open_ = true;
@@ -100,23 +110,28 @@ void RImportRun::applyCruises(STATIONHDR& header) const
     }
 }
 
-int RImportRun::findExisting(STATIONHDR& header)
+RExistingStations& RImportRun::existingStations()
 {
-    applyCruises(header);
+    if (options_.list != nullptr) return options_.list->existingStations();
     if (!existing_) {
         if (collection_.cruises.empty()) collection_.readInventory(false, user_);
         existing_ = std::make_unique<RExistingStations>(collection_);
         if (!existing_->build())
             user_.note(format("%s.hob: some headers can't be read", collection_.path.c_str()));
     }
-    return existing_->find(header);
+    return *existing_;
+}
+
+int RImportRun::findExisting(STATIONHDR& header)
+{
+    applyCruises(header);
+    return existingStations().find(header);
 }
 
 bool RImportRun::askReplace(const STATIONHDR& header)
 {
     const std::string text =
-        format("Station: %s  - %s  - %s Already in Collection!\n\nReplace It?", utf8(header.cruise).c_str(),
-               utf8(header.station).c_str(), utf8(header.type).c_str());
+        format("Station: %s Already in Collection!\n\nReplace It?", nameOf(header).c_str());
     constexpr std::string_view title = "Confirm Station Replace";
     enum Button { yes, yesToAll, no, abort };
     constexpr auto buttons = std::to_array<std::string_view>({"&Yes", "Yes to &All", "&No", "&Cancel"});
@@ -126,28 +141,42 @@ bool RImportRun::askReplace(const STATIONHDR& header)
     return answer == yes || answer == yesToAll;
 }
 
-bool RImportRun::tellNotFound(const STATIONHDR& header)
+void RImportRun::tellExisting(const STATIONHDR& header)
 {
+    user_.about(runCaption, format("Station: %s Already in Collection!\n\nThe import ends here; what was "
+                                   "stored before stays.",
+                                   nameOf(header).c_str()));
+    state.failed = true;
+}
+
+bool RImportRun::mayReplace(const STATIONHDR& header)
+{
+    switch (options_.existing) {
+    case Existing::replace:
+        return true;
+    case Existing::keep:
+        return false;
+    case Existing::abort:
+        tellExisting(header);
+        return false;
+    default:
+        return state.replaceAll || !user_.interactive() || askReplace(header);
+    }
+}
+
+// Only a merge speaks about each; all of them are in the account.
+void RImportRun::tellNotFound(const STATIONHDR& header)
+{
+    if (state.mode != ImportMode::merge || state.replaceAll || !user_.interactive()) return;
     enum Button { yes, no, abort };
     constexpr auto buttons = std::to_array<std::string_view>({"&Yes", "&No", "&Abort"});
     const int answer = user_.choose("Station not Found ...",
-                                    format("%s  - %s  - %s not in Collection!\nNo Data Import for this "
-                                           "Station!\n\nContinue showing warnings?",
-                                           utf8(header.cruise).c_str(), utf8(header.station).c_str(),
-                                           utf8(header.type).c_str()),
+                                    format("%s not in Collection!\nNo Data Import for this Station!\n\n"
+                                           "Continue showing warnings?",
+                                           nameOf(header).c_str()),
                                     buttons, yes, abort);
     state.aborted = answer == abort;
     if (answer == no) state.replaceAll = true;
-    return false;
-}
-
-// Asks what there is to ask about a station; false if it is dropped.
-bool RImportRun::mayStore(const STATIONHDR& header, int existing)
-{
-    if (state.replaceAll) return true;
-    if (state.mode == ImportMode::addReplace && existing > 0) return askReplace(header);
-    if (state.mode == ImportMode::merge && existing == 0) return tellNotFound(header);
-    return true;
 }
 
 void RImportRun::tellWriteError(collection::WriteResult result)
@@ -162,6 +191,13 @@ void RImportRun::tellWriteError(collection::WriteResult result)
     user_.about(runCaption, text);
 }
 
+// Enters a station that isn't stored into the account.
+void RImportRun::drop(int& reason, std::int64_t values)
+{
+    ++reason;
+    state.account.valuesDropped += values;
+}
+
 bool RImportRun::store(STATIONDATA& station, int existing)
 {
     const collection::WriteResult result = collection_.writeStation(existing, station, true);
@@ -172,58 +208,104 @@ bool RImportRun::store(STATIONDATA& station, int existing)
         return false;
     }
     ++state.stationsStored;
-    if (existing_) existing_->noteStored(existing, station.number, station.header);
+    const RImportRun& keeper = options_.list != nullptr ? *options_.list : *this;
+    if (keeper.existing_) keeper.existing_->noteStored(existing, station.number, station.header);
     if (options_.stationStored) options_.stationStored(station.header);
     return true;
 }
 
-// False only after a write error; a station that can't be merged is left as it is.
-bool RImportRun::storeMerged(const STATIONDATA& station, int existing)
+// False after a write error.
+bool RImportRun::storeOwn(STATIONDATA& station, int existing, std::int64_t values)
 {
-    if (existing == 0) return true;
+    if (!store(station, existing)) {
+        drop(state.account.unwritten, values);
+        return false;
+    }
+    ++(existing > 0 ? state.account.replaced : state.account.added);
+    state.account.valuesStored += values;
+    return true;
+}
+
+// False only after a write error; a station that can't be merged is left as it is.
+bool RImportRun::storeMerged(const STATIONDATA& station, int existing, std::int64_t values)
+{
+    STOREACCOUNT& account = state.account;
     if (!merged_) merged_ = std::make_unique<STATIONDATA>();
     if (collection_.loadStation(existing, *merged_, false) != collection::LoadResult::ok) {
         user_.note(format("%s.hob, %s.dob: station %d can't be read and stays as it is",
                           collection_.path.c_str(), collection_.path.c_str(), existing));
+        drop(account.unreadable, values);
         return true;
     }
-    if (!mergeStation(station, *merged_, state.mode, collection_.variableCount)) {
+    const auto counts = mergeStation(station, *merged_, state.mode, collection_.variableCount);
+    if (!counts) {
         user_.about("Station not stored!",
                     format("Too many data points for Station %s %s", utf8(station.header.cruise).c_str(),
                            utf8(station.header.station).c_str()));
+        drop(account.tooLarge, values);
         return true;
     }
-    return store(*merged_, existing);
+    if (!store(*merged_, existing)) {
+        drop(account.unwritten, values);
+        return false;
+    }
+    ++account.merged;
+    account.valuesStored += counts->stored;
+    account.valuesAveraged += counts->averaged;
+    account.valuesMatched += counts->matched;
+    account.valuesDropped += counts->dropped;
+    return true;
+}
+
+// What becomes of a station, and what is asked about it. False if the run ends with it.
+bool RImportRun::decide(STATIONDATA& station, std::int64_t values)
+{
+    STOREACCOUNT& account = state.account;
+    const int existing = state.checkExisting ? findExisting(station.header) : 0;
+    const bool merges = state.mode != ImportMode::addReplace;
+    const bool isMissing = merges && existing == 0;
+    const bool stays = !merges && existing > 0 && !mayReplace(station.header);
+    if (isMissing) tellNotFound(station.header);
+    if (!state.aborted && !state.failed) state.aborted = user_.askAbort("Really Want to Abort?", runCaption);
+    if (state.aborted || state.failed) {
+        drop(account.unwritten, values);
+        return false;
+    }
+    if (isMissing) {
+        addNotFound(account, format("%s - %s - %s", utf8(station.header.cruise).c_str(),
+                                    utf8(station.header.station).c_str(), utf8(station.header.type).c_str()));
+        account.valuesDropped += values;
+        return true;
+    }
+    if (stays) {
+        drop(account.kept, values);
+        return true;
+    }
+    return merges ? storeMerged(station, existing, values) : storeOwn(station, existing, values);
 }
 
 bool RImportRun::importStation(STATIONDATA& station, int everyStations, std::int64_t everyBytes)
 {
     ++state.stationsRead;
-    const int existing = state.checkExisting ? findExisting(station.header) : 0;
-    const bool wanted = mayStore(station.header, existing);
-    if (state.aborted) return true;
-    if (user_.askAbort("Really Want to Abort?", runCaption)) {
-        state.aborted = true;
-        return true;
-    }
-    if (wanted) {
-        const bool good =
-            state.mode == ImportMode::addReplace ? store(station, existing) : storeMerged(station, existing);
-        if (!good) return true;
-    }
+    const std::int64_t values = countValues(station, collection_.variableCount);
+    ++state.account.delivered;
+    state.account.valuesDelivered += values;
+    if (!decide(station, values)) return true;
     showProgress(everyStations, everyBytes);
     return false;
 }
 
 void RImportRun::showProgress(int everyStations, std::int64_t everyBytes)
 {
-    const bool due = (state.stationsStored > 0 && state.stationsStored % everyStations == 0) ||
+    const bool due = state.stationsStored - shownAt_ >= everyStations ||
                      state.bytesRead - state.lastProgressBytes >= everyBytes;
     if (!due) return;
+    shownAt_ = state.stationsStored;
     state.lastProgressBytes = state.bytesRead;
-    if (state.totalBytes > 0)
-        user_.setProgress(100.0 * static_cast<double>(state.bytesRead) /
-                          static_cast<double>(state.totalBytes));
+    const RImportRun* const list = options_.list;
+    const std::int64_t total = list != nullptr ? list->state.totalBytes : state.totalBytes;
+    const std::int64_t done = state.bytesRead + (list != nullptr ? list->state.bytesRead : 0);
+    if (total > 0) user_.setProgress(100.0 * static_cast<double>(done) / static_cast<double>(total));
 }
 
 void RImportRun::endBusy()
@@ -232,15 +314,16 @@ void RImportRun::endBusy()
     open_ = false;
     collection_.criteria = state.savedCriteria;
     user_.endBusy();
-    user_.setAbort(false);
+    if (options_.list == nullptr) user_.setAbort(false);
 }
 
 void RImportRun::report()
 {
     const std::string_view source =
         state.fileName.empty() ? "Multiple Files" : std::string_view(state.fileName);
-    const std::string text = format("%d Stations %s from\n\n%s", state.stationsStored,
-                                    std::string(pastTense(state.mode)).c_str(), std::string(source).c_str());
+    const std::string text = format("%d Stations %s from\n\n%s\n\n", state.stationsStored,
+                                    std::string(pastTense(state.mode)).c_str(), std::string(source).c_str()) +
+                             accountText(state.read, state.account, state.mode);
     if (state.mode == ImportMode::addReplace) {
         state.undoRequested = !user_.report(runCaption, text);
     } else {
@@ -253,6 +336,7 @@ void RImportRun::undo()
 {
     collection_.rollBackChange();
     state.stationsStored = 0;
+    takeBack(state.account);
 }
 
 void RImportRun::commit()
@@ -265,16 +349,17 @@ void RImportRun::commit()
                               : "The import will be undone when the collection is opened again."));
     state.failed = true;
     state.stationsStored = 0;
+    takeBack(state.account);
 }
 
-void RImportRun::writeLog()
+void RImportRun::writeLogLine(const std::string& file, int stationsStored)
 {
-    std::string text = format("File %s not found.", state.file.c_str());
-    const bool exists = common::fileExists(state.file);
+    std::string text = format("File %s not found.", file.c_str());
+    const bool exists = common::fileExists(file);
     if (exists)
-        text = format("IMPORT%6d Stations %s (%s)", state.stationsStored, state.file.c_str(),
-                      collection::fileTime(state.file).c_str());
-    state.logFault = !exists || state.stationsStored == 0;
+        text = format("IMPORT%6d Stations %s (%s)", stationsStored, file.c_str(),
+                      collection::fileTime(file).c_str());
+    state.logFault = !exists || stationsStored == 0;
     if (!state.logFault) {
         collection_.addLogLine(text);
         return;
@@ -284,12 +369,45 @@ void RImportRun::writeLog()
     if (log) std::fprintf(log.get(), "ERROR: %s\n", text.c_str());
 }
 
+void RImportRun::writeLog()
+{
+    const bool allUndone = state.stationsStored == 0;
+    if (files_.empty()) writeLogLine(state.file, state.stationsStored);
+    for (const LISTEDFILE& file : files_) writeLogLine(file.path, allUndone ? 0 : file.stationsStored);
+    collection_.addLogLine(accountLine(state.read, state.account, state.mode));
+}
+
+// What a file of a list brought is the list's.
+void RImportRun::handOver()
+{
+    static_cast<void>(collection_.commitChange()); // one of those within the list's
+    options_.list->takeFile(*this);
+}
+
+void RImportRun::takeFile(const RImportRun& file)
+{
+    files_.push_back({file.state.file, file.state.stationsStored});
+    state.mode = file.state.mode;
+    state.stationsRead += file.state.stationsRead;
+    state.stationsStored += file.state.stationsStored;
+    state.bytesRead += std::max<std::int64_t>(0, file.state.totalBytes);
+    state.read += file.state.read;
+    state.account += file.state.account;
+    state.replaceAll = state.replaceAll || file.state.replaceAll;
+    state.aborted = state.aborted || file.state.aborted;
+    state.failed = state.failed || file.state.failed;
+}
+
 void RImportRun::closeImport(bool final)
 {
     if (!open_) return;
     const bool last = final || state.aborted;
     user_.status({});
     endBusy();
+    if (options_.list != nullptr) {
+        handOver();
+        return;
+    }
     if (last) report();
     if (state.undoRequested) {
         undo();

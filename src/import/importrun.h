@@ -30,11 +30,12 @@ struct IMPORTSTATE {
     bool undoRequested = false;
     bool logFault = false; // the log has no normal IMPORT line
     bool aborted = false;  // by the user
-    bool failed = false;   // a station could not be written, or all of them at the end
+    bool failed = false; // ended at a station that could not or was not to be written, or not written at all
     collection::SELECTIONCRITERIA savedCriteria{};
     std::string file;       // path of the input
     std::string fileName;   // short name for the report; empty for lists
     std::string lineBuffer; // the line last read
+    READACCOUNT read;       // what the reader did
     STOREACCOUNT account;
 };
 
@@ -51,8 +52,13 @@ enum class Existing : int {
     abort    // the import ends at the first one
 };
 
+class RImportRun;
+
 struct RUNOPTIONS {
     Existing existing = Existing::ask;
+    // The run of the list that the file belongs to; not owned, null if it stands alone. Then the end of this
+    // run only hands over what was done: the list's run reports, decides and logs.
+    RImportRun* list = nullptr;
     std::vector<CRUISEASSOCIATION> cruises; // as takeCruises() takes them
     // Called for each station that was stored, to draw it; may be null.
     std::function<void(const collection::STATIONHDR&)> stationStored;
@@ -76,8 +82,10 @@ public:
     // bytes. True if the run is to be broken off.
     [[nodiscard]] bool importStation(collection::STATIONDATA& station, int everyStations,
                                      std::int64_t everyBytes);
-    // Reports; undoes or commits; logs, and with `final` builds the inventory anew.
+    // Reports with the account; undoes or commits; logs, and with `final` builds the inventory anew.
     void closeImport(bool final);
+    // The stations of the collection, which all files of a list share.
+    [[nodiscard]] RExistingStations& existingStations();
     // Stations of these cruises take the label of the one in the collection; those without a source label
     // are left out.
     void takeCruises(std::span<const CRUISEASSOCIATION> cruises);
@@ -88,16 +96,24 @@ private:
     [[nodiscard]] int findExisting(collection::STATIONHDR& header);
     void applyCruises(collection::STATIONHDR& header) const;
     [[nodiscard]] bool mayStore(const collection::STATIONHDR& header, int existing);
+    [[nodiscard]] bool mayReplace(const collection::STATIONHDR& header);
     [[nodiscard]] bool askReplace(const collection::STATIONHDR& header);
-    [[nodiscard]] bool tellNotFound(const collection::STATIONHDR& header);
-    [[nodiscard]] bool storeMerged(const collection::STATIONDATA& station, int existing);
+    void tellExisting(const collection::STATIONHDR& header);
+    void tellNotFound(const collection::STATIONHDR& header);
+    [[nodiscard]] bool decide(collection::STATIONDATA& station, std::int64_t values);
+    [[nodiscard]] bool storeOwn(collection::STATIONDATA& station, int existing, std::int64_t values);
+    [[nodiscard]] bool storeMerged(const collection::STATIONDATA& station, int existing, std::int64_t values);
     [[nodiscard]] bool store(collection::STATIONDATA& station, int existing);
+    void drop(int& reason, std::int64_t values);
     void showProgress(int everyStations, std::int64_t everyBytes);
     void report();
     void tellWriteError(collection::WriteResult result);
     void undo();
     void commit();
+    void handOver();
+    void takeFile(const RImportRun& file);
     void writeLog();
+    void writeLogLine(const std::string& file, int stationsStored);
     void endBusy();
 
     collection::RCollection& collection_;
@@ -105,7 +121,13 @@ private:
     const RUNOPTIONS options_;
     std::vector<CRUISEASSOCIATION> cruises_;
     std::unique_ptr<RExistingStations> existing_;
+    struct LISTEDFILE {
+        std::string path;
+        int stationsStored;
+    };
+    std::vector<LISTEDFILE> files_; // of a list
     std::unique_ptr<collection::STATIONDATA> merged_;
+    int shownAt_ = 0; // stationsStored at the last progress update
     bool open_ = false;
 };
 

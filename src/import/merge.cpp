@@ -121,31 +121,38 @@ void copyStored(const STATIONDATA& stored, int variable, BLOCK& block)
 }
 
 BLOCK primaryBlock(const STATIONDATA& fresh, const STATIONDATA& stored, const std::vector<int>& map,
-                   int levels)
+                   int levels, MERGECOUNTS& counts)
 {
     BLOCK block = emptyBlock(levels);
     copyStored(stored, 1, block);
     for (int k = 0; k < fresh.levels(); ++k) {
-        if (map[at(k)] < stored.levels()) continue;
+        const bool isNew = map[at(k)] >= stored.levels();
+        if (valueOf(fresh, 1, k) != MISSING_VALUE)
+            ++(map[at(k)] < 0 ? counts.dropped : isNew ? counts.stored : counts.matched);
+        if (!isNew) continue;
         block.values[at(map[at(k)])] = valueOf(fresh, 1, k);
         block.flags[at(map[at(k)])] = flagOf(fresh, 1, k);
     }
     return block;
 }
 
-void putValue(float value, std::uint8_t flag, ImportMode mode, float& there, std::uint8_t& flagThere)
+// An update finds a value there only if an earlier level of the fresh station has come to the same one.
+void putValue(float value, std::uint8_t flag, ImportMode mode, float& there, std::uint8_t& flagThere,
+              MERGECOUNTS& counts)
 {
     if (there != MISSING_VALUE && mode == ImportMode::merge) {
         there = (value + there) * 0.5f;
         flagThere = std::max(flagThere, flag);
+        ++counts.averaged;
         return;
     }
+    ++(there == MISSING_VALUE ? counts.stored : counts.dropped);
     there = value;
     flagThere = flag;
 }
 
 BLOCK sampleBlock(const STATIONDATA& fresh, const STATIONDATA& stored, int variable, ImportMode mode,
-                  const std::vector<int>& map, int levels)
+                  const std::vector<int>& map, int levels, MERGECOUNTS& counts)
 {
     BLOCK block = emptyBlock(levels);
     const bool isNew = hasData(fresh, variable);
@@ -155,29 +162,32 @@ BLOCK sampleBlock(const STATIONDATA& fresh, const STATIONDATA& stored, int varia
         const int level = map[at(k)];
         const float value = valueOf(fresh, variable, k);
         if (level < 0 || value == MISSING_VALUE) continue;
-        putValue(value, flagOf(fresh, variable, k), mode, block.values[at(level)], block.flags[at(level)]);
+        putValue(value, flagOf(fresh, variable, k), mode, block.values[at(level)], block.flags[at(level)],
+                 counts);
     }
     return block;
 }
 
 } // namespace
 
-bool mergeStation(const STATIONDATA& fresh, STATIONDATA& stored, ImportMode mode, int variableCount)
+std::optional<MERGECOUNTS> mergeStation(const STATIONDATA& fresh, STATIONDATA& stored, ImportMode mode,
+                                        int variableCount)
 {
     int levels = 0;
     const std::vector<int> map = mapLevels(fresh, stored, variableCount, levels);
     int variables = 1;
     for (int v = 2; v <= variableCount; ++v) variables += hasData(fresh, v) || hasData(stored, v) ? 1 : 0;
-    if (levels > common::maxLevels || levels > common::maxCells / variables) return false;
+    if (levels > common::maxLevels || levels > common::maxCells / variables) return std::nullopt;
 
+    MERGECOUNTS counts;
     std::vector<BLOCK> blocks;
     std::array<std::int32_t, 51> offset{};
     offset.fill(-1);
     for (int v = 1; v <= variableCount; ++v) {
         if (v > 1 && !hasData(fresh, v) && !hasData(stored, v)) continue;
         offset[at(v)] = static_cast<int>(blocks.size()) * levels;
-        blocks.push_back(v == 1 ? primaryBlock(fresh, stored, map, levels)
-                                : sampleBlock(fresh, stored, v, mode, map, levels));
+        blocks.push_back(v == 1 ? primaryBlock(fresh, stored, map, levels, counts)
+                                : sampleBlock(fresh, stored, v, mode, map, levels, counts));
     }
     stored.offset = offset;
     stored.levelCount[1] = static_cast<std::int16_t>(levels);
@@ -186,7 +196,18 @@ bool mergeStation(const STATIONDATA& fresh, STATIONDATA& stored, ImportMode mode
         std::copy(blocks[b].values.begin(), blocks[b].values.end(), stored.values.get() + b * at(levels));
         std::copy(blocks[b].flags.begin(), blocks[b].flags.end(), stored.flags.get() + b * at(levels));
     }
-    return true;
+    return counts;
+}
+
+std::int64_t countValues(const STATIONDATA& station, int variableCount)
+{
+    std::int64_t count = 0;
+    for (int v = 1; v <= variableCount; ++v) {
+        if (!hasData(station, v)) continue;
+        const float* const first = station.values.get() + station.offset[at(v)];
+        count += station.levels() - std::count(first, first + station.levels(), MISSING_VALUE);
+    }
+    return count;
 }
 
 } // namespace importing

@@ -30,6 +30,7 @@ public:
     [[nodiscard]] std::int64_t readStation(collection::STATIONDATA& station) override;
     [[nodiscard]] int lineNumber() const override;
     [[nodiscard]] std::string_view currentLine() const override;
+    [[nodiscard]] const READACCOUNT& account() const override;
     // True if a station's header was refused, which ended the reading.
     [[nodiscard]] bool refusedHeader() const;
 

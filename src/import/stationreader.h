@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "collection/stationdata.h"
+#include "import/account.h"
 
 namespace importing {
 
@@ -25,6 +26,8 @@ public:
     // The line last read, for messages: its number from 1, and its text.
     [[nodiscard]] virtual int lineNumber() const = 0;
     [[nodiscard]] virtual std::string_view currentLine() const = 0;
+    // What became of the file so far; complete when readStation() has returned no station.
+    [[nodiscard]] virtual const READACCOUNT& account() const = 0;
 };
 
 } // namespace importing

@@ -6,12 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include "collection/check.h"
 #include "collection/sidefiles.h"
 #include "filesizelimit.h"
-#include "import/importspreadsheet.h"
-#include "import/spreadsheetfixture.h"
-#include "samplecollection.h"
+#include "import/importfixture.h"
 
 namespace {
 
@@ -19,85 +16,6 @@ using namespace importing;
 using namespace testing_support;
 using collection::RCollection;
 using common::Answer;
-
-const std::string threeVariables =
-    metaHeader + "\tDepth [m]\tQF\tTemperature [~$m~#C]\tQF\tSalinity [psu]\tQF\n";
-
-std::string cast(const std::string& station, int levels, float temperature = 10,
-                 const std::string& cruise = "A16")
-{
-    std::string text;
-    for (int k = 0; k < levels; ++k)
-        text += replaced(
-            line(station, common::format("%d\t0\t%g\t0\t35\t0", 10 * k, static_cast<double>(temperature))),
-            "A16", cruise);
-    return text;
-}
-
-// A collection of three variables and imports into it.
-class RImports {
-public:
-    RSampleCollection sample{3};
-    IMPORTOPTIONS options;
-    IMPORTRESULT result;
-    std::vector<std::string> stored; // labels, as the run told them
-
-    RImports()
-    {
-        sample.collection.userName = "ann";
-        sample.collection.hostName = "ship";
-        options.run.stationStored = [this](const collection::STATIONHDR& h) {
-            stored.emplace_back(h.station);
-        };
-    }
-    [[nodiscard]] RCollection& collection() { return sample.collection; }
-    [[nodiscard]] RScriptedUser& user() { return sample.user; }
-    [[nodiscard]] std::string path() const { return sample.directory.file("casts.txt"); }
-
-    RImports& import(const std::string& data, ImportMode mode = ImportMode::addReplace)
-    {
-        return importFile(threeVariables + data, mode);
-    }
-    RImports& importFile(const std::string& content, ImportMode mode = ImportMode::addReplace)
-    {
-        std::ofstream(path(), std::ios::binary) << content;
-        user().messages.clear();
-        user().notes.clear();
-        stored.clear();
-        options.mode = mode;
-        result = importSpreadsheet(collection(), sample.station, path(), options, user());
-        if (filesAreThere) expectSoundFiles();
-        return *this;
-    }
-    bool filesAreThere = true;
-    // Whatever an import did or met, the files agree.
-    void expectSoundFiles()
-    {
-        RScriptedUser checker;
-        for (const auto& finding : collection::checkCollection(collection().path, checker).findings) {
-            EXPECT_NE(finding.kind, collection::FINDING::inconsistency) << finding.text;
-        }
-    }
-    [[nodiscard]] READSTATION load(int number)
-    {
-        EXPECT_EQ(collection().loadStation(number, sample.station, false), collection::LoadResult::ok);
-        return copyOf(sample.station, 3);
-    }
-    [[nodiscard]] std::vector<std::string> labels()
-    {
-        std::vector<std::string> found;
-        for (int n = 1; n <= collection().stationCount; ++n) found.push_back(load(n).label());
-        return found;
-    }
-    [[nodiscard]] bool told(const std::string& part)
-    {
-        const auto& m = user().messages;
-        return std::any_of(m.begin(), m.end(),
-                           [&](const std::string& t) { return t.find(part) != std::string::npos; });
-    }
-};
-
-using Labels = std::vector<std::string>;
 
 TEST(ImportSpreadsheet, StoresTheStationsOfAFile)
 {
@@ -108,8 +26,7 @@ TEST(ImportSpreadsheet, StoresTheStationsOfAFile)
     EXPECT_EQ(run.labels(), (Labels{"1", "2"}));
     EXPECT_EQ(run.stored, (Labels{"1", "2"}));
     EXPECT_EQ(run.load(2).counts[1], 5);
-    EXPECT_EQ(run.user().messages,
-              Labels{"Importing Station-Data ...: 2 Stations Imported from\n\ncasts.txt"});
+    EXPECT_EQ(run.messages(), Labels{"Importing Station-Data ...: 2 Stations Imported from\n\ncasts.txt"});
     EXPECT_EQ(run.user().busy, 0);
 }
 
@@ -142,7 +59,9 @@ TEST(ImportSpreadsheet, TheLogTakesALine)
     const std::string log = run.sample.bytes(".log");
     const std::regex expected(
         "[A-Z][a-z]{2}/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d> ann:ship IMPORT     1 Stations "
-        ".*casts\\.txt \\([A-Z][a-z]{2}/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d\\)\n$");
+        ".*casts\\.txt \\([A-Z][a-z]{2}/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d\\)\n"
+        "[A-Z][a-z]{2}/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d> ann:ship ACCOUNT Lines: .*; Stations: 1 read, "
+        "1 added, 0 replaced; Values: .*\n$");
     EXPECT_TRUE(std::regex_search(log, expected)) << log;
     EXPECT_NE(log.find("(" + collection::fileTime(run.path()) + ")\n"), std::string::npos) << log;
 }
@@ -293,7 +212,7 @@ TEST(ImportSpreadsheet, MergeAveragesAndStaysTheSameWhenRepeated)
     run.import(cast("1", 3, 10));
     run.import(cast("1", 3, 20), ImportMode::merge);
     EXPECT_EQ(run.load(1).values[2], (std::vector<float>{15, 15, 15}));
-    EXPECT_EQ(run.user().messages, Labels{"Importing Station-Data ...: 1 Stations Merged from\n\ncasts.txt"});
+    EXPECT_EQ(run.messages(), Labels{"Importing Station-Data ...: 1 Stations Merged from\n\ncasts.txt"});
     const READSTATION before = run.load(1);
     run.import(cast("1", 3, 15), ImportMode::merge);
     EXPECT_EQ(run.load(1).values, before.values);
@@ -348,8 +267,7 @@ TEST(ImportSpreadsheet, UpdateDropsMissingStationsSilently)
     RImports run;
     run.import(cast("1", 3, 10));
     run.import(cast("7", 1), ImportMode::update);
-    EXPECT_EQ(run.user().messages,
-              Labels{"Importing Station-Data ...: 0 Stations Updated from\n\ncasts.txt"});
+    EXPECT_EQ(run.messages(), Labels{"Importing Station-Data ...: 0 Stations Updated from\n\ncasts.txt"});
     EXPECT_EQ(run.labels(), Labels{"1"});
 }
 

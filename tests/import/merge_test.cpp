@@ -35,13 +35,16 @@ void fill(STATIONDATA& station, const std::vector<std::vector<float>>& columns, 
 struct MERGED {
     STATIONDATA fresh, stored;
     bool done = false;
+    importing::MERGECOUNTS counts;
 
     MERGED(const std::vector<std::vector<float>>& newColumns,
            const std::vector<std::vector<float>>& oldColumns, ImportMode mode = ImportMode::merge)
     {
         fill(fresh, newColumns, 4);
         fill(stored, oldColumns, 0);
-        done = mergeStation(fresh, stored, mode, static_cast<int>(newColumns.size()));
+        const auto result = mergeStation(fresh, stored, mode, static_cast<int>(newColumns.size()));
+        done = result.has_value();
+        counts = result.value_or(importing::MERGECOUNTS{});
     }
     [[nodiscard]] std::vector<float> column(std::size_t v) const
     {

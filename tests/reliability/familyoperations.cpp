@@ -67,7 +67,7 @@ bool importAsNew(ROpenCollection& open)
     session.installation.user = "user";
     session.installation.host = "host";
     session.runMode = app::commandFileRun;
-    session.importOverwrite = true;
+    session.importSettings.overwrite = true;
     const bool good = session.open(open.folder + "sample.txt") == app::OpenResult::ok;
     session.close(true);
     return good;

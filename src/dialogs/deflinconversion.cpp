@@ -1,0 +1,60 @@
+#include "dialogs/deflinconversion.h"
+
+#include <QFormLayout>
+
+#include "dialogs/boxes.h"
+#include "dialogs/enterednumber.h"
+#include "dialogs/formparts.h"
+
+namespace dialogs {
+namespace {
+
+QLineEdit* makeField(const char* name, const char* preset, QWidget* parent)
+{
+    constexpr int letters = 24;
+    auto* const field = new QLineEdit(QLatin1StringView(preset), parent);
+    field->setObjectName(QLatin1StringView(name));
+    field->setMinimumWidth(field->fontMetrics().averageCharWidth() * letters);
+    return field;
+}
+
+} // namespace
+
+deflinconversionDlg::deflinconversionDlg(const QString& caption, QWidget* parent)
+    : QDialog(parent), fieldA_(makeField("a", "1.0", this)), fieldB_(makeField("b", "0.0", this))
+{
+    setObjectName(QStringLiteral("deflinconversion"));
+    setWindowTitle(caption);
+    QLabel* const formula = makeTextLabel("formula", this);
+    formula->setText(QStringLiteral("New value = a * value in the file + b"));
+    QDialogButtonBox* const buttons = makeDialogButtons(false, this);
+    auto* const form = new QFormLayout(this);
+    form->addRow(formula);
+    form->addRow(QStringLiteral("&a:"), fieldA_);
+    form->addRow(QStringLiteral("&b:"), fieldB_);
+    form->addRow(buttons);
+    connect(buttons, &QDialogButtonBox::accepted, this, &deflinconversionDlg::processOK);
+    connect(buttons, &QDialogButtonBox::rejected, this, &deflinconversionDlg::reject);
+    fieldA_->setFocus();
+    fieldA_->selectAll();
+}
+
+bool deflinconversionDlg::take(QLineEdit* field, const char* name, float& number)
+{
+    if (const std::optional<float> entered = numberOf(field->text())) {
+        number = *entered;
+        return true;
+    }
+    tell(this, windowTitle(),
+         QStringLiteral("%1 is no number: %2").arg(QLatin1StringView(name), oneLine(field->text())));
+    field->setFocus();
+    field->selectAll();
+    return false;
+}
+
+void deflinconversionDlg::processOK()
+{
+    if (take(fieldA_, "a", numberA_) && take(fieldB_, "b", numberB_)) accept();
+}
+
+} // namespace dialogs

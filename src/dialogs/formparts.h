@@ -1,0 +1,43 @@
+#pragma once
+
+// Parts that many forms have. Whatever comes from a file is shown as plain text, of a length that fits.
+
+#include <string_view>
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QStringList>
+
+namespace dialogs {
+
+[[nodiscard]] QString fromUtf8(std::string_view text);
+
+// A text for one line of a form: control characters as blanks, at most `most` characters.
+[[nodiscard]] QString oneLine(const QString& text, int most = 200);
+// A text from a file as part of a window's title.
+[[nodiscard]] QString inTitle(const QString& text);
+
+// A label that shows its text as it is, in several lines if it must.
+[[nodiscard]] QLabel* makeTextLabel(const char* name, QWidget* parent);
+// A label whose letter with "&" leads to `field`.
+[[nodiscard]] QLabel* makeCaption(const QString& text, QWidget* field);
+
+// A list of lines in letters of one width, for a line of about `letters` letters. What is longer ends in dots
+// and stands whole in its tip.
+[[nodiscard]] QListWidget* makeLineList(const char* name, int letters, QWidget* parent);
+// Gives the list these lines; selection and place stay as far as there are as many lines.
+void showLines(QListWidget& list, const QStringList& lines);
+[[nodiscard]] int selectedRow(const QListWidget& list); // -1: none
+// Selects a row, none for -1. One that wasn't selected is brought into sight.
+void selectRow(QListWidget& list, int row);
+// Scrolls so that the selected row stands three lines below the top.
+void bringIntoSight(QListWidget& list);
+
+// A button that isn't pressed by Enter.
+[[nodiscard]] QPushButton* makePushButton(const char* name, const char* caption, QWidget* parent);
+// "OK", "Cancel" and, with `help`, "Help".
+[[nodiscard]] QDialogButtonBox* makeDialogButtons(bool help, QWidget* parent);
+
+} // namespace dialogs
