@@ -9,24 +9,17 @@
 namespace dialogs {
 namespace {
 
-QLineEdit* makeField(const char* name, const char* preset, QWidget* parent)
-{
-    constexpr int letters = 24;
-    auto* const field = new QLineEdit(QLatin1StringView(preset), parent);
-    field->setObjectName(QLatin1StringView(name));
-    field->setMinimumWidth(field->fontMetrics().averageCharWidth() * letters);
-    return field;
-}
+constexpr int letters = 44; // so that the title has room as well
 
 } // namespace
-
 deflinconversionDlg::deflinconversionDlg(const QString& caption, QWidget* parent)
-    : QDialog(parent), fieldA_(makeField("a", "1.0", this)), fieldB_(makeField("b", "0.0", this))
+    : QDialog(parent), fieldA_(makeLineField("a", QStringLiteral("1.0"), letters, this)),
+      fieldB_(makeLineField("b", QStringLiteral("0.0"), letters, this))
 {
     setObjectName(QStringLiteral("deflinconversion"));
     setWindowTitle(caption);
     QLabel* const formula = makeTextLabel("formula", this);
-    formula->setText(QStringLiteral("New value = a * value in the file + b"));
+    formula->setText(QStringLiteral("New value = a x + b, where x is the value in the file"));
     QDialogButtonBox* const buttons = makeDialogButtons(false, this);
     auto* const form = new QFormLayout(this);
     form->addRow(formula);
