@@ -68,7 +68,8 @@ int exponentOf(double value)
     constexpr std::array<double, 11> next = {1e-4, 1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
     const int binary = static_cast<int>(std::bit_cast<std::uint64_t>(value) >> 52) - 1023;
     const int exponent = exponents[static_cast<std::size_t>(binary - smallestBinary)];
-    return exponent + (value >= next[static_cast<std::size_t>(exponent + 5)] ? 1 : 0);
+    const int place = exponent + 5;
+    return exponent + (value >= next[static_cast<std::size_t>(place)] ? 1 : 0);
 }
 
 // Writes a number of six digits, the first of which has weight 10^exponent, without zeros at its end.
