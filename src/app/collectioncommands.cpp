@@ -104,18 +104,18 @@ std::string RSession::targetBase(const std::string& path, const FILEQUESTION& qu
     return {};
 }
 
-bool RSession::mayTakePlace(const FAMILYCOMMAND& command, const std::string& basePath)
+bool RSession::mayTakePlace(std::string_view caption, const std::string& basePath)
 {
     if (sameCollection(basePath, collection.path)) {
-        user_.about(command.title, basePath + ".var is the open collection itself.");
+        user_.about(caption, basePath + ".var is the open collection itself.");
         return false;
     }
     if (unpacked_ && basePath.starts_with(unpacked_->path())) {
-        user_.about(command.title, basePath + ".var would be lost with the unpacked files.");
+        user_.about(caption, basePath + ".var would be lost with the unpacked files.");
         return false;
     }
     if (!isThere(basePath) || !user_.interactive()) return true;
-    return user_.question(command.title, "Collection\n\n" + basePath + ".var\n\nalready exists!  Replace it?",
+    return user_.question(caption, "Collection\n\n" + basePath + ".var\n\nalready exists!  Replace it?",
                           common::Answer::no) == common::Answer::yes;
 }
 
@@ -152,7 +152,7 @@ bool RSession::copyOrMove(const FAMILYCOMMAND& command, const std::string& targe
     const std::string to = targetBase(
         target, {"Select Target Collection Name ...", "Collection Name (*.var)",
                  common::absolutePath(beside + "copy_of_" + collection.name + ".var"), true, true});
-    if (to.empty() || !mayTakePlace(command, to)) return false;
+    if (to.empty() || !mayTakePlace(command.title, to)) return false;
     std::unique_ptr<RScratchFolder> unpacked = std::move(unpacked_); // its files must outlast the closing
     if (!close(false)) {
         unpacked_ = std::move(unpacked);

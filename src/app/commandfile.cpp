@@ -166,17 +166,87 @@ std::string runPlotStation(Fields fields, RCommandTarget& target)
     return reader.wrong().empty() ? target.plotStation(number) : reader.wrong();
 }
 
+// --- data in and out
+
 std::string runSetImport(Fields fields, RCommandTarget& target)
 {
-    for (const std::string_view field : fields) {
-        const std::size_t equals = std::min(field.find('='), field.size());
-        const std::string_view key = common::trimBlanks(field.substr(0, equals));
-        if (key != "overwrite") return "there is no import setting " + quoted(key);
-        const std::string_view value = common::trimBlanks(field.substr(std::min(equals + 1, field.size())));
-        if (value != "yes" && value != "no") return "overwrite is yes or no, not " + quoted(value);
-        if (std::string wrong = target.setImportOverwrite(value == "yes"); !wrong.empty()) return wrong;
+    constexpr auto pairs = std::to_array<std::string_view>({"assoc", "cruise"});
+    std::vector<KEYVALUE> settings;
+    std::string wrong = readKeyValues(fields[0], {pairs, {}}, settings);
+    return wrong.empty() ? target.setImport(settings) : wrong;
+}
+
+std::string runSelect(Fields fields, RCommandTarget& target)
+{
+    constexpr auto bare = std::to_array<std::string_view>({"reset"});
+    std::vector<KEYVALUE> criteria;
+    std::string wrong = readKeyValues(fields[0], {{}, bare}, criteria);
+    return wrong.empty() ? target.select(criteria) : wrong;
+}
+
+std::string cleanQuotedPath(std::string_view text)
+{
+    return cleanPath(withoutQuotes(text));
+}
+
+// The word behind the last comma, if it is one, else the path goes to its end.
+importing::ImportMode takeMode(std::string_view& path)
+{
+    using importing::ImportMode;
+    constexpr auto modes = std::to_array<std::pair<std::string_view, ImportMode>>(
+        {{"add", ImportMode::addReplace}, {"merge", ImportMode::merge}, {"update", ImportMode::update}});
+    const std::size_t comma = path.rfind(',');
+    if (comma == std::string_view::npos) return ImportMode::addReplace;
+    const std::string_view word = common::trimBlanks(path.substr(comma + 1));
+    for (const auto& [name, mode] : modes) {
+        if (word != name) continue;
+        path = path.substr(0, comma);
+        return mode;
     }
-    return {};
+    return ImportMode::addReplace;
+}
+
+std::string runImportFile(Fields fields, RCommandTarget& target)
+{
+    const auto& formats = importing::importFormats;
+    const auto row = std::find_if(formats.begin(), formats.end(),
+                                  [&](const auto& format) { return format.word == fields[0]; });
+    if (row == formats.end()) return "there is no format " + quoted(fields[0]) + " (spreadsheet, o4x, o3x)";
+    if (std::string wrong = target.refusal(row->commandId); !wrong.empty()) return wrong;
+    std::string_view path = fields[1];
+    const importing::ImportMode mode = takeMode(path);
+    const FILEIMPORT file{row->format, cleanQuotedPath(path), mode};
+    return file.path.empty() ? "names no file" : target.importFile(file);
+}
+
+std::string runExportListing(Fields fields, RCommandTarget& target)
+{
+    using exporting::ListingForm;
+    if (fields[0] != "o3x" && fields[0] != "o4x")
+        return "there is no format " + quoted(fields[0]) + " (o3x, o4x)";
+    const bool old = fields[0] == "o3x";
+    if (std::string wrong = target.refusal(old ? cmdExportListing3 : cmdExportListing4); !wrong.empty())
+        return wrong;
+    const std::string path = cleanQuotedPath(fields[1]);
+    if (path.empty()) return "names no file";
+    return target.exportListing(old ? ListingForm::version3 : ListingForm::version4, path);
+}
+
+std::string runExportCollection(Fields fields, RCommandTarget& target)
+{
+    return target.exportCollection(cleanQuotedPath(fields[0]));
+}
+
+std::string runExportSpreadsheet(Fields fields, RCommandTarget& target)
+{
+    std::string_view rest = fields[0];
+    TABLEEXPORT table;
+    std::string wrong = takeField(rest, table.path);
+    if (wrong.empty()) wrong = takeField(rest, table.missingText);
+    if (wrong.empty()) wrong = readWords(rest, table.variables);
+    if (!wrong.empty()) return wrong;
+    table.path = cleanPath(table.path);
+    return table.path.empty() ? "names no file" : target.exportSpreadsheet(table);
 }
 
 // --- the collection as a whole
@@ -269,7 +339,12 @@ constexpr auto wordRows = std::to_array<WORDROW>({
     {"set_palette", Split::list, 2, 2, runSetPalette},
     {"set_domain", Split::list, 4, 7, runSetDomain},
     {"plot_station", Split::list, 1, 1, runPlotStation},
-    {"set_import", Split::list, 1, maxFields, runSetImport},
+    {"set_import", Split::whole, 1, 1, runSetImport},
+    {"select", Split::whole, 1, 1, runSelect, cmdSelectionCriteria},
+    {"import_file", Split::pair, 2, 2, runImportFile},
+    {"export_listing", Split::pair, 2, 2, runExportListing},
+    {"export_collection", Split::whole, 1, 1, runExportCollection, cmdExportCollection},
+    {"export_spreadsheet", Split::whole, 1, 1, runExportSpreadsheet, cmdExportSpreadsheet},
     {"create_collection", Split::pair, 2, 2, runCreateCollection},
     {"copy_collection", Split::whole, 1, 1, runCopyCollection, cmdCopy},
     {"move_collection", Split::whole, 1, 1, runMoveCollection, cmdMove},

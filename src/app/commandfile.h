@@ -5,9 +5,15 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
+
+#include "app/keyvalues.h"
+#include "export/listing.h"
+#include "import/importfile.h"
 
 namespace app {
 
@@ -34,6 +40,16 @@ struct DOMAINCHOICE { // degrees
     double lonMin = 0, lonMax = 360, latMin = -90, latMax = 90;
     std::optional<int> projection;
     std::optional<std::pair<double, double>> pole; // longitude, latitude
+};
+
+struct FILEIMPORT {
+    importing::Format format = importing::Format::spreadsheet;
+    std::string path;
+    importing::ImportMode mode = importing::ImportMode::addReplace;
+};
+struct TABLEEXPORT { // a spreadsheet
+    std::string path, missingText;
+    std::vector<std::string> variables; // each a number or a label; empty: all of the collection
 };
 
 // What a call gives back that has failed and has told why.
@@ -79,7 +95,13 @@ public:
     [[nodiscard]] virtual std::string setPalette(int window, std::string_view name) = 0; // window 0: the map
     [[nodiscard]] virtual std::string setDomain(const DOMAINCHOICE& domain) = 0;
     [[nodiscard]] virtual std::string plotStation(std::optional<int> number) = 0; // none: all
-    [[nodiscard]] virtual std::string setImportOverwrite(bool overwrite) = 0;
+    // Pairs of one line are in force together, or none of them is.
+    [[nodiscard]] virtual std::string setImport(std::span<const KEYVALUE> pairs) = 0;
+    [[nodiscard]] virtual std::string select(std::span<const KEYVALUE> pairs) = 0; // "reset" has no value
+    [[nodiscard]] virtual std::string importFile(const FILEIMPORT& file) = 0;
+    [[nodiscard]] virtual std::string exportListing(exporting::ListingForm form, const std::string& path) = 0;
+    [[nodiscard]] virtual std::string exportCollection(const std::string& path) = 0;
+    [[nodiscard]] virtual std::string exportSpreadsheet(const TABLEEXPORT& table) = 0;
 };
 
 // Runs the lines of a command file. `name` is its name in messages; `note` takes each message, in the form

@@ -6,6 +6,7 @@
 #include "collection/variablesets.h"
 #include "common/files.h"
 #include "common/text.h"
+#include "import/importlisting.h"
 #include "import/listing.h"
 
 namespace app {
@@ -30,6 +31,13 @@ int describedStations(const std::string& file)
     collection::VARFAULT fault;
     const bool good = text && collection::parseVarFile(*text, read, fault) == collection::VarFileResult::ok;
     return good ? read.stationCount : -1;
+}
+
+// The description of a 3.0 listing has the place that a collection of the same name would take.
+std::string nameBesideDescription(const std::string& listing)
+{
+    const common::PATHPARTS parts = common::splitPath(listing);
+    return parts.directory + parts.baseName + "_o3x" + parts.extension;
 }
 
 } // namespace
@@ -113,7 +121,7 @@ bool RSession::mayReplaceStations(const std::string& basePath, std::string_view 
 bool RSession::mayReplace(const std::string& basePath, std::string_view caption, bool byNothing)
 {
     const std::string file = basePath + ".var";
-    if (importOverwrite) return true;
+    if (importSettings.overwrite) return true;
     if (!common::fileExists(file)) return mayReplaceStations(basePath, caption);
     if (user_.interactive()) {
         return user_.question(caption, "Collection\n\n" + file + "\n\nalready exists!  Replace it?",
@@ -228,12 +236,33 @@ bool RSession::createCollection(const std::string& path, std::optional<CREATIONC
     return good;
 }
 
-OpenResult RSession::importAsNew(const std::string& path)
+// Makes the variables of a file those of the collection that is to be made of it. False after a message, and
+// if the user cancels.
+bool RSession::readVariables(importing::Format format, const std::string& path,
+                             importing::IMPORTOPTIONS& options)
 {
-    if (!setNames(path)) return OpenResult::failed;
-    Header header; // looked at first: a file that is none must not cost an old collection
-    if (!importing::spreadsheetVariables(path, nullptr, collection, header, user_) ||
-        !canMake(importTitle, false)) {
+    if (format == importing::Format::spreadsheet) {
+        importing::SPREADSHEETHEADER header;
+        if (!importing::spreadsheetVariables(path, options.settler, collection, header, user_)) return false;
+        options.header = std::move(header);
+        return true;
+    }
+    importing::LISTINGHEADER header;
+    if (!importing::listingVariables(format, path, options.settler, collection, header, user_)) return false;
+    options.listing = std::move(header);
+    return true;
+}
+
+OpenResult RSession::importAsNew(FileKind kind, const std::string& path)
+{
+    if (!setNames(kind == FileKind::oldListing ? nameBesideDescription(path) : path))
+        return OpenResult::failed;
+    const importing::Format format = *importFormat(kind);
+    const std::unique_ptr<importing::RImportSettler> settler = makeSettler();
+    importing::IMPORTOPTIONS options;
+    options.settler = settler.get();
+    // Looked at first: a file that is none must not cost an old collection.
+    if (!readVariables(format, path, options) || !canMake(importTitle, false)) {
         abandon();
         return OpenResult::failed;
     }
@@ -246,7 +275,7 @@ OpenResult RSession::importAsNew(const std::string& path)
     }
     const bool lists = collection.openTemporaryFiles();
     importing::IMPORTRESULT result{importing::ImportEnd::failed, 0, 0};
-    if (lists) result = runImport(path, std::move(header));
+    if (lists) result = runImport(format, path, std::move(options));
     const bool good = result.end == importing::ImportEnd::done && result.stationsStored > 0;
     const bool keep = good || (!replaces && result.stationsStored > 0);
     if (!keep || !collection.commitChange()) {

@@ -52,8 +52,22 @@ FileKind fileKind(std::string_view path)
 
 bool makesCollection(FileKind kind)
 {
-    return kind == FileKind::archiveListing || kind == FileKind::listing ||
+    return kind == FileKind::archiveListing || kind == FileKind::oldListing || kind == FileKind::listing ||
            kind == FileKind::stationSummary || kind == FileKind::spreadsheet;
+}
+
+std::optional<importing::Format> importFormat(FileKind kind)
+{
+    switch (kind) {
+    case FileKind::spreadsheet:
+        return importing::Format::spreadsheet;
+    case FileKind::oldListing:
+        return importing::Format::listing3;
+    case FileKind::listing:
+        return importing::Format::listing4;
+    default:
+        return std::nullopt;
+    }
 }
 
 const char* fileKindName(FileKind kind)

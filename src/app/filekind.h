@@ -2,10 +2,13 @@
 
 // What a path is taken for. All tests are searches for a substring anywhere in the path, case-sensitive.
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "import/importfile.h"
 
 namespace app {
 
@@ -23,6 +26,8 @@ enum class FileKind : int {
 [[nodiscard]] FileKind fileKind(std::string_view path);
 // Kinds that make a new collection when none is open.
 [[nodiscard]] bool makesCollection(FileKind kind);
+// The format in which stations are imported from a file of that kind; nothing if there is none.
+[[nodiscard]] std::optional<importing::Format> importFormat(FileKind kind);
 [[nodiscard]] const char* fileKindName(FileKind kind); // for messages
 
 enum class Archive : int { none = -1, gzip = 0, zip = 1, tarGzip = 2, tar = 3 };

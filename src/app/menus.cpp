@@ -37,6 +37,11 @@ struct COLLECTIONCOMMAND {
     int id;
     bool (*run)(RSession&);
 };
+template <importing::Format format>
+bool importInto(RSession& session)
+{
+    return session.importFile(format, {}, importing::ImportMode::addReplace);
+}
 constexpr auto collectionCommands = std::to_array<COLLECTIONCOMMAND>({
     {cmdNew, [](RSession& s) { return s.createCollection({}, std::nullopt); }},
     {cmdCopy, [](RSession& s) { return s.copyCollection({}); }},
@@ -48,6 +53,18 @@ constexpr auto collectionCommands = std::to_array<COLLECTIONCOMMAND>({
     {cmdDeleteEmpty, [](RSession& s) { return s.deleteEmpty(); }},
     {cmdDeleteCurrent, [](RSession& s) { return s.deleteStation(0); }},
     {cmdLogComment, [](RSession& s) { return s.addLogComment(std::nullopt); }},
+});
+
+// The commands that bring data in and out; the session asks for what they need.
+constexpr auto dataCommands = std::to_array<COLLECTIONCOMMAND>({
+    {cmdSelectionCriteria, [](RSession& s) { return s.editSelection(); }},
+    {cmdImportSpreadsheet, importInto<importing::Format::spreadsheet>},
+    {cmdImportListing3, importInto<importing::Format::listing3>},
+    {cmdImportListing4, importInto<importing::Format::listing4>},
+    {cmdExportListing3, [](RSession& s) { return s.exportListing(exporting::ListingForm::version3, {}); }},
+    {cmdExportListing4, [](RSession& s) { return s.exportListing(exporting::ListingForm::version4, {}); }},
+    {cmdExportSpreadsheet, [](RSession& s) { return s.exportSpreadsheet({}); }},
+    {cmdExportCollection, [](RSession& s) { return s.exportCollection({}); }},
 });
 
 QString fromUtf8(const std::string& text)
@@ -160,6 +177,9 @@ bool RAppWindow::dispatch(int commandId)
             return done;
         }
     }
+    for (const COLLECTIONCOMMAND& command : dataCommands) {
+        if (command.id == commandId) static_cast<void>(command.run(session_));
+    }
     if (commandId == cmdOpen) openByDialog();
     if (commandId == cmdClose) session_.close(false);
     if (commandId == cmdExecuteBatchFile) executeByDialog();
@@ -183,9 +203,10 @@ bool RAppWindow::dispatch(int commandId)
 
 void RAppWindow::openByDialog()
 {
-    const std::string path = askFile(
-        {"Open Collection ...", "Collection Files (*.var);;NVQ SpreadSheet Files (*.txt);;All Files (*)",
-         session_.collection.directory});
+    const std::string path = askFile({"Open Collection ...",
+                                      "Collection Files (*.var);;NVQ SpreadSheet Files (*.txt);;"
+                                      "NVQ4.x List Files (*.o4x);;NVQ3.0 Data Files (*.o3x);;All Files (*)",
+                                      session_.collection.directory});
     if (!path.empty()) openFile(path);
 }
 

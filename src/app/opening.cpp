@@ -13,7 +13,6 @@ namespace app {
 namespace {
 
 constexpr std::string_view openingTitle = "Opening Collection ...";
-constexpr std::string_view importTitle = "NVQ Data Import";
 constexpr std::int64_t largestDescription = 1 << 20; // bytes
 
 // An archive listing or a station summary brings nothing but the variables of a new collection.
@@ -24,7 +23,7 @@ bool isSourceOfVariables(FileKind kind)
 
 bool canOpen(FileKind kind, bool isOpen)
 {
-    return kind == FileKind::nothing || kind == FileKind::collection || kind == FileKind::spreadsheet ||
+    return kind == FileKind::nothing || kind == FileKind::collection || importFormat(kind) ||
            (isSourceOfVariables(kind) && !isOpen);
 }
 
@@ -70,10 +69,11 @@ OpenResult RSession::openKind(FileKind kind, const std::string& path)
     if (kind == FileKind::nothing || kind == FileKind::collection) close(true);
     if (kind == FileKind::nothing) return OpenResult::ok;
     user_.status("Opening " + path + " ...");
-    const OpenResult result = kind == FileKind::collection ? openCollection(path)
-                              : isSourceOfVariables(kind)  ? newFromSource(kind, path)
-                              : collection.isOpen          ? importIntoOpen(path)
-                                                           : importAsNew(path);
+    const OpenResult result =
+        kind == FileKind::collection ? openCollection(path)
+        : isSourceOfVariables(kind)  ? newFromSource(kind, path)
+        : collection.isOpen ? importIntoOpen(*importFormat(kind), path, importing::ImportMode::addReplace)
+                            : importAsNew(kind, path);
     view_.statusChanged();
     return result;
 }
@@ -198,25 +198,6 @@ void RSession::abandon()
     collection.reset();
     lock_.release();
     unpacked_.reset();
-}
-
-importing::IMPORTRESULT RSession::runImport(const std::string& path, std::optional<Header> header)
-{
-    importing::IMPORTOPTIONS options;
-    options.header = std::move(header);
-    return importing::importSpreadsheet(collection, scratch_, path, options, user_);
-}
-
-OpenResult RSession::importIntoOpen(const std::string& path)
-{
-    if (!collection.writable) {
-        user_.about(importTitle, collection::writeProtectedText);
-        return OpenResult::failed;
-    }
-    const importing::IMPORTRESULT result = runImport(path, std::nullopt);
-    for (auto& windows : ranged_) windows.reset(); // there are new values
-    listChanged();
-    return result.end == importing::ImportEnd::done ? OpenResult::ok : OpenResult::failed;
 }
 
 void RSession::setDefaults()

@@ -434,7 +434,7 @@ void RAppWindow::keyPressEvent(QKeyEvent* event)
 
 bool RAppWindow::acceptsDrop(const QString& text)
 {
-    for (const char* const part : {".var", ".txt", ".o4x", ".nc", ".cdf", ".zip", ".gz"}) {
+    for (const char* const part : {".var", ".txt", ".o4x", ".o3x", ".nc", ".cdf", ".zip", ".gz"}) {
         if (text.contains(QLatin1StringView(part))) return true;
     }
     return false;

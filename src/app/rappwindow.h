@@ -76,6 +76,12 @@ private:
     [[nodiscard]] std::string askFile(const FILEQUESTION& question) override;
     [[nodiscard]] std::optional<std::string> askLine(std::string_view title,
                                                      std::string_view prompt) override;
+    [[nodiscard]] std::unique_ptr<importing::RImportSettler> importSettler() override;
+    [[nodiscard]] std::optional<std::vector<int>>
+    chooseOutputVariables(const std::vector<int>& proposed) override;
+    [[nodiscard]] bool editCriteria(EDITEDCRITERIA& edited) override;
+    void showImported(std::span<const selection::SELECTEDSTATION> stations) override;
+    void drawDots(std::span<const selection::SELECTEDSTATION> stations, float size, int color);
     [[nodiscard]] std::optional<SETUPSETTINGS> askSetup(const SETUPSETTINGS& proposal,
                                                         const std::string& systemTemp);
 

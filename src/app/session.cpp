@@ -1,13 +1,8 @@
 #include "app/session.h"
 
-#include <algorithm>
-#include <array>
-#include <filesystem>
-
 #include "app/configuration.h"
 #include "common/files.h"
 #include "common/text.h"
-#include "export/spreadsheet.h"
 
 namespace app {
 namespace {
@@ -17,18 +12,6 @@ constexpr std::string_view saveTitle = "Save Screen to File ...";
 bool isBitmap(const std::string& extension)
 {
     return extension == ".png" || extension == ".jpg" || extension == ".jpeg" || extension == ".gif";
-}
-
-// Whether a path names, by whatever way, one of the files that make up the collection.
-bool isCollectionFile(const std::string& file, const std::string& basePath)
-{
-    constexpr auto suffixes = std::to_array<const char*>(
-        {".var", ".hob", ".dob", ".inv", ".cid", ".idv", ".cfl", ".log", ".info", ".cfg", ".lck", ".jnl"});
-    const auto isThis = [&](const char* suffix) {
-        std::error_code error;
-        return file == basePath + suffix || std::filesystem::equivalent(file, basePath + suffix, error);
-    };
-    return std::any_of(suffixes.begin(), suffixes.end(), isThis);
 }
 
 } // namespace
@@ -101,16 +84,6 @@ bool RSession::writeGraphics(const std::string& path, int window, int dpi)
     const bool eps = common::toLower(common::splitPath(path).extension) == ".eps";
     return eps ? graphics::exportPostScript(context, path, window)
                : graphics::exportBitmap(context, path, window, dpi);
-}
-
-bool RSession::exportData(const std::string& path)
-{
-    const std::string file = common::absolutePath(path);
-    if (isCollectionFile(file, collection.path)) {
-        user_.note("\"" + path + "\" is a file of the open collection and can't be exported to");
-        return false;
-    }
-    return exporting::exportSpreadsheet(collection, scratch_, file, {}, user_);
 }
 
 bool RSession::loadConfiguration(const std::string& path)

@@ -16,6 +16,7 @@
 #include "app/filekind.h"
 #include "app/gate.h"
 #include "app/histories.h"
+#include "app/keyvalues.h"
 #include "app/scratchfolder.h"
 #include "app/settings.h"
 #include "app/setupvariables.h"
@@ -25,7 +26,11 @@
 #include "collection/sidefiles.h"
 #include "common/installation.h"
 #include "common/user.h"
+#include "export/listing.h"
+#include "export/spreadsheet.h"
 #include "graphics/plots.h"
+#include "import/importfile.h"
+#include "import/importsettings.h"
 #include "import/importspreadsheet.h"
 #include "selection/criteria.h"
 
@@ -41,6 +46,12 @@ struct FILEQUESTION {
     std::string caption, filter, proposal; // the filter in the form of the toolkit's file dialogs
     bool save = false;                     // the name of a file to be made
     bool mayBeThere = false;               // who asks sees to a file of that name himself
+};
+
+// The criteria that a user edits.
+struct EDITEDCRITERIA {
+    collection::SELECTIONCRITERIA criteria;
+    collection::DOMAINPOLYGON polygon;
 };
 
 // What a session asks of whoever shows it.
@@ -76,6 +87,18 @@ public:
     {
         return std::nullopt;
     }
+    // Who settles an import; null if nobody does. It is used until that import is done.
+    [[nodiscard]] virtual std::unique_ptr<importing::RImportSettler> importSettler() { return nullptr; }
+    // The variables of an export, of all of the open collection; nothing if the user cancels.
+    [[nodiscard]] virtual std::optional<std::vector<int>>
+    chooseOutputVariables(const std::vector<int>& proposed)
+    {
+        return proposed;
+    }
+    // False if the user cancels.
+    [[nodiscard]] virtual bool editCriteria(EDITEDCRITERIA&) { return false; }
+    // Stations that an import has just stored: dots on the map as it stands.
+    virtual void showImported(std::span<const selection::SELECTEDSTATION>) {}
 };
 
 enum RunMode : int { interactiveRun = 1, commandFileRun = 2 };
@@ -101,7 +124,7 @@ public:
     int state = stateIdle;
     int runMode = interactiveRun;
     bool stale = true;
-    bool importOverwrite = false; // a collection that an import would replace may be replaced
+    importing::IMPORTSETTINGS importSettings; // of the command file that runs
     const std::string title, version;
 
     // --- opening and closing
@@ -133,6 +156,25 @@ public:
     // Of any collection, by its path; an empty path is the open one. True if it has no inconsistency.
     [[nodiscard]] bool checkCollection(const std::string& path);
 
+    // --- data in and out (importcommands.cpp, exportcommands.cpp, selectioncommands.cpp). False if it failed
+    // or was cancelled, after a message. Where a path is empty the view is asked for it, and for the rest.
+    // Imports into the open collection.
+    [[nodiscard]] bool importFile(importing::Format format, const std::string& path,
+                                  importing::ImportMode mode);
+    [[nodiscard]] bool exportListing(exporting::ListingForm form, const std::string& path);
+    [[nodiscard]] bool exportCollection(const std::string& path);
+    [[nodiscard]] bool exportSpreadsheet(const std::string& path,
+                                         const exporting::SPREADSHEETOPTIONS& options = {});
+    // What is wrong, empty if nothing is: then all pairs are in force, else none. "reset" has no value.
+    [[nodiscard]] std::string select(std::span<const KEYVALUE> pairs);
+    [[nodiscard]] bool editSelection();
+    // The stations of a cruise of the inventory, with their places on the map.
+    [[nodiscard]] std::vector<selection::SELECTEDSTATION>
+    stationsOfCruise(const collection::CRUISEINFO& cruise);
+    [[nodiscard]] selection::MAPDOMAIN mapDomain() const;
+    // Number of a variable, also a derived one, by number or label; 0 if there is none.
+    [[nodiscard]] int variableOf(std::string_view text) const;
+
     // --- pictures
     // The map and the windows of the mode in `painter`; all of them if `full`, else those that need it.
     void draw(QPainter* painter, bool full, std::function<void()> repaint);
@@ -141,7 +183,6 @@ public:
     // False if nothing was written, after a message if there is something to say. window: -1 the canvas, 0
     // the map, else a data window of the mode.
     [[nodiscard]] bool exportGraphics(const std::string& path, int window, int dpi);
-    [[nodiscard]] bool exportData(const std::string& path);
 
     // --- the view; each gives back what is wrong, empty if nothing is
     [[nodiscard]] std::string setMode(int mode);
@@ -165,7 +206,6 @@ public:
     [[nodiscard]] graphics::PLOTCONTEXT plotContext();
 
 private:
-    using Header = importing::SPREADSHEETHEADER;
     // What a new collection is made of.
     struct NEWCOLLECTION {
         std::vector<collection::VARINFO> variables; // numbered from 1; index 0 is no variable
@@ -175,13 +215,11 @@ private:
     // opening.cpp
     [[nodiscard]] OpenResult openKind(FileKind kind, const std::string& path);
     [[nodiscard]] OpenResult openCollection(const std::string& path);
-    [[nodiscard]] OpenResult importIntoOpen(const std::string& path);
     [[nodiscard]] bool setNames(const std::string& path);
     [[nodiscard]] std::string takeForWriting(const std::string& basePath);
     [[nodiscard]] bool putRight(std::string basePath, const std::string& readOnlyReason);
     [[nodiscard]] OpenResult openFiles();
     [[nodiscard]] OpenResult tellNoLists();
-    [[nodiscard]] importing::IMPORTRESULT runImport(const std::string& path, std::optional<Header> header);
     void becomeReady(const std::string& path);
     void setDefaults();
     void abandon();
@@ -189,11 +227,35 @@ private:
     void listChanged();
     void viewChanged();
 
+    // importcommands.cpp
+    [[nodiscard]] std::unique_ptr<importing::RImportSettler> makeSettler();
+    [[nodiscard]] importing::IMPORTRESULT runImport(importing::Format format, const std::string& path,
+                                                    importing::IMPORTOPTIONS options);
+    [[nodiscard]] OpenResult importIntoOpen(importing::Format format, const std::string& path,
+                                            importing::ImportMode mode);
+
+    // exportcommands.cpp
+    struct EXPORTFRONT { // what an export asks in front
+        std::string_view extension, caption, filter;
+        std::string_view warningCaption, warning; // empty: none
+    };
+    [[nodiscard]] bool acceptsExport(const EXPORTFRONT& front);
+    [[nodiscard]] std::string askExportFile(const EXPORTFRONT& front);
+    [[nodiscard]] bool mayExportTo(const std::string& file);
+    [[nodiscard]] bool mayDescribe(const std::string& listing);
+    [[nodiscard]] std::optional<std::vector<int>> outputVariables(bool asked);
+
+    // selectioncommands.cpp
+    void takeCriteria(const EDITEDCRITERIA& edited);
+    void tellSelected();
+
     // creating.cpp
     [[nodiscard]] OpenResult createMissing(const std::string& readOnlyReason);
     [[nodiscard]] OpenResult makeEmpty(const NEWCOLLECTION& made);
     [[nodiscard]] OpenResult newFromSource(FileKind kind, const std::string& path);
-    [[nodiscard]] OpenResult importAsNew(const std::string& path);
+    [[nodiscard]] OpenResult importAsNew(FileKind kind, const std::string& path);
+    [[nodiscard]] bool readVariables(importing::Format format, const std::string& path,
+                                     importing::IMPORTOPTIONS& options);
     [[nodiscard]] bool mayReplaceStations(const std::string& basePath, std::string_view caption);
     [[nodiscard]] bool mayReplace(const std::string& basePath, std::string_view title, bool byNothing);
     [[nodiscard]] bool canMake(std::string_view title, bool byNothing);
@@ -211,7 +273,7 @@ private:
     [[nodiscard]] bool copyOrMove(const FAMILYCOMMAND& command, const std::string& target);
     [[nodiscard]] bool runFamilyCommand(const FAMILYCOMMAND& command, const std::string& from,
                                         const std::string& to);
-    [[nodiscard]] bool mayTakePlace(const FAMILYCOMMAND& command, const std::string& basePath);
+    [[nodiscard]] bool mayTakePlace(std::string_view caption, const std::string& basePath);
     [[nodiscard]] std::string targetBase(const std::string& path, const FILEQUESTION& question);
     [[nodiscard]] bool deleteStations(const std::function<int()>& remove);
     void stationsChanged();
@@ -239,6 +301,7 @@ private:
     selection::RSelectionStages stages_;
     collection::RCollectionLock lock_;
     bool openingTemporary_ = false; // what is being opened was unpacked and goes when it is closed
+    std::string importDirectory_;   // of the file that was imported last
     std::string newDirectory_;      // where a file that is being opened makes a collection; empty: beside it
     std::unique_ptr<RScratchFolder> unpacked_; // holds the open collection, if that was unpacked
     collection::STATIONDATA scratch_;          // for plots and imports

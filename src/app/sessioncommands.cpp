@@ -17,7 +17,7 @@ public:
     ~RRunModeGuard()
     {
         session_.runMode = interactiveRun;
-        session_.importOverwrite = false;
+        session_.importSettings = {};
     }
     RRunModeGuard(const RRunModeGuard&) = delete;
     RRunModeGuard& operator=(const RRunModeGuard&) = delete;
@@ -55,6 +55,14 @@ bool RSessionCommands::loadConfiguration(const std::string& path)
 bool RSessionCommands::exportGraphics(int window, const std::string& path, int dpi)
 {
     return session_.exportGraphics(path, window, dpi);
+}
+
+// The path is looked at first: an empty one would be asked for.
+bool RSessionCommands::exportData(const std::string& path)
+{
+    if (!path.empty()) return session_.exportSpreadsheet(path, {});
+    user_.note("export_data names no file");
+    return false;
 }
 
 std::string RSessionCommands::createCollection(const std::string& path, const std::string& set)
@@ -163,10 +171,42 @@ std::string RSessionCommands::plotStation(std::optional<int> number)
     return session_.plotStation(number);
 }
 
-std::string RSessionCommands::setImportOverwrite(bool overwrite)
+std::string RSessionCommands::setImport(std::span<const KEYVALUE> pairs)
 {
-    session_.importOverwrite = overwrite;
+    importing::IMPORTSETTINGS settings = session_.importSettings;
+    for (const KEYVALUE& pair : pairs) {
+        std::string wrong = importing::setImportSetting(settings, pair.key, pair.value);
+        if (!wrong.empty()) return wrong;
+    }
+    session_.importSettings = std::move(settings);
     return {};
+}
+
+std::string RSessionCommands::importFile(const FILEIMPORT& file)
+{
+    return told(session_.importFile(file.format, file.path, file.mode));
+}
+
+std::string RSessionCommands::exportListing(exporting::ListingForm form, const std::string& path)
+{
+    return told(session_.exportListing(form, path));
+}
+
+std::string RSessionCommands::exportCollection(const std::string& path)
+{
+    return told(session_.exportCollection(path));
+}
+
+std::string RSessionCommands::exportSpreadsheet(const TABLEEXPORT& table)
+{
+    exporting::SPREADSHEETOPTIONS options;
+    options.missingText = table.missingText;
+    for (const std::string& name : table.variables) {
+        const int variable = session_.variableOf(name);
+        if (variable == 0) return "there is no variable \"" + name + "\"";
+        options.variables.push_back(variable);
+    }
+    return told(session_.exportSpreadsheet(table.path, options));
 }
 
 bool executeCommandFile(const std::string& path, RSession& session, RSessionView& view, common::RUser& user)

@@ -20,7 +20,7 @@ public:
     [[nodiscard]] bool openCollection(const std::string& path) override;
     [[nodiscard]] bool loadConfiguration(const std::string& path) override;
     [[nodiscard]] bool exportGraphics(int window, const std::string& path, int dpi) override;
-    [[nodiscard]] bool exportData(const std::string& path) override { return session_.exportData(path); }
+    [[nodiscard]] bool exportData(const std::string& path) override;
     void quit() override { view_.requestClose(); }
 
     [[nodiscard]] std::string createCollection(const std::string& path, const std::string& set) override;
@@ -48,7 +48,15 @@ public:
     [[nodiscard]] std::string setPalette(int window, std::string_view name) override;
     [[nodiscard]] std::string setDomain(const DOMAINCHOICE& domain) override;
     [[nodiscard]] std::string plotStation(std::optional<int> number) override;
-    [[nodiscard]] std::string setImportOverwrite(bool overwrite) override;
+    [[nodiscard]] std::string setImport(std::span<const KEYVALUE> pairs) override;
+    [[nodiscard]] std::string select(std::span<const KEYVALUE> pairs) override
+    {
+        return session_.select(pairs);
+    }
+    [[nodiscard]] std::string importFile(const FILEIMPORT& file) override;
+    [[nodiscard]] std::string exportListing(exporting::ListingForm form, const std::string& path) override;
+    [[nodiscard]] std::string exportCollection(const std::string& path) override;
+    [[nodiscard]] std::string exportSpreadsheet(const TABLEEXPORT& table) override;
 
 private:
     RSession& session_;

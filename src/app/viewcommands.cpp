@@ -100,12 +100,17 @@ std::string RSession::useLayout(std::string_view menuText)
     return {};
 }
 
+int RSession::variableOf(std::string_view text) const
+{
+    const std::string label = common::labelFromFile(common::trimBlanks(text), common::isValidUtf8(text));
+    return collection::findVariable(collection.variables, collection.totalVariableCount, label);
+}
+
 int RSession::variableNamed(std::string_view text) const
 {
     const bool reversed = text.starts_with('-');
     if (reversed) text.remove_prefix(1);
-    const std::string label = common::labelFromFile(common::trimBlanks(text), common::isValidUtf8(text));
-    const int number = collection::findVariable(collection.variables, collection.totalVariableCount, label);
+    const int number = variableOf(text);
     return reversed ? -number : number;
 }
 

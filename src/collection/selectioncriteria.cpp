@@ -1,5 +1,6 @@
 #include "collection/selectioncriteria.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "common/limits.h"
@@ -39,6 +40,25 @@ SELECTIONCRITERIA defaultCriteria()
     criteria.latMin = -90;
     criteria.latMax = 90;
     return criteria;
+}
+
+void setRequiredVariables(SELECTIONCRITERIA& criteria, std::span<const int> variables)
+{
+    std::fill_n(criteria.requiredMask, common::maxVariables, ' ');
+    for (const int v : variables) {
+        if (v >= 1 && v <= common::maxVariables) criteria.requiredMask[v - 1] = '+';
+    }
+    std::fill(std::begin(criteria.requiredList), std::end(criteria.requiredList), 0);
+    criteria.requiredCount = 0;
+    for (int v = 1; v <= common::maxVariables; ++v) {
+        if (criteria.requiredMask[v - 1] == '+') criteria.requiredList[criteria.requiredCount++] = v;
+    }
+}
+
+std::vector<int> requiredVariables(const SELECTIONCRITERIA& criteria)
+{
+    const int count = std::clamp(criteria.requiredCount, 0, common::maxVariables);
+    return {criteria.requiredList, criteria.requiredList + count};
 }
 
 } // namespace collection

@@ -3,7 +3,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
+#include <vector>
 
 namespace collection {
 
@@ -47,5 +49,11 @@ inline constexpr std::string_view lastLabelBound = "zzzzzzzzzzzzzzzzzzzz";
 
 // The defaults on the whole globe: every station is selected, no value is blanked (quality limit 8).
 [[nodiscard]] SELECTIONCRITERIA defaultCriteria();
+
+// The variables of which a station must have a value stand three times in the record: as marks, as numbers,
+// and as the count of these. They are set together here: each number once, in ascending order; numbers
+// outside 1 to 50 are left out.
+void setRequiredVariables(SELECTIONCRITERIA& criteria, std::span<const int> variables);
+[[nodiscard]] std::vector<int> requiredVariables(const SELECTIONCRITERIA& criteria);
 
 } // namespace collection

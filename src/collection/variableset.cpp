@@ -70,18 +70,9 @@ int newNumberOf(int old, const ORIGINS& origins)
 void followVariables(SELECTIONCRITERIA& criteria, const ORIGINS& origins)
 {
     if (const int old = criteria.sampleVariable; old > 0) criteria.sampleVariable = newNumberOf(old, origins);
-    std::array<bool, common::maxVariables + 1> required{};
-    const int listed = std::clamp(criteria.requiredCount, 0, common::maxVariables);
-    for (int i = 0; i < listed; ++i)
-        required[static_cast<std::size_t>(newNumberOf(criteria.requiredList[i], origins))] = true;
-    std::fill(std::begin(criteria.requiredList), std::end(criteria.requiredList), 0);
-    criteria.requiredCount = 0;
-    std::memset(criteria.requiredMask, ' ', sizeof criteria.requiredMask - 1);
-    for (int v = 1; v <= common::maxVariables; ++v) {
-        if (!required[static_cast<std::size_t>(v)]) continue;
-        criteria.requiredList[criteria.requiredCount++] = v;
-        criteria.requiredMask[v - 1] = '+';
-    }
+    std::vector<int> required = requiredVariables(criteria);
+    for (int& variable : required) variable = newNumberOf(variable, origins);
+    setRequiredVariables(criteria, required); // without the zeros
 }
 
 // Puts the blocks of a station in the order of the new list.

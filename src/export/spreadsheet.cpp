@@ -26,13 +26,20 @@ constexpr std::string_view metaLabels =
 constexpr std::size_t flushSize = std::size_t{1} << 20;
 constexpr std::string_view missingFlag = "8";
 
-// A label as a field: in UTF-8, and without characters that would divide it.
+// A text without characters that would divide its field.
+std::string withoutControls(std::string text)
+{
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    return text;
+}
+
+// One that begins with a quote would lose it to a reader that takes quotes away.
 std::string fieldOf(std::string_view label)
 {
-    std::string field = common::labelToUtf8(label);
-    std::replace_if(
-        field.begin(), field.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
-    return field;
+    const std::string field = withoutControls(common::labelToUtf8(label));
+    if (!field.starts_with('"')) return field;
+    return '"' + common::replaceAll(field, "\"", "\"\"") + '"';
 }
 
 // The fields that stand in front of every line of a station.
@@ -66,19 +73,32 @@ std::vector<COLUMN> columnsOf(const STATIONDATA& station, const std::vector<int>
     return columns;
 }
 
-void appendSample(std::string& text, float value, std::uint8_t flag)
+// What is no number is no data.
+bool isValue(float value)
 {
-    text += '\t';
-    appendG(text, value);
-    text += '\t';
-    appendByte(text, flag);
+    return value != MISSING_VALUE && std::isfinite(value);
 }
+
+// A value that "%g" would make the mark of a missing one, though it is none.
+bool looksMissing(float value)
+{
+    return value >= -1.000005e10f && value <= -9.999995e9f;
+}
+
+char* putSample(char* out, float value, std::uint8_t flag)
+{
+    *out++ = '\t';
+    out = looksMissing(value) ? putExact(out, value) : putG(out, value);
+    *out++ = '\t';
+    return putByte(out, flag);
+}
+constexpr std::size_t largestSample = 2 + largestG + largestByte;
 
 std::string missingFields(const std::string& missingText)
 {
-    const std::string_view trimmed = common::trimLabel(missingText);
+    const std::string trimmed(common::trimLabel(withoutControls(missingText)));
     if (trimmed.empty()) return "\t\t";
-    return "\t" + std::string(trimmed) + "\t" + std::string(missingFlag);
+    return "\t" + trimmed + "\t" + std::string(missingFlag);
 }
 
 // The file, written in pieces.
@@ -127,19 +147,22 @@ std::string spreadsheetHeaderLine(const RCollection& collection, const std::vect
 void appendStation(std::string& text, const STATIONDATA& station, const std::vector<int>& variables,
                    const std::string& missingText)
 {
-    const std::string meta = metaFields(station.header);
     const std::string missing = missingFields(missingText);
     const std::vector<COLUMN> columns = columnsOf(station, variables);
+    std::string line = metaFields(station.header); // what stands in front stays there for all levels
+    const std::size_t metaLength = line.size();
+    line.resize(metaLength + columns.size() * std::max(largestSample, missing.size()) + 1);
     for (std::size_t k = 0; k < static_cast<std::size_t>(station.levels()); ++k) {
-        text += meta;
+        char* out = line.data() + metaLength;
         for (const COLUMN& column : columns) {
-            if (column.values != nullptr && column.values[k] != MISSING_VALUE) {
-                appendSample(text, column.values[k], column.flags[k]);
+            if (column.values != nullptr && isValue(column.values[k])) {
+                out = putSample(out, column.values[k], column.flags[k]);
             } else {
-                text += missing;
+                out = std::copy(missing.begin(), missing.end(), out);
             }
         }
-        text += '\n';
+        *out++ = '\n';
+        text.append(line.data(), static_cast<std::size_t>(out - line.data()));
     }
 }
 

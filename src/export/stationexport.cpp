@@ -59,6 +59,7 @@ bool writeStation(RUN& run, int number)
     if (sampleSelectionIsActive(job.collection))
         selection::compressToSampleRange(job.station, job.collection.criteria);
     if (job.station.levels() < 1 || !holdsAny(job.station, job.variables)) return true;
+    if (!run.sink.canTake(job.station)) return true;
     ++run.written;
     return run.sink.write(job.station);
 }

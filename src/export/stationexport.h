@@ -16,6 +16,8 @@ namespace exporting {
 class RStationSink {
 public:
     virtual ~RStationSink() = default;
+    // False for a station that the form can't hold: it is left out and not counted, and the sink tells why.
+    [[nodiscard]] virtual bool canTake(const collection::STATIONDATA&) { return true; }
     // A loaded station with at least one level and one of the variables. False if no more can be taken.
     [[nodiscard]] virtual bool write(const collection::STATIONDATA& station) = 0;
     // All stations were written: what was made takes its place. False if it can't. Without a call nothing

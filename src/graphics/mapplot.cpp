@@ -370,6 +370,26 @@ void DrawMapMarks(QPainter* p, PLOTCONTEXT& context)
     SetFill(p, false);
 }
 
+void DrawStationDots(QPainter* p, GRAPHICSSETUP& setup, std::span<const SELECTEDSTATION> stations, float size,
+                     int color)
+{
+    if (!mapIsShown(setup)) return;
+    const RDrawStateGuard guard(p);
+    SetupWindow(setup, 0);
+    setMapUserSystem(setup.map);
+    std::vector<float> x, y;
+    for (SELECTEDSTATION station : stations) {
+        float u = 0, v = 0;
+        if (!moveIntoDomain(station, setup.map.geometry) || !placeOf(station, u, v)) continue;
+        x.push_back(u);
+        y.push_back(v);
+    }
+    SetClip(p, true);
+    SetColor(p, color);
+    SetFill(p, true);
+    DrawSymbols(p, nullptr, x, y, 1, size);
+}
+
 void PlotMap(QPainter* p, PLOTCONTEXT& context, bool full)
 {
     if (!mapIsShown(context.setup)) return;

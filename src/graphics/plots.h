@@ -17,6 +17,7 @@
 #include "graphics/axes.h"
 #include "graphics/basemap.h"
 #include "graphics/datawindow.h"
+#include "selection/selectedlist.h"
 
 namespace graphics {
 
@@ -47,6 +48,11 @@ void PlotStationMode(QPainter* p, PLOTCONTEXT& context, bool full);
 void PlotScatterMode(QPainter* p, PLOTCONTEXT& context, bool full);
 // The one entry for a new picture: the map if it is marked, then the mode's windows, then the map's top.
 void RedrawCanvas(QPainter* p, PLOTCONTEXT& context, bool full);
+
+// Filled circles of `size` cm over the map as it stands on the painter, for stations that are no part of the
+// picture. Longitudes are of any form.
+void DrawStationDots(QPainter* p, GRAPHICSSETUP& setup, std::span<const selection::SELECTEDSTATION> stations,
+                     float size, int color);
 
 // The list of selected stations anew, without a picture, if the map is marked to be drawn.
 void refreshSelection(PLOTCONTEXT& context);

@@ -18,8 +18,10 @@ struct ASSOCIATIONRESULT {
     SECONDCHOICES second;
 };
 
-// Links sources and targets by the known names of WHP files and by equal labels, case ignored. Index 0 of
-// both spans is no variable. All earlier links are cleared.
+// Links sources and targets: first those of equal labels, case ignored, then, among what is still free, by
+// the known names of WHP files. A second choice has its target in `assoc` without being that target's source.
+// A target has one source, the first that fits. Index 0 of both spans is no variable. All earlier links are
+// cleared.
 ASSOCIATIONRESULT associateByLabel(std::span<collection::VARINFO> sources,
                                    std::span<collection::VARINFO> targets);
 

@@ -6,6 +6,7 @@
 #include "common/textcoding.h"
 #include "import/association.h"
 #include "import/importlist.h"
+#include "import/importlisting.h"
 #include "import/importspreadsheet.h"
 
 namespace importing {
@@ -87,6 +88,7 @@ bool askSettler(RCollection& collection, const IMPORTOPTIONS& options, const IMP
 {
     if (collection.cruises.empty()) collection.readInventory(false, user);
     IMPORTCHOICES choices = choicesOf(collection, run.state);
+    choices.file = source.path;
     choices.sources = source.sources;
     choices.targets = targetsOf(collection);
     choices.mayUseDefaults = source.mayUseDefaults;
@@ -110,13 +112,8 @@ bool canMerge(const RCollection& collection, ImportMode mode, common::RUser& use
 IMPORTRESULT importOneFile(Format form, RCollection& collection, STATIONDATA& station,
                            const std::string& path, const IMPORTOPTIONS& options, common::RUser& user)
 {
-    switch (form) {
-    case Format::spreadsheet:
-        return importSpreadsheet(collection, station, path, options, user);
-    default:
-        user.about(caption, format("File %s: there is no import of its format.", path.c_str()));
-        return {ImportEnd::failed, 0, 0};
-    }
+    if (form == Format::spreadsheet) return importSpreadsheet(collection, station, path, options, user);
+    return importListing(form, collection, station, path, options, user);
 }
 
 } // namespace
@@ -145,7 +142,7 @@ bool settleImport(RCollection& collection, const IMPORTSOURCE& source, const IMP
         associateByLabel(sources, targets);
     }
     if (options.settler != nullptr && !askSettler(collection, options, source, run, user)) {
-        result.end = ImportEnd::cancelled;
+        result.end = options.settler->asks() ? ImportEnd::cancelled : ImportEnd::failed;
         return false;
     }
     if (!anyTargetIsFed(targets)) {

@@ -12,6 +12,7 @@
 #include "collection/rcollection.h"
 #include "common/user.h"
 #include "import/importrun.h"
+#include "import/listing.h"
 #include "import/spreadsheet.h"
 
 namespace importing {
@@ -19,6 +20,7 @@ namespace importing {
 // What the options of an import decide about. The links of sources and targets (index 0 of each is no
 // variable) come associated by label, or by number if they have the same labels in the same order.
 struct IMPORTCHOICES {
+    std::string file; // path, for messages
     ImportMode mode = ImportMode::addReplace;
     bool checkExisting = true;
     std::vector<CRUISEASSOCIATION>
@@ -51,6 +53,7 @@ struct IMPORTOPTIONS {
     RImportSettler* settler = nullptr; // not owned; null: nobody is asked
     // The header of a spreadsheet, when the collection was just made from it.
     std::optional<SPREADSHEETHEADER> header;
+    std::optional<LISTINGHEADER> listing; // the same of a listing
 };
 
 enum class ImportEnd : int {

@@ -7,6 +7,7 @@
 #include "common/limits.h"
 #include "common/text.h"
 #include "common/textcoding.h"
+#include "import/columns.h"
 #include "import/linereader.h"
 
 namespace importing {
@@ -14,17 +15,6 @@ namespace {
 
 constexpr std::string_view firstLine = "NVQ4.0 Listing";
 constexpr std::size_t valueColumn = 12, formatColumn = 60;
-
-// Bytes of `line` in front of a column, where each character has one column.
-std::size_t bytesToColumn(std::string_view line, std::size_t column)
-{
-    std::size_t at = 0;
-    for (; at < line.size(); ++at) {
-        const bool begins = (static_cast<unsigned char>(line[at]) & 0xc0) != 0x80;
-        if (begins && column-- == 0) break;
-    }
-    return at;
-}
 
 bool hasFormat(std::string_view line, std::size_t at)
 {
@@ -35,20 +25,23 @@ bool hasFormat(std::string_view line, std::size_t at)
     return !rest.starts_with(' ') && common::takeInt(rest, decimals) && width >= 0 && decimals >= 0;
 }
 
-class RListingHeaderReader {
+// The variable of a label and a format "8.2", which is brought into its limits.
+collection::VARINFO variableOf(std::string_view label, std::string_view format, int number)
+{
+    const std::string line = std::string(formatColumn, ' ').append(format);
+    collection::VARINFO variable = collection::parseVariableLine(line, number);
+    collection::setLabel(variable, common::labelFromFile(label, common::isValidUtf8(label)));
+    variable.column = number;
+    return variable;
+}
+
+// The lines of a description, and what is wrong with them.
+class RDescriptionLines {
 public:
-    RListingHeaderReader(const std::string& path, std::string& fault) : path_(path), fault_(fault) {}
+    RDescriptionLines(const std::string& path, std::string& fault) : path_(path), fault_(fault) {}
 
-    [[nodiscard]] bool read(LISTINGHEADER& header)
-    {
-        if (!reader_.open(path_)) return refuse("can't be read");
-        return readFirstLine() && readText("name", header.name) && readType(header) &&
-               readCount("stations", INT32_MAX, header.stationCount) &&
-               readCount("variables", common::maxVariables, variableCount_) && readVariables(header) &&
-               skipToData(header);
-    }
-
-private:
+protected:
+    [[nodiscard]] bool open() { return reader_.open(path_) || refuse("can't be read"); }
     [[nodiscard]] bool refuse(const std::string& what) { return refuse(reader_.lineNumber(), what); }
     [[nodiscard]] bool refuse(int line, const std::string& what)
     {
@@ -67,6 +60,39 @@ private:
         return true;
     }
 
+    // Takes a count that stands at the front of `text`.
+    [[nodiscard]] bool takeCount(std::string_view text, const char* of, int most, int& count)
+    {
+        int number = 0;
+        if (!common::takeInt(text, number) || number < 0)
+            return refuse(std::string("no valid number of ") + of);
+        if (number > most) {
+            return refuse(common::format("%d %s, but a collection has at most %d", number, of, most));
+        }
+        count = number;
+        return true;
+    }
+
+    const std::string& path_;
+    std::string& fault_;
+    RLineReader reader_;
+    std::string_view line_;
+    int variableCount_ = 0;
+};
+
+class RListingHeaderReader : public RDescriptionLines {
+public:
+    using RDescriptionLines::RDescriptionLines;
+
+    [[nodiscard]] bool read(LISTINGHEADER& header)
+    {
+        return open() && readFirstLine() && readText("name", header.name) && readType(header) &&
+               readCount("stations", INT32_MAX, header.stationCount) &&
+               readCount("variables", common::maxVariables, variableCount_) && readVariables(header) &&
+               skipToData(header);
+    }
+
+private:
     [[nodiscard]] bool readFirstLine()
     {
         if (!next("first line")) return false;
@@ -85,7 +111,7 @@ private:
     [[nodiscard]] bool readText(const char* what, std::string& text)
     {
         if (!readValue(what)) return false;
-        text = label(line_);
+        text = common::labelFromFile(line_, common::isValidUtf8(line_));
         return true;
     }
 
@@ -100,14 +126,7 @@ private:
     [[nodiscard]] bool readCount(const char* of, int most, int& count)
     {
         const std::string what = std::string("number of ") + of;
-        if (!readValue(what.c_str())) return false;
-        int number = 0;
-        if (!common::takeInt(line_, number) || number < 0) return refuse("no valid " + what);
-        if (number > most) {
-            return refuse(common::format("%d %s, but a collection has at most %d", number, of, most));
-        }
-        count = number;
-        return true;
+        return readValue(what.c_str()) && takeCount(line_, of, most, count);
     }
 
     [[nodiscard]] bool readVariables(LISTINGHEADER& header)
@@ -127,16 +146,13 @@ private:
     [[nodiscard]] bool readVariable(int number, LISTINGHEADER& header)
     {
         std::size_t at = formatColumn;
-        if (!hasFormat(line_, at) && reader_.isUtf8()) at = bytesToColumn(line_, formatColumn);
+        if (!hasFormat(line_, at) && hasWideCharacters(line_)) at = bytesToColumn(line_, formatColumn);
         if (!hasFormat(line_, at)) {
             return refuse(
                 common::format("no format behind the label of variable %d of %d", number, variableCount_));
         }
-        const std::string text = label(common::trimBlanks(line_.substr(0, at)));
-        const std::string line = std::string(formatColumn, ' ').append(line_.substr(at));
-        collection::VARINFO variable = collection::parseVariableLine(line, number);
-        collection::setLabel(variable, text);
-        header.variables.push_back(variable);
+        header.variables.push_back(
+            variableOf(common::trimBlanks(line_.substr(0, at)), line_.substr(at), number));
         return true;
     }
 
@@ -149,19 +165,93 @@ private:
         } while (reader_.next(line_) == Result::line && common::trimBlanks(line_).empty());
         return true;
     }
+};
 
-    // The file's bytes as those of a record.
-    [[nodiscard]] std::string label(std::string_view bytes)
+// A 3.0 listing's description: counts in the first line, headings, and a line a variable.
+class RDescriptionReader : public RDescriptionLines {
+public:
+    using RDescriptionLines::RDescriptionLines;
+
+    [[nodiscard]] bool read(LISTINGHEADER& header)
     {
-        if (reader_.isUtf8() && !common::isValidUtf8(bytes)) reader_.setLatin1();
-        return common::labelFromFile(bytes, reader_.isUtf8());
+        return open() && readFirstLine(header) && next("headings") && next("headings") && next("headings") &&
+               readVariables(header);
     }
 
-    const std::string& path_;
-    std::string& fault_;
-    RLineReader reader_;
-    std::string_view line_;
-    int variableCount_ = 0;
+private:
+    [[nodiscard]] bool readFirstLine(LISTINGHEADER& header)
+    {
+        if (!next("first line")) return false;
+        const std::size_t variables = line_.rfind(variablesWord), stations = line_.rfind(stationsWord);
+        if (!line_.starts_with(nameWord) || variables == std::string_view::npos ||
+            stations == std::string_view::npos || stations < variables) {
+            return refuse("no description of a 3.0 listing");
+        }
+        readNameAndType(line_.substr(nameWord.size(), variables - nameWord.size()), header);
+        return takeCount(line_.substr(variables + variablesWord.size()), "variables", common::maxVariables,
+                         variableCount_) &&
+               takeCount(line_.substr(stations + stationsWord.size()), "stations", INT32_MAX,
+                         header.stationCount);
+    }
+
+    static void readNameAndType(std::string_view text, LISTINGHEADER& header)
+    {
+        const std::size_t word = text.rfind(typeWord);
+        const std::string_view name = common::trimBlanks(text.substr(0, word));
+        header.name = common::labelFromFile(name, common::isValidUtf8(name));
+        if (word == std::string_view::npos) return;
+        const std::string_view type = common::trimBlanks(text.substr(word + typeWord.size()));
+        if (!type.empty()) header.type = type.substr(0, type.find(' '));
+    }
+
+    [[nodiscard]] bool readVariables(LISTINGHEADER& header)
+    {
+        header.variables.assign(1, collection::emptyVariable(0));
+        for (int v = 1; v <= variableCount_; ++v) {
+            const std::string what = "line of variable " + std::to_string(v);
+            if (!next(what.c_str()) || !readVariable(v, header)) return false;
+        }
+        return true;
+    }
+
+    [[nodiscard]] bool readVariable(int place, LISTINGHEADER& header)
+    {
+        std::string_view rest = line_;
+        int number = 0;
+        if (!common::takeInt(rest, number) || number < 1)
+            return refuse(common::format("no number of variable %d of %d", place, variableCount_));
+        for (const collection::VARINFO& other : header.variables) {
+            if (other.column == number) return refuse(common::format("a second variable %d", number));
+        }
+        RColumns columns(line_, false);
+        std::string_view format = formatBehindRanges(columns.rest(rangesColumn));
+        if (format.empty() && hasWideCharacters(line_)) {
+            columns = RColumns(line_, true);
+            format = formatBehindRanges(columns.rest(rangesColumn));
+        }
+        if (format.empty())
+            return refuse(common::format("no ranges and format behind the label of variable %d", number));
+        const std::string_view label = columns.field(labelColumn, rangesColumn - labelColumn);
+        header.variables.push_back(variableOf(common::trimBlanks(label), format, place));
+        header.variables.back().column = number;
+        return true;
+    }
+
+    // Empty if there are not five numbers and a format.
+    [[nodiscard]] static std::string_view formatBehindRanges(std::string_view text)
+    {
+        float range = 0;
+        for (int i = 0; i < 5; ++i) {
+            if (!common::takeFloat(text, range)) return {};
+        }
+        text = common::trimBlanks(text);
+        const bool isLast = text.find(' ') == std::string_view::npos;
+        return isLast && hasFormat(text, 0) ? text : std::string_view();
+    }
+
+    static constexpr std::string_view nameWord = "Collection:", typeWord = "Type:", variablesWord = "Nvar:",
+                                      stationsWord = "Nstat:";
+    static constexpr std::size_t labelColumn = 5, rangesColumn = 30;
 };
 
 } // namespace
@@ -171,6 +261,16 @@ bool readListingHeader(const std::string& path, LISTINGHEADER& header, std::stri
     LISTINGHEADER read;
     fault.clear();
     if (!RListingHeaderReader(path, fault).read(read)) return false;
+    header = std::move(read);
+    return true;
+}
+
+bool readListingDescription(const std::string& path, LISTINGHEADER& header, std::string& fault)
+{
+    LISTINGHEADER read;
+    read.description = path;
+    fault.clear();
+    if (!RDescriptionReader(path, fault).read(read)) return false;
     header = std::move(read);
     return true;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "common/files.h"
 #include "common/text.h"
 
 namespace importing {
@@ -100,7 +101,12 @@ int RListSettler::identify(std::string_view task, std::string_view meaning,
 std::optional<std::string> RListSettler::chooseDescription(std::string_view listing,
                                                            const std::string& proposal)
 {
-    return settler_.chooseDescription(listing, proposal);
+    if (besideEach_ && common::fileExists(proposal)) return proposal;
+    if (!besideEach_ && !description_.empty()) return description_;
+    std::optional<std::string> chosen = settler_.chooseDescription(listing, proposal);
+    if (chosen && *chosen == proposal) besideEach_ = true;
+    if (chosen && !besideEach_) description_ = *chosen;
+    return chosen;
 }
 
 } // namespace importing

@@ -37,6 +37,8 @@ private:
     std::optional<SPREADSHEETDESC> headerVariables_;
     bool keepsCruise_ = false; // its cruise label is from the name of each file
     std::optional<SETTLEDIMPORT> import_;
+    std::string description_; // of all listings; empty if none was chosen yet
+    bool besideEach_ = false; // each listing has its own
 };
 
 } // namespace importing

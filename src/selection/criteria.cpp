@@ -22,16 +22,24 @@ bool isWithin(Number value, Bound low, Bound high)
     return value >= low && value <= high;
 }
 
-bool passesPosition(const STATIONHDR& header, const SELECTIONCRITERIA& criteria, DOMAINPOLYGON& polygon)
+bool passesNumber(int number, const SELECTIONCRITERIA& criteria)
 {
-    const float longitude = longitudeIn(header.longitude, criteria.lonMin, criteria.lonMax);
-    if (!isWithin(longitude, criteria.lonMin, criteria.lonMax)) return false;
-    if (!isWithin(header.latitude, criteria.latMin, criteria.latMax)) return false;
+    return number >= 1 && isWithin(number, criteria.internalMin, criteria.internalMax);
+}
+
+bool passesRectangle(const STATIONHDR& header, const SELECTIONCRITERIA& criteria)
+{
+    return isWithin(longitudeIn(header.longitude, criteria.lonMin, criteria.lonMax), criteria.lonMin,
+                    criteria.lonMax) &&
+           isWithin(header.latitude, criteria.latMin, criteria.latMax);
+}
+
+bool passesPolygon(const STATIONHDR& header, const SELECTIONCRITERIA& criteria, DOMAINPOLYGON& polygon)
+{
     if (criteria.usePolygon != 1) return true;
-    const auto n = static_cast<std::size_t>(
-        std::clamp(polygon.nPoints, 0, static_cast<std::int32_t>(polygon.lon.size())));
-    return pointInPolygon(std::span(polygon.lon).first(n), std::span(polygon.lat).first(n), longitude,
-                          header.latitude);
+    const std::size_t n = vertexCount(polygon);
+    return pointInPolygon(std::span(polygon.lon).first(n), std::span(polygon.lat).first(n),
+                          longitudeIn(header.longitude, criteria.lonMin, criteria.lonMax), header.latitude);
 }
 
 bool passesDate(const STATIONHDR& header, const SELECTIONCRITERIA& criteria)
@@ -102,6 +110,13 @@ bool passesCruise(const STATIONHDR& header, const SELECTIONCRITERIA& criteria)
     return matchesWildcard(common::fieldText(criteria.cruisePattern), common::fieldText(header.cruise));
 }
 
+// What follows the domain, without the cruise.
+bool passesTheRest(const STATIONHDR& header, const LEVELCOUNTS& counts, const SELECTIONCRITERIA& criteria)
+{
+    return passesDate(header, criteria) && passesDepths(header, criteria) && hasRequired(counts, criteria) &&
+           passesType(header, criteria) && passesLabel(header, criteria);
+}
+
 } // namespace
 
 float longitudeIn(float longitude, double lonMin, double lonMax)
@@ -125,23 +140,34 @@ void resetSelection(SELECTIONCRITERIA& criteria, const MAPDOMAIN& domain, int ki
 bool passesSelection(int number, const STATIONHDR& header, const LEVELCOUNTS& counts,
                      const SELECTIONCRITERIA& criteria, DOMAINPOLYGON& polygon, bool checkCruise)
 {
-    return number >= 1 && isWithin(number, criteria.internalMin, criteria.internalMax) &&
-           passesPosition(header, criteria, polygon) && passesDate(header, criteria) &&
-           passesDepths(header, criteria) && hasRequired(counts, criteria) && passesType(header, criteria) &&
-           passesLabel(header, criteria) && (!checkCruise || passesCruise(header, criteria));
+    return passesNumber(number, criteria) && passesRectangle(header, criteria) &&
+           passesPolygon(header, criteria, polygon) && passesTheRest(header, counts, criteria) &&
+           (!checkCruise || passesCruise(header, criteria));
+}
+
+RStationTest::RStationTest(const SELECTIONCRITERIA& criteria, DOMAINPOLYGON& polygon) : criteria_(criteria)
+{
+    if (criteria.usePolygon == 1) polygon_.emplace(polygon);
+}
+
+// The polygon is asked last, since that takes longest; but it is nudged by every station of the rectangle.
+bool RStationTest::passes(int number, const STATIONHDR& header, const LEVELCOUNTS& counts)
+{
+    if (!passesNumber(number, criteria_) || !passesRectangle(header, criteria_)) return false;
+    const float longitude = longitudeIn(header.longitude, criteria_.lonMin, criteria_.lonMax);
+    if (polygon_) polygon_->nudge(longitude);
+    return passesTheRest(header, counts, criteria_) &&
+           (!polygon_ || polygon_->contains(longitude, header.latitude));
 }
 
 bool pointInPolygon(std::span<float> lon, std::span<const float> lat, float x, float y)
 {
-    constexpr float nudge = 1e-6f;
     for (float& vertex : lon) {
-        if (vertex == x) vertex = x == 0 ? nudge : x * (1 + nudge);
+        if (vertex == x) vertex = nudged(vertex);
     }
     bool inside = false;
     for (std::size_t i = 1; i < lon.size(); ++i) {
-        const double x1 = lon[i - 1], x2 = lon[i], y1 = lat[i - 1], y2 = lat[i];
-        if (x1 == x2 || (x1 < x) == (x2 < x)) continue;
-        if (y1 + (x - x1) * (y2 - y1) / (x2 - x1) >= y) inside = !inside;
+        if (edgeCounts(lon[i - 1], lat[i - 1], lon[i], lat[i], x, y)) inside = !inside;
     }
     return inside;
 }

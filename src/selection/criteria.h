@@ -2,9 +2,11 @@
 
 // Which stations and which samples take part.
 
+#include <optional>
 #include <span>
 
 #include "collection/rcollection.h"
+#include "selection/polygonscan.h"
 #include "selection/selectedlist.h"
 #include "selection/wildcard.h"
 
@@ -18,6 +20,19 @@ void resetSelection(collection::SELECTIONCRITERIA& criteria, const MAPDOMAIN& do
                                    const collection::LEVELCOUNTS& counts,
                                    const collection::SELECTIONCRITERIA& criteria,
                                    collection::DOMAINPOLYGON& polygon, bool checkCruise);
+
+// The same test without that of the cruise, prepared for many stations: the same answers, and the same nudges
+// of the polygon's vertices, if all stations are given to it in the same order.
+class RStationTest {
+public:
+    RStationTest(const collection::SELECTIONCRITERIA& criteria, collection::DOMAINPOLYGON& polygon);
+    [[nodiscard]] bool passes(int number, const collection::STATIONHDR& header,
+                              const collection::LEVELCOUNTS& counts);
+
+private:
+    const collection::SELECTIONCRITERIA& criteria_;
+    std::optional<RPolygonScan> polygon_;
+};
 
 // A longitude of 0 to 360 as it stands in a domain: 360 less where lonMin is negative and it lies beyond
 // lonMax.
@@ -36,8 +51,7 @@ void applySampleRange(collection::STATIONDATA& station, const collection::SELECT
 
 // Takes the samples outside the sample range out of the station: blocks, counts and valueCount are made anew.
 // Returns the samples that remain; 0 if the station lacks the variable of the range. Without such a variable
-// in the criteria, or with all samples in range, nothing changes. Blocks must stand in the order of
-// variables, as a load leaves them.
+// in the criteria, or with all samples in range, nothing changes.
 int compressToSampleRange(collection::STATIONDATA& station, const collection::SELECTIONCRITERIA& criteria);
 
 // The stages of a load, as the program joins them to a collection.

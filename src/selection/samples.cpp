@@ -63,6 +63,18 @@ std::int16_t packBlock(STATIONDATA& station, const std::vector<std::uint8_t>& ma
     return values;
 }
 
+// The variables that have a block, in the order of the blocks: packing moves cells to the front.
+std::vector<std::size_t> variablesByBlock(const STATIONDATA& station)
+{
+    std::vector<std::size_t> variables;
+    for (std::size_t v = 1; v < station.offset.size(); ++v) {
+        if (station.offset[v] >= 0) variables.push_back(v);
+    }
+    std::stable_sort(variables.begin(), variables.end(),
+                     [&](std::size_t a, std::size_t b) { return station.offset[a] < station.offset[b]; });
+    return variables;
+}
+
 } // namespace
 
 int applyQualityLimit(STATIONDATA& station, int limit, float missing)
@@ -99,8 +111,7 @@ int compressToSampleRange(STATIONDATA& station, const SELECTIONCRITERIA& criteri
     const auto kept = static_cast<std::int32_t>(std::count(marks.begin(), marks.end(), 1));
     if (kept == station.levels()) return kept;
     std::int32_t running = 0;
-    for (std::size_t v = 1; v < station.offset.size(); ++v) {
-        if (station.offset[v] < 0) continue;
+    for (const std::size_t v : variablesByBlock(station)) {
         const std::int16_t values = packBlock(station, marks, station.offset[v], running);
         if (v == 1 || values > 0) {
             station.offset[v] = running;

@@ -84,6 +84,7 @@ class RListBuilder {
 public:
     RListBuilder(RCollection& collection, const LISTBUILD& build, std::string_view title, common::RUser& user)
         : collection_(collection), build_(build), title_(title), user_(user),
+          test_(collection.criteria, collection.polygon),
           cruises_(common::fieldText(collection.criteria.cruisePattern)),
           groupSize_(std::max(100, collection.stationCount / 100))
     {
@@ -123,9 +124,7 @@ private:
 
     void consider(int number, const collection::STATIONHDR& header, const collection::LEVELCOUNTS& counts)
     {
-        if (!passesSelection(number, header, counts, collection_.criteria, collection_.polygon, false))
-            return;
-        if (!cruises_.passes(header.cruise)) return;
+        if (!test_.passes(number, header, counts) || !cruises_.passes(header.cruise)) return;
         const MAPDOMAIN& domain = build_.domain;
         SELECTEDSTATION record{
             number, 0, 0, longitudeIn(header.longitude, domain.lonMin, static_cast<float>(domain.lonMax)),
@@ -153,6 +152,7 @@ private:
     const LISTBUILD& build_;
     std::string_view title_;
     common::RUser& user_;
+    RStationTest test_;
     RCruiseFilter cruises_;
     int groupSize_;
     bool good_ = true; // the list could be written so far

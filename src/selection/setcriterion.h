@@ -8,6 +8,8 @@
 
 #include "collection/selectioncriteria.h"
 #include "collection/varinfo.h"
+#include "selection/criteriachange.h"
+#include "selection/polygonfile.h"
 
 namespace selection {
 
@@ -15,27 +17,30 @@ namespace selection {
 struct CRITERIATARGET {
     collection::SELECTIONCRITERIA& criteria;
     collection::DOMAINPOLYGON& polygon;
-    std::span<const collection::VARINFO> variables; // index 0 is no variable
-    int variableCount = 0;                          // those of the collection; derived ones follow
+    std::span<const collection::VARINFO>
+        variables;         // index 0 is no variable; it ends with the last derived one
+    int variableCount = 0; // those of the collection; derived ones follow
 };
 
-// Sets one criterion: cruise, type, label_from, label_to, number_from, number_to (station labels as numbers),
-// station=a:b (internal numbers), day, month, year, lon, lat, bottom, last_depth (each a or a:b), quality
-// (0, 1, 4, 8 or good, unknown, questionable, all), sample=variable:a:b, require=variable[:variable ...] or
-// none, polygon=file. An end of a range that is left out is no limit. Returns what is wrong, empty if nothing
-// is; then everything is as it was.
+// Sets one criterion:
+//   cruise      a wildcard pattern for the cruise label
+//   type        *, B, C, X, or any, bottle, ctd, xbt
+//   label_from, label_to     bounds of the station label; no text is no bound
+//   number_from, number_to   bounds of the station label as a number, 0 or above; no text is no bound, and
+//               without either the label is no number again
+//   station     internal numbers
+//   day, year, bottom, last_depth   whole numbers
+//   month       numbers, English names (three letters do), ranges of these that may run over the new year,
+//               winter, spring, summer, fall, all; several with commas between them
+//   lon         -360 to 720, at most 360 wide; a range whose end is below its beginning runs eastward over 0
+//               or the date line
+//   lat         -90 to 90
+//   quality     0, 1, 4, 8 or good, unknown, questionable, all
+//   sample      variable:a:b or none; any variable
+//   require     variable[:variable ...] or none; those of the collection
+//   polygon     a file (see polygonfile.h), or none
+// Ranges are a:b or a alone; an end that is left out is no limit. Variables go by number or label; a label
+// may be put in double quotes. Returns what is wrong, empty if nothing is; then everything is as it was.
 [[nodiscard]] std::string setCriterion(CRITERIATARGET target, std::string_view key, std::string_view value);
-
-// What two records differ in, for whoever has to build the list or the plots anew.
-[[nodiscard]] bool stationCriteriaDiffer(const collection::SELECTIONCRITERIA& a,
-                                         const collection::SELECTIONCRITERIA& b);
-[[nodiscard]] bool sampleCriteriaDiffer(const collection::SELECTIONCRITERIA& a,
-                                        const collection::SELECTIONCRITERIA& b);
-
-// A polygon from a text file, "longitude latitude" a line (blanks, TAB, comma or semicolon between them; "#"
-// begins a comment); it is closed if it isn't. At least 3 corners, at most 1499. False with `fault` as
-// "<file>:<line>: <what>".
-[[nodiscard]] bool readPolygon(const std::string& path, collection::DOMAINPOLYGON& polygon,
-                               std::string& fault);
 
 } // namespace selection

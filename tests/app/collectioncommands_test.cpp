@@ -341,7 +341,7 @@ TEST_F(Commands, ChangedVariablesReachFilesAndWindows)
     EXPECT_THAT(user->notes, Contains(file("cast.var") + ": has 3 variables now, had 3"));
     EXPECT_TRUE(session.checkCollection({}));
     ASSERT_TRUE(session.exportGraphics(file("a.png"), -1, 20));
-    ASSERT_TRUE(session.exportData(file("out.txt")));
+    ASSERT_TRUE(session.exportSpreadsheet(file("out.txt")));
     EXPECT_THAT(read("out.txt"), HasSubstr("\t34.1\t8\n"));
 }
 

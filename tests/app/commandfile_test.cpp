@@ -86,12 +86,38 @@ public:
     {
         return tell("plot " + optionalText(number));
     }
-    std::string setImportOverwrite(bool overwrite) override
+    std::string setImport(std::span<const app::KEYVALUE> pairs) override
     {
-        return tell(overwrite ? "overwrite yes" : "overwrite no");
+        return tell("import" + textOf(pairs));
+    }
+    std::string select(std::span<const app::KEYVALUE> pairs) override
+    {
+        return tell("select" + textOf(pairs));
+    }
+    std::string importFile(const app::FILEIMPORT& file) override
+    {
+        return tell(common::format("file %d %s %d", static_cast<int>(file.format), file.path.c_str(),
+                                   static_cast<int>(file.mode)));
+    }
+    std::string exportListing(exporting::ListingForm form, const std::string& path) override
+    {
+        return tell(common::format("listing %d %s", static_cast<int>(form), path.c_str()));
+    }
+    std::string exportCollection(const std::string& path) override { return tell("collection " + path); }
+    std::string exportSpreadsheet(const app::TABLEEXPORT& table) override
+    {
+        std::string text = "table " + table.path + "|" + table.missingText;
+        for (const std::string& variable : table.variables) text += "|" + variable;
+        return tell(text);
     }
 
 private:
+    static std::string textOf(std::span<const app::KEYVALUE> pairs)
+    {
+        std::string text;
+        for (const app::KEYVALUE& pair : pairs) text += " " + pair.key + "|" + pair.value;
+        return text;
+    }
     bool keep(const std::string& call)
     {
         calls.push_back(call);
@@ -346,13 +372,84 @@ TEST(CommandFile, PlotStation)
     EXPECT_FALSE(run("plot_station 1 2").complete);
 }
 
+// --- data in and out
+
 TEST(CommandFile, SetImport)
 {
-    EXPECT_THAT(run("set_import overwrite=yes\nset_import overwrite = no").recorder.calls,
-                ElementsAre("overwrite yes", "overwrite no"));
+    EXPECT_THAT(run("set_import overwrite=yes\nset_import sep = ; , missing=-9\n"
+                    "set_import assoc \"a b\"=\"c d\":linear:2:0 existing=keep")
+                    .recorder.calls,
+                ElementsAre("import overwrite|yes", "import sep|; missing|-9",
+                            "import assoc|\"a b\"=\"c d\":linear:2:0 existing|keep"));
+    EXPECT_FALSE(run("set_import").complete);
     EXPECT_FALSE(run("set_import overwrite").complete);
-    EXPECT_FALSE(run("set_import mode=1").complete);
-    EXPECT_FALSE(run("set_import overwrite=maybe").complete);
+}
+
+TEST(CommandFile, Select)
+{
+    EXPECT_THAT(run("select cruise=\"A, 1*\" type=B,month=1:3\nselect reset\n").recorder.calls,
+                ElementsAre("select cruise|A, 1* type|B month|1:3", "select reset|"));
+    EXPECT_THAT(run("select cruise=\"A").notes,
+                ElementsAre("run.cmd:1: select: the quote in \"A isn't closed"));
+    EXPECT_FALSE(run("select").complete);
+}
+
+TEST(CommandFile, ImportFileHasAFormatAPathAndAMode)
+{
+    EXPECT_THAT(run("import_file spreadsheet,a.txt\nimport_file o4x , b\\a b.o4x , merge\n"
+                    "import_file o3x,c.o3x,update\nimport_file spreadsheet,d.txt,add\n")
+                    .recorder.calls,
+                ElementsAre("file 0 a.txt 1", "file 2 b/a b.o4x 2", "file 1 c.o3x 3", "file 0 d.txt 1"));
+}
+
+TEST(CommandFile, PathOfAnImportMayHoldCommas)
+{
+    EXPECT_THAT(run("import_file spreadsheet,a, merge.txt\nimport_file spreadsheet,a,b,merge\n"
+                    "import_file spreadsheet,\"a,merge\"\n")
+                    .recorder.calls,
+                ElementsAre("file 0 a, merge.txt 1", "file 0 a,b 2", "file 0 a,merge 1"));
+}
+
+TEST(CommandFile, FormatOfAnImportMustExist)
+{
+    EXPECT_THAT(run("import_file sd2,a.sd2\n").notes,
+                ElementsAre("run.cmd:1: import_file: there is no format \"sd2\" (spreadsheet, o4x, o3x)"));
+    EXPECT_FALSE(run("import_file a.txt").complete);
+    EXPECT_FALSE(run("import_file o4x,").complete);
+    EXPECT_FALSE(run("import_file o4x, ,merge").complete);
+}
+
+TEST(CommandFile, Exports)
+{
+    EXPECT_THAT(run("export_listing o3x,a.o3x\nexport_listing o4x , \"b c.o4x\"\nexport_collection d\\e\n"
+                    "export_spreadsheet f.txt\nexport_spreadsheet \"f,g.txt\",no data,1 \"Salinity [psu]\"\n"
+                    "export_spreadsheet h.txt,,2\n")
+                    .recorder.calls,
+                ElementsAre("listing 3 a.o3x", "listing 4 b c.o4x", "collection d/e", "table f.txt|",
+                            "table f,g.txt|no data|1|Salinity [psu]", "table h.txt||2"));
+    EXPECT_FALSE(run("export_listing txt,a.txt").complete);
+    EXPECT_FALSE(run("export_listing o4x").complete);
+    EXPECT_FALSE(run("export_collection").complete);
+    EXPECT_FALSE(run("export_spreadsheet ,x").complete);
+    EXPECT_FALSE(run("export_spreadsheet a.txt,x,\"1").complete);
+}
+
+TEST(CommandFile, DataCommandsAskTheGate)
+{
+    const std::pair<const char*, int> commands[] = {
+        {"select reset", 40201},         {"import_file spreadsheet,a", 40313},
+        {"import_file o3x,a", 40314},    {"import_file o4x,a", 40315},
+        {"export_listing o3x,a", 40401}, {"export_listing o4x,a", 40402},
+        {"export_spreadsheet a", 40403}, {"export_collection a", 40404}};
+    for (const auto& [line, id] : commands) {
+        RRun r;
+        r.recorder.refused = {id};
+        r.run(std::string(line) + "\nplot_station all\n");
+        EXPECT_THAT(r.recorder.calls, IsEmpty()) << line;
+        ASSERT_EQ(r.notes.size(), 1u) << line;
+        EXPECT_TRUE(r.notes[0].ends_with(": no collection is open")) << r.notes[0];
+        EXPECT_FALSE(r.complete);
+    }
 }
 
 // --- the collection as a whole

@@ -166,7 +166,7 @@ TEST_F(Creating, CollectionWithOtherChangesIsNotReplaced)
     EXPECT_FALSE(create("cast", {collection::setSeaLevel, {}}));
     EXPECT_EQ(read("cast.hob") + read("cast.dob") + read("cast.var") + read("cast.log"), before);
     EXPECT_THAT(user->messages.back(), HasSubstr("set_import overwrite=yes"));
-    session.importOverwrite = true;
+    session.importSettings.overwrite = true;
     EXPECT_TRUE(create("cast", {collection::setSeaLevel, {}}));
     EXPECT_EQ(session.collection.stationCount, 0);
     EXPECT_EQ(session.collection.variableCount, 2);

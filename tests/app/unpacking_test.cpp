@@ -141,7 +141,7 @@ TEST_F(Packed, OutputOfAPackedCollectionIsNotLost)
 {
     writeText(file("data/backup.zip"), zipOf(collectionMembers(4)));
     ASSERT_EQ(open("backup.zip"), OpenResult::ok);
-    ASSERT_TRUE(session.exportData("out.txt"));
+    ASSERT_TRUE(session.exportSpreadsheet("out.txt"));
     session.close(true);
     EXPECT_THAT(read("data/out.txt"), StartsWith("Cruise\t"));
 }

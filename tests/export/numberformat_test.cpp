@@ -1,3 +1,4 @@
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -61,12 +62,40 @@ TEST(AppendG, WritesEdgesLikePrintf)
         EXPECT_EQ(written(value), printed(value));
 }
 
-TEST(AppendByte, WritesEveryByte)
+TEST(AppendG, AgreesWithPrintfOnBothSidesOfEveryPowerOfTen)
+{
+    for (float power = 1e-6f; power < 1e8f; power *= 10) {
+        float below = power, above = power;
+        for (int i = 0; i < 200; ++i) {
+            ASSERT_EQ(written(below), printed(below));
+            ASSERT_EQ(written(-above), printed(-above));
+            below = std::nextafter(below, 0.0f);
+            above = std::nextafter(above, 1e9f);
+        }
+    }
+}
+
+TEST(PutByte, WritesEveryByte)
 {
     for (int i = 0; i < 256; ++i) {
-        std::string text;
-        exporting::appendByte(text, static_cast<unsigned char>(i));
-        EXPECT_EQ(text, std::to_string(i));
+        char text[exporting::largestByte];
+        char* const end = exporting::putByte(text, static_cast<unsigned char>(i));
+        EXPECT_EQ(std::string(text, end), std::to_string(i));
+    }
+}
+
+TEST(PutExact, WritesEnoughDigitsToReadTheSameFloatAgain)
+{
+    std::mt19937 random(5);
+    for (int i = 0; i < 100000; ++i) {
+        const auto bits = static_cast<std::uint32_t>(random());
+        float value = 0, read = 0;
+        std::memcpy(&value, &bits, sizeof value);
+        if (!std::isfinite(value)) continue;
+        char text[exporting::largestG];
+        char* const end = exporting::putExact(text, value);
+        ASSERT_EQ(std::from_chars(text, end, read).ec, std::errc{});
+        ASSERT_EQ(read, value);
     }
 }
 

@@ -182,6 +182,84 @@ TEST(ExportSpreadsheet, LabelsAreWrittenInUtf8AndNeverDivideTheirFields)
     EXPECT_TRUE(run.lines().starts_with("Ålesund\ta b c\t"));
 }
 
+TEST(ExportSpreadsheet, ALabelThatBeginsWithAQuoteIsQuoted)
+{
+    RExports run;
+    run.sample.put({{0}, {1}, {2}}, 0, "\"A\" 16", "\"", "B");
+    run.sample.put({{0}, {1}, {2}}, 0, "5\" hose", "1\"", "B");
+    const std::string lines = run.lines();
+    EXPECT_TRUE(lines.starts_with("\"\"\"A\"\" 16\"\t\"\"\"\"\tB\t")) << lines;
+    EXPECT_NE(lines.find("\n5\" hose\t1\"\tB\t"), std::string::npos) << lines;
+}
+
+TEST(ExportSpreadsheet, AMissingTextNeverDividesItsField)
+{
+    RExports run;
+    run.options.missingText = "no\tva\nlue";
+    run.sample.put({{0}, {missing}, {5}});
+    EXPECT_TRUE(run.lines().ends_with("\t0\t0\tno va lue\t8\t5\t0\n"));
+    run.options.missingText = " \t ";
+    EXPECT_TRUE(run.lines().ends_with("\t0\t0\t\t\t5\t0\n"));
+}
+
+TEST(ExportSpreadsheet, AValueThatWouldReadAsMissingKeepsItsDigits)
+{
+    RExports run;
+    run.sample.put({{std::nextafter(missing, 0.0f)},
+                    {-1.000004e10f},
+                    {-9.9999e9f}}); // the last one is told from it by six digits
+    EXPECT_TRUE(run.lines().ends_with("\t-9999998976\t0\t-10000039936\t0\t-9.9999e+09\t0\n")) << run.lines();
+}
+
+TEST(ExportSpreadsheet, BottomDepthIsTruncated)
+{
+    RExports run;
+    run.sample.put({{0}, {1}, {2}});
+    for (const auto& [depth, text] :
+         {std::pair{3596.99f, "3596"}, {-0.9f, "0"}, {-12.7f, "-12"}, {4e9f, "2000000000"}}) {
+        run.sample.station.header.bottomDepth = depth;
+        std::string line;
+        exporting::appendStation(line, run.sample.station, {1}, "");
+        EXPECT_TRUE(line.ends_with("\t" + std::string(text) + "\t0\t0\n")) << line;
+    }
+}
+
+// Computes variable 4 from variable 2, with flag 4; what can't be computed is no number.
+class RReciprocal : public selection::RSelectionStages {
+public:
+    void computeDerived(collection::STATIONDATA& station) override
+    {
+        if (station.collection->neededMask[4] == 0) return;
+        station.offset[4] = station.header.valueCount;
+        for (int k = 0; k < station.levels(); ++k) {
+            const auto from = static_cast<std::size_t>(station.offset[2] + k);
+            const auto to = static_cast<std::size_t>(station.offset[4] + k);
+            station.values[to] = 1 / station.values[from];
+            station.flags[to] = 4;
+        }
+        station.header.valueCount += station.levels();
+    }
+};
+
+TEST(ExportSpreadsheet, DerivedVariablesCanBeChosenAndWhatIsNoNumberIsMissing)
+{
+    RExports run;
+    RReciprocal stages;
+    run.sample.collection.stages = &stages;
+    run.sample.collection.variables[4] = collection::emptyVariable(4);
+    collection::setLabel(run.sample.collection.variables[4], "Reciprocal [1]");
+    run.sample.collection.totalVariableCount = 4;
+    run.sample.put({{0, 10}, {8, 0}, {5, 6}});
+    run.options.variables = {4, 1};
+    const std::string text = run.text();
+    EXPECT_NE(text.find("\tReciprocal [1]\tQF\tDepth [m]\tQF\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("\t0.125\t4\t0\t0\n"), std::string::npos) << text;
+    EXPECT_TRUE(text.ends_with("\t\t\t10\t0\n")) << text;
+    run.options.variables = {}; // by itself a derived one is not written
+    EXPECT_EQ(run.text().find("Reciprocal"), std::string::npos);
+    run.sample.collection.stages = nullptr;
+}
+
 TEST(ExportSpreadsheet, EscapeAsksAndLeavesNoFile)
 {
     RExports run;
@@ -325,6 +403,21 @@ TEST(RoundTrip, AnExportIsWhatItsImportExports)
         once.find("Ærø\t12.5\tB\t2/29/1996\t00:00\t209.519\t-17.5102\t3596\t26.6452\t4\t\t\t1e-07\t1\n"),
         std::string::npos)
         << once;
+    EXPECT_EQ(trip.throughCollection(once, "two"), once);
+}
+
+TEST(RoundTrip, ALabelThatIsANumberIsItsValueOnceAndForAll)
+{
+    const std::string content = std::string(metaHeader) +
+                                "\tDepth [m]\tQF\n"
+                                "7.0\t12.500\tB\t2/29/1996\t12:00\t1\t2\t0\t5\t0\n"
+                                "007\t12.\tB\t2/29/1996\t12:00\t1\t2\t0\t5\t0\n"
+                                "-1.50e1\t0.00\tB\t2/29/1996\t12:00\t1\t2\t0\t5\t0\n";
+    RRoundTrip trip;
+    const std::string once = trip.throughCollection(content, "one");
+    EXPECT_NE(once.find("\n7\t12.5\tB\t"), std::string::npos) << once;
+    EXPECT_NE(once.find("\n007\t12\tB\t"), std::string::npos) << once;
+    EXPECT_NE(once.find("\n-1.50e1\t0\tB\t"), std::string::npos) << once;
     EXPECT_EQ(trip.throughCollection(once, "two"), once);
 }
 

@@ -70,6 +70,94 @@ TEST(AssociateByLabel, ReversingInstrumentsFillFreePlacesOnly)
     EXPECT_EQ(targets[2].assocSource, 3);
 }
 
+TEST(AssociateByLabel, ACtdSalinityOfTheTargetsOwnLabelTakesThatTarget)
+{
+    auto sources = variables({"CTDSAL [PSS-78]"});
+    auto targets = variables({"a", "b", "c", "CTDSAL [PSS-78]"});
+    const auto result = associateByLabel(sources, targets);
+    EXPECT_EQ(result.matched, 1);
+    EXPECT_EQ(targets[4].assocSource, 1);
+    EXPECT_EQ(targets[3].assocSource, 0);
+    EXPECT_EQ(result.second.salinity, 0);
+}
+
+TEST(AssociateByLabel, AWholeLabelGoesBeforeAKnownName)
+{
+    auto sources = variables({"SALNTY [PSS-78]", "CTDTMP [C]", "Silicate [umol/l]"});
+    auto targets = variables({"Depth [m]", "CTDTMP [F]", "Silicate [umol/l]", "SALNTY [PSS-78]"});
+    EXPECT_EQ(associateByLabel(sources, targets).matched, 2);
+    EXPECT_EQ(targets[2].assocSource, 2); // by its name
+    EXPECT_EQ(targets[3].assocSource, 3);
+    EXPECT_EQ(targets[4].assocSource, 1);
+}
+
+TEST(AssociateByLabel, AKnownNameTakesNoTargetThatIsFed)
+{
+    auto sources = variables({"SALNTY [PSS-78]", "Silicate"});
+    auto targets = variables({"a", "b", "Silicate"});
+    associateByLabel(sources, targets);
+    EXPECT_EQ(targets[3].assocSource, 2);
+    EXPECT_EQ(sources[1].assoc, 0);
+}
+
+TEST(AssociateByLabel, ASecondChoiceStandsBesideItsFirstByLabelOrName)
+{
+    for (const char* const target : {"SALNTY [PSS-78]", "Salinity [psu]"}) {
+        auto sources = variables({"CTDSAL [PSS-78]", "SALNTY [PSS-78]"});
+        auto targets = variables({"a", "b", target});
+        const auto result = associateByLabel(sources, targets);
+        EXPECT_EQ(targets[3].assocSource, 2) << target;
+        EXPECT_EQ(sources[1].assoc, 3) << target;
+        EXPECT_EQ(result.second.salinity, 1) << target;
+    }
+}
+
+TEST(AssociateByLabel, ASecondChoiceNeverStandsBesideAnotherVariable)
+{
+    auto sources = variables({"CTDSAL [PSS-78]", "Silicate"});
+    auto targets = variables({"a", "b", "Silicate"});
+    EXPECT_EQ(associateByLabel(sources, targets).second.salinity, 0);
+    EXPECT_EQ(sources[1].assoc, 0);
+}
+
+TEST(AssociateByLabel, OfTwoSourcesOfOneLabelTheFirstTakesTheTarget)
+{
+    auto sources = variables({"T", "T", "CTDPRS [A]", "CTDPRS [B]"});
+    auto targets = variables({"Depth [m]", "T"});
+    EXPECT_EQ(associateByLabel(sources, targets).matched, 1);
+    EXPECT_EQ(targets[1].assocSource, 3);
+    EXPECT_EQ(targets[2].assocSource, 1);
+    EXPECT_EQ(sources[2].assoc, 0);
+    EXPECT_EQ(sources[4].assoc, 0);
+}
+
+TEST(AssociateByLabel, TwoTargetsOfOneLabelTakeTwoSources)
+{
+    auto sources = variables({"T", "T"});
+    auto targets = variables({"Depth [m]", "T", "T"});
+    EXPECT_EQ(associateByLabel(sources, targets).matched, 2);
+    EXPECT_EQ(targets[2].assocSource, 1);
+    EXPECT_EQ(targets[3].assocSource, 2);
+}
+
+TEST(AssociateByLabel, KnownNamesNeedTheirTargetsToBeThere)
+{
+    auto sources = variables({"SALNTY [PSS-78]", "CTDSAL [PSS-78]", "CTDOXY [UMOL/KG]"});
+    auto targets = variables({"a", "b"});
+    const auto result = associateByLabel(sources, targets);
+    for (const VARINFO& source : sources) EXPECT_EQ(source.assoc, 0);
+    EXPECT_EQ(result.second.salinity + result.second.oxygen, 0);
+}
+
+TEST(AssociateByLabel, AReversingInstrumentOfItsOwnTargetStaysThere)
+{
+    auto sources = variables({"REVPRS [DBAR]", "REVPRS [other]"});
+    auto targets = variables({"a", "REVPRS [DBAR]"});
+    associateByLabel(sources, targets);
+    EXPECT_EQ(targets[2].assocSource, 1);
+    EXPECT_EQ(targets[1].assocSource, 2);
+}
+
 TEST(AssociateByLabel, ForgetsEarlierLinks)
 {
     auto sources = variables({"x"});

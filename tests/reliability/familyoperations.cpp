@@ -4,6 +4,7 @@
 
 #include "app/session.h"
 #include "collection/collectionfiles.h"
+#include "export/exportcollection.h"
 #include "operations.h"
 
 namespace reliability {
@@ -66,7 +67,7 @@ bool importAsNew(ROpenCollection& open)
     session.installation.user = "user";
     session.installation.host = "host";
     session.runMode = app::commandFileRun;
-    session.importOverwrite = true;
+    session.importSettings.overwrite = true;
     const bool good = session.open(open.folder + "sample.txt") == app::OpenResult::ok;
     session.close(true);
     return good;
@@ -83,6 +84,22 @@ OPERATION importOverExisting()
     return operation;
 }
 
+// Some stations and variables of the open collection become another one.
+OPERATION exportTo(const std::string& name, bool targetExists)
+{
+    OPERATION operation;
+    operation.name = name;
+    if (targetExists) operation.prepare = makeBoth;
+    operation.collections = {"sample", "target"};
+    operation.onlyReads = true;
+    operation.run = [](ROpenCollection& open) {
+        open.select("[AB]*");
+        return exporting::exportCollection(open.collection, open.station, open.folder + "target", {1, 3, 4},
+                                           open.user);
+    };
+    return operation;
+}
+
 } // namespace
 
 std::vector<OPERATION> familyOperations()
@@ -94,6 +111,8 @@ std::vector<OPERATION> familyOperations()
         moveOntoACollection(),
         family("DeletionOfTheCollection", removeSource, false),
         importOverExisting(),
+        exportTo("ExportToANewCollection", false),
+        exportTo("ExportOntoACollection", true),
     };
 }
 

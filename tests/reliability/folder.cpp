@@ -259,6 +259,29 @@ std::string spreadsheetOf(std::span<const CAST> casts)
     return text;
 }
 
+std::string listingOf(std::span<const CAST> casts)
+{
+    const std::size_t variables = labels.size() - 1;
+    std::string text = format("NVQ4.0 Listing\n File Name: sample\n      Type: HYD\n     Nstat: %zu\n"
+                              " Variables: %zu\n\n",
+                              casts.size(), variables);
+    for (std::size_t v = 1; v < labels.size(); ++v)
+        text += format("%-60s 8.2\n", std::string(labels[v]).c_str());
+    text += "\n";
+    for (const CAST& cast : casts) {
+        const auto columns = testing_support::profile(cast.levels, cast.variables, cast.seed);
+        text += format("# %-20s %20s B  7/15/1995  10.000  20.000  4000   100%5d %3zu\n", cast.cruise.c_str(),
+                       cast.station.c_str(), cast.levels, columns.size());
+        for (std::size_t v = 1; v <= columns.size(); ++v) text += format("%15zu", v);
+        text += "\n";
+        for (std::size_t k = 0; k < static_cast<std::size_t>(cast.levels); ++k) {
+            for (const auto& column : columns) text += format(" %12.7g 0", static_cast<double>(column[k]));
+            text += "\n";
+        }
+    }
+    return text;
+}
+
 void makeCollection(const std::string& folder, const std::string& name, std::string_view magic,
                     std::span<const CAST> casts)
 {

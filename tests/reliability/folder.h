@@ -56,6 +56,7 @@ struct CAST {
 void append(ROpenCollection& open, const CAST& cast);
 // A spreadsheet of stations that an import takes for those of the same labels.
 [[nodiscard]] std::string spreadsheetOf(std::span<const CAST> casts);
+[[nodiscard]] std::string listingOf(std::span<const CAST> casts); // the same of version 4
 
 // Makes a collection of these stations and closes it. magic: "NVQ4.0" or "NVQsol".
 void makeCollection(const std::string& folder, const std::string& name, std::string_view magic,

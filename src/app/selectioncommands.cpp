@@ -1,0 +1,98 @@
+// What is selected of the open collection.
+
+#include <cstring>
+
+#include "app/session.h"
+#include "common/text.h"
+#include "selection/setcriterion.h"
+
+namespace app {
+namespace {
+
+bool samePolygon(const collection::DOMAINPOLYGON& a, const collection::DOMAINPOLYGON& b)
+{
+    return a.nPoints == b.nPoints && a.lon == b.lon && a.lat == b.lat;
+}
+
+} // namespace
+
+selection::MAPDOMAIN RSession::mapDomain() const
+{
+    const graphics::MAPGEOMETRY& map = setup.map.geometry;
+    return {map.lonMin, map.lonMax, map.latMin, map.latMax};
+}
+
+// The list is built anew if other stations are selected, and the picture drawn if anything is.
+void RSession::takeCriteria(const EDITEDCRITERIA& edited)
+{
+    const bool otherStations =
+        selection::stationCriteriaDiffer(collection.criteria, edited.criteria) ||
+        (edited.criteria.usePolygon == 1 && !samePolygon(collection.polygon, edited.polygon));
+    const bool otherSamples = selection::sampleCriteriaDiffer(collection.criteria, edited.criteria);
+    if (!otherStations && !otherSamples) return;
+    collection.criteria = edited.criteria;
+    collection.polygon = edited.polygon;
+    collection.qualityLimit = edited.criteria.qualityLimit;
+    collection.configChanged = true;
+    if (otherStations) {
+        listChanged();
+    } else {
+        invalidate();
+    }
+    view_.statusChanged();
+    tellSelected();
+}
+
+void RSession::tellSelected()
+{
+    tellDone(common::format("%s.var: %d of %d stations selected", collection.path.c_str(),
+                            collection.selectedStationCount, collection.stationCount));
+}
+
+std::string RSession::select(std::span<const KEYVALUE> pairs)
+{
+    if (!collection.isOpen) return openFault();
+    EDITEDCRITERIA edited{collection.criteria, collection.polygon};
+    const auto count = static_cast<std::size_t>(collection.totalVariableCount);
+    for (const KEYVALUE& pair : pairs) {
+        if (pair.key == "reset") {
+            selection::resetSelection(edited.criteria, mapDomain(), collection.kind);
+            continue;
+        }
+        const bool isPath = pair.key == "polygon";
+        const std::string value = isPath ? common::replaceAll(pair.value, "\\", "/") : pair.value;
+        std::string wrong = selection::setCriterion({edited.criteria, edited.polygon,
+                                                     std::span(collection.variables).first(count + 1),
+                                                     collection.variableCount},
+                                                    pair.key, value);
+        if (!wrong.empty()) return wrong;
+    }
+    takeCriteria(edited);
+    return {};
+}
+
+bool RSession::editSelection()
+{
+    EDITEDCRITERIA edited{collection.criteria, collection.polygon};
+    if (!view_.editCriteria(edited)) return false;
+    takeCriteria(edited);
+    return true;
+}
+
+std::vector<selection::SELECTEDSTATION> RSession::stationsOfCruise(const collection::CRUISEINFO& cruise)
+{
+    std::vector<selection::SELECTEDSTATION> stations;
+    const selection::MAPDOMAIN domain = mapDomain();
+    collection::STATIONHDR header{};
+    for (int number = cruise.firstNumber; number <= cruise.lastNumber; ++number) {
+        if (!collection.readStationHeader(number, header, nullptr)) continue;
+        if (common::fieldText(header.cruise) != common::fieldText(cruise.cruise) ||
+            common::fieldText(header.type) != common::fieldText(cruise.type))
+            continue;
+        const float longitude = selection::longitudeIn(header.longitude, domain.lonMin, domain.lonMax);
+        stations.push_back({number, 0, 0, longitude, header.latitude});
+    }
+    return stations;
+}
+
+} // namespace app
