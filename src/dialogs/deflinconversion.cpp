@@ -2,6 +2,7 @@
 
 #include <QFormLayout>
 
+#include "common/limits.h"
 #include "dialogs/boxes.h"
 #include "dialogs/enterednumber.h"
 #include "dialogs/formparts.h"
@@ -34,7 +35,8 @@ deflinconversionDlg::deflinconversionDlg(const QString& caption, QWidget* parent
 
 bool deflinconversionDlg::take(QLineEdit* field, const char* name, float& number)
 {
-    if (const std::optional<float> entered = numberOf(field->text())) {
+    const std::optional<float> entered = numberOf(field->text());
+    if (entered && *entered != common::MISSING_VALUE) { // which marks conversions of another kind
         number = *entered;
         return true;
     }
