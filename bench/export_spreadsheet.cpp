@@ -1,5 +1,5 @@
-// Writing the selected stations as a spreadsheet: lines and bytes a second. The argument is the number of
-// lines.
+// Writing the selected stations as a spreadsheet: lines and bytes a second; and as a new collection: stations
+// and bytes a second. The argument is the number of lines, or levels.
 
 #include <filesystem>
 
@@ -7,6 +7,7 @@
 
 #include "common/headlessuser.h"
 #include "common/text.h"
+#include "export/exportcollection.h"
 #include "export/spreadsheet.h"
 #include "selection/selectedlist.h"
 
@@ -87,6 +88,25 @@ void BM_exportSpreadsheet(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0));
     state.SetBytesProcessed(state.iterations() * common::fileSize(bench.output()));
 }
-BENCHMARK(BM_exportSpreadsheet)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond)->UseRealTime();
+void BM_exportCollection(benchmark::State& state)
+{
+    RBenchCollection bench(static_cast<int>(state.range(0)) / levelsAStation);
+    if (!bench.good) state.SkipWithError("no collection");
+    const std::string target = bench.collection.directory + "made";
+    for (auto _ : state) {
+        if (!exporting::exportCollection(bench.collection, bench.station, target, {}, bench.user))
+            state.SkipWithError("not made");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0) / levelsAStation);
+    state.SetBytesProcessed(state.iterations() * common::fileSize(target + ".dob"));
+}
+BENCHMARK(BM_exportCollection)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+BENCHMARK(BM_exportSpreadsheet)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 } // namespace

@@ -30,6 +30,11 @@ std::optional<std::vector<int>> RAppWindow::chooseOutputVariables(const std::vec
     return dialog.chosen();
 }
 
+bool RAppWindow::editCriteria(EDITEDCRITERIA& edited)
+{
+    return RSessionView::editCriteria(edited);
+}
+
 // Behind the next picture the dots are part of the map.
 void RAppWindow::drawDots(std::span<const selection::SELECTEDSTATION> stations, float size, int color)
 {

@@ -1,7 +1,5 @@
 // What is selected of the open collection.
 
-#include <cstring>
-
 #include "app/session.h"
 #include "common/text.h"
 #include "selection/setcriterion.h"
@@ -77,22 +75,6 @@ bool RSession::editSelection()
     if (!view_.editCriteria(edited)) return false;
     takeCriteria(edited);
     return true;
-}
-
-std::vector<selection::SELECTEDSTATION> RSession::stationsOfCruise(const collection::CRUISEINFO& cruise)
-{
-    std::vector<selection::SELECTEDSTATION> stations;
-    const selection::MAPDOMAIN domain = mapDomain();
-    collection::STATIONHDR header{};
-    for (int number = cruise.firstNumber; number <= cruise.lastNumber; ++number) {
-        if (!collection.readStationHeader(number, header, nullptr)) continue;
-        if (common::fieldText(header.cruise) != common::fieldText(cruise.cruise) ||
-            common::fieldText(header.type) != common::fieldText(cruise.type))
-            continue;
-        const float longitude = selection::longitudeIn(header.longitude, domain.lonMin, domain.lonMax);
-        stations.push_back({number, 0, 0, longitude, header.latitude});
-    }
-    return stations;
 }
 
 } // namespace app

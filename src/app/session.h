@@ -168,9 +168,6 @@ public:
     // What is wrong, empty if nothing is: then all pairs are in force, else none. "reset" has no value.
     [[nodiscard]] std::string select(std::span<const KEYVALUE> pairs);
     [[nodiscard]] bool editSelection();
-    // The stations of a cruise of the inventory, with their places on the map.
-    [[nodiscard]] std::vector<selection::SELECTEDSTATION>
-    stationsOfCruise(const collection::CRUISEINFO& cruise);
     [[nodiscard]] selection::MAPDOMAIN mapDomain() const;
     // Number of a variable, also a derived one, by number or label; 0 if there is none.
     [[nodiscard]] int variableOf(std::string_view text) const;

@@ -22,7 +22,8 @@ struct READACCOUNT {
     std::int64_t refusedLines = 0; // not read to their end, or of a station that was not delivered
 
     // valuesRead == valuesDelivered + valuesRefused
-    std::int64_t valuesRead = 0;      // numbers other than the missing value, in columns that a target takes
+    std::int64_t valuesRead =
+        0; // numbers other than the missing value that a target takes, defaults included
     std::int64_t valuesDelivered = 0; // in the stations that were delivered
     std::int64_t valuesRefused = 0;   // of stations, levels and variables that a station can't hold
     std::int64_t unreadable = 0;      // fields that hold something, but no number: no value

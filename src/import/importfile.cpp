@@ -88,6 +88,7 @@ bool askSettler(RCollection& collection, const IMPORTOPTIONS& options, const IMP
 {
     if (collection.cruises.empty()) collection.readInventory(false, user);
     IMPORTCHOICES choices = choicesOf(collection, run.state);
+    choices.file = source.path;
     choices.sources = source.sources;
     choices.targets = targetsOf(collection);
     choices.mayUseDefaults = source.mayUseDefaults;
@@ -141,7 +142,7 @@ bool settleImport(RCollection& collection, const IMPORTSOURCE& source, const IMP
         associateByLabel(sources, targets);
     }
     if (options.settler != nullptr && !askSettler(collection, options, source, run, user)) {
-        result.end = ImportEnd::cancelled;
+        result.end = options.settler->asks() ? ImportEnd::cancelled : ImportEnd::failed;
         return false;
     }
     if (!anyTargetIsFed(targets)) {

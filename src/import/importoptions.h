@@ -20,6 +20,7 @@ namespace importing {
 // What the options of an import decide about. The links of sources and targets (index 0 of each is no
 // variable) come associated by label, or by number if they have the same labels in the same order.
 struct IMPORTCHOICES {
+    std::string file; // path, for messages
     ImportMode mode = ImportMode::addReplace;
     bool checkExisting = true;
     std::vector<CRUISEASSOCIATION>

@@ -18,10 +18,16 @@ struct CHOSENCONVERSION {
     float a = 1, b = 0; // of the general linear transformation
 };
 
+// The target is a variable of the collection, by its number or label, or a metavariable of spreadsheets: one
+// of metaLabels, or cruise, station, type, date, time, lon, lat, bottom. The row is then one of headerRows,
+// by its id.
 struct ASSOCIATIONSETTING {
-    std::string source, target; // labels, in UTF-8
+    std::string source, target; // in UTF-8
     CHOSENCONVERSION conversion;
 };
+
+// The metavariable that a target names, -1 if it names none.
+[[nodiscard]] int metaNamed(std::string_view target);
 
 // Empty fields are not settled.
 struct IMPORTSETTINGS {
@@ -36,24 +42,30 @@ struct IMPORTSETTINGS {
     std::vector<CRUISEASSOCIATION> cruises;
 };
 
-// Sets one of them: sep, header_line, first_data_line, missing, default_cruise, default_station,
-// default_type, default_date (mm/dd/yyyy), default_time (hh:mm), default_lon, default_lat, default_bottom,
-// check, existing, overwrite, assoc ("source"="target"[:conversion]), cruise ("source"="target").
-// A conversion is the number or the label of a row of variableConversions; linear:a:b is the general one.
-// Returns what is wrong, empty if nothing is; then the settings are as they were.
+// Sets one of them: sep (TAB, ;, SPACE, / or their numbers from 0), header_line, first_data_line, missing,
+// default_cruise, default_station, default_type, default_date (mm/dd/yyyy), default_time (hh:mm),
+// default_lon, default_lat, default_bottom, check, existing, overwrite, assoc
+// ("source"="target"[:conversion]), cruise ("source"="target"). A conversion is the number or the label of a
+// row of variableConversions, or the id or label of one of headerRows; linear:a:b is the general one. A later
+// assoc or cruise replaces one of the same source, a later assoc one of the same target. An empty default
+// takes it back. Returns what is wrong, empty if nothing is; then the settings are as they were.
 [[nodiscard]] std::string setImportSetting(IMPORTSETTINGS& settings, std::string_view key,
                                            std::string_view value);
 
-// Settles an import by settings alone. What they leave open is as without a settler; what nobody settled and
-// is needed is told as missing, and the import ends there.
+// Settles an import by settings alone. What they leave open is as without a settler. A file in no standard
+// layout needs its separator, and a column or a default for date, longitude and latitude; what is missing is
+// told, and the import ends there.
 class RSettingsSettler final : public RImportSettler {
 public:
     RSettingsSettler(const IMPORTSETTINGS& settings, common::RUser& user) : settings_(settings), user_(user)
     {
     }
 
+    [[nodiscard]] bool asks() const override { return false; }
+    void prepare(const std::string& path, SPREADSHEETDESC& desc) override;
     [[nodiscard]] bool settleProperties(SPREADSHEETDESC& desc,
                                         std::span<const std::string> firstLines) override;
+    [[nodiscard]] bool arrangeColumns(SPREADSHEETDESC& desc, std::span<const std::string> labels) override;
     [[nodiscard]] bool settleHeaderVariables(SPREADSHEETDESC& desc,
                                              std::span<const std::string> labels) override;
     [[nodiscard]] bool settleImport(IMPORTCHOICES& choices) override;
@@ -63,8 +75,16 @@ public:
                                                                const std::string& proposal) override;
 
 private:
+    [[nodiscard]] bool refuse(const std::string& why);
+    [[nodiscard]] bool refuseLayout(const SPREADSHEETDESC& desc, std::span<const std::string> labels);
+    [[nodiscard]] bool arrange(const ASSOCIATIONSETTING& association, SPREADSHEETDESC& desc,
+                               std::span<const std::string> labels);
+    [[nodiscard]] bool associate(IMPORTCHOICES& choices);
+    [[nodiscard]] bool associateCruises(IMPORTCHOICES& choices);
+
     const IMPORTSETTINGS& settings_;
     common::RUser& user_;
+    std::string path_; // of the file, for messages
 };
 
 } // namespace importing

@@ -33,7 +33,7 @@ bool RLineReader::open(const std::string& path)
     begin_ = end_ = 0;
     bytesRead_ = 0;
     lineNumber_ = 0;
-    atEnd_ = false;
+    atEnd_ = quotes_ = false;
     size_ = common::fileSize(file_.get());
     while (end_ < maxLine && !atEnd_) {
         if (!fill()) return false;
@@ -67,6 +67,7 @@ bool RLineReader::fill()
     const std::size_t room = std::min(blockSize, bufferSize - 1 - end_);
     const std::size_t got = std::fread(buffer_.get() + end_, 1, room, file_.get());
     if (got < room && std::ferror(file_.get())) return false;
+    quotes_ = quotes_ || std::memchr(buffer_.get() + end_, '"', got) != nullptr;
     end_ += got;
     atEnd_ = got < room;
     buffer_[end_] = '\n'; // a last line without an end gets one

@@ -33,6 +33,9 @@ public:
     [[nodiscard]] bool isUtf8() const { return utf8_; }
     void setLatin1() { utf8_ = false; }
 
+    // False as long as no quote stands in what was read of the file: then no line needs to be searched.
+    [[nodiscard]] bool mayHoldQuotes() const { return quotes_; }
+
 private:
     [[nodiscard]] bool fill();
     void inspectFirstBlock();
@@ -43,7 +46,7 @@ private:
     std::int64_t size_ = 0, bytesRead_ = 0;
     int lineNumber_ = 0;
     char terminator_ = '\n';
-    bool utf8_ = true, atEnd_ = false;
+    bool utf8_ = true, atEnd_ = false, quotes_ = false;
 };
 
 } // namespace importing

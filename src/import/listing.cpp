@@ -245,7 +245,8 @@ private:
             if (!common::takeFloat(text, range)) return {};
         }
         text = common::trimBlanks(text);
-        return hasFormat(text, 0) ? text : std::string_view();
+        const bool isLast = text.find(' ') == std::string_view::npos;
+        return isLast && hasFormat(text, 0) ? text : std::string_view();
     }
 
     static constexpr std::string_view nameWord = "Collection:", typeWord = "Type:", variablesWord = "Nvar:",

@@ -4,10 +4,12 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "common/limits.h"
 #include "common/text.h"
 #include "common/textcoding.h"
+#include "import/datefields.h"
 #include "import/fieldscan.h"
 #include "import/headerconversions.h"
 
@@ -54,32 +56,6 @@ bool scanField(std::string_view field, float& value)
     return scanFloat(p, line.data() + line.size(), '\n', value);
 }
 
-bool takeMark(std::string_view& rest, char mark)
-{
-    if (!rest.starts_with(mark)) return false;
-    rest.remove_prefix(1);
-    return true;
-}
-
-// "%d/%d/%d" as month, day and year; all zero if one of them is missing or beyond any date.
-HEADERTIME scanDate(std::string_view text)
-{
-    HEADERTIME date;
-    int month = 0, day = 0, year = 0;
-    const bool complete = common::takeInt(text, month) && takeMark(text, '/') && common::takeInt(text, day) &&
-                          takeMark(text, '/') && common::takeInt(text, year);
-    if (!complete || clampedShort(year) != year) return date;
-    return {year < 100 ? year + 1900 : year, month, day, 0, 0};
-}
-
-void scanTime(std::string_view text, HEADERTIME& time)
-{
-    int hour = 0, minute = 0;
-    if (common::takeInt(text, hour) && takeMark(text, ':') && !common::takeInt(text, minute)) minute = 0;
-    time.hour = hour;
-    time.minute = minute;
-}
-
 // Reads the date or the time column by its conversion.
 void convertField(const SPREADSHEETDESC& desc, int meta, std::string_view text, HEADERTIME& time)
 {
@@ -95,14 +71,14 @@ HEADERTIME timeOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields)
     HEADERTIME time{desc.defYear, desc.defMonth, desc.defDay, desc.defHour, desc.defMinute};
     for (const int meta : {metaDate, metaTime}) {
         if (desc.metaColumn[index(meta)] < 0) continue;
-        const std::string_view text = common::trimLabel(fields.text[index(meta)]);
+        // The label rule would take digits of a year such as 14.07.2010.
+        const std::string_view text = common::trimBlanks(fields.text[index(meta)]);
         if (desc.convId[index(meta)] > linearRow) {
             convertField(desc, meta, text, time);
-        } else if (meta == metaDate) {
-            const HEADERTIME date = scanDate(text);
-            time = {date.year, date.month, date.day, time.hour, time.minute};
-        } else {
+        } else if (meta == metaTime) {
             scanTime(text, time);
+        } else if (!scanDate(text, time)) {
+            time = {0, 0, 0, desc.defHour, desc.defMinute};
         }
     }
     return time;
@@ -149,13 +125,13 @@ void labelByNumber(STATIONHDR& header, int runningNumber)
     common::copyText(header.station, common::format("%d", runningNumber));
 }
 
-METASPLIT splitMeta(const SPREADSHEETDESC& desc, std::string_view line)
+METASPLIT splitMeta(const SPREADSHEETDESC& desc, std::string_view line, char separator)
 {
     METASPLIT split;
     std::array<std::string_view, maxColumns + 1> columns;
     const int last = *std::max_element(desc.metaColumn.begin(), desc.metaColumn.end());
     const auto wanted = static_cast<std::size_t>(std::max(last + 1, 1));
-    split.fields.count = common::splitFields(line, desc.sepChars, std::span(columns).first(wanted));
+    split.fields.count = common::splitFields(line, separator, std::span(columns).first(wanted));
     for (int meta = 0; meta < metaCount; ++meta) {
         const int column = desc.metaColumn[index(meta)];
         if (column >= 0 && column < split.fields.count)
@@ -184,6 +160,31 @@ STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int r
     header.latitude = numberOf(desc, fields, metaLatitude, desc.defLat, MISSING_VALUE);
     header.bottomDepth = numberOf(desc, fields, metaBottomDepth, desc.defBotDepth, 0);
     return header;
+}
+
+std::string firstCutLabel(const METAFIELDS& fields, bool fileIsUtf8)
+{
+    constexpr std::pair<Meta, std::size_t> rooms[] = {
+        {metaCruise, common::labelLength}, {metaStation, common::labelLength}, {metaType, 1}};
+    for (const auto& [meta, room] : rooms) {
+        const std::string label =
+            common::labelFromFile(common::trimLabel(fields.text[index(meta)]), fileIsUtf8);
+        if (label.size() > room) return common::labelToUtf8(label);
+    }
+    return {};
+}
+
+std::vector<int> faultyMetas(const STATIONHDR& header, const SPREADSHEETDESC& desc)
+{
+    std::vector<int> faulty;
+    const bool badDate = header.month < 1 || header.month > 12 || header.day < 1 || header.day > 31;
+    const bool badTime = header.hour < 0 || header.hour > 23 || header.minute < 0 || header.minute > 59;
+    const int timeColumn = desc.metaColumn[metaTime] >= 0 ? metaTime : metaDate;
+    if (badDate || (badTime && timeColumn == metaDate)) faulty.push_back(metaDate);
+    if (badTime && timeColumn == metaTime) faulty.push_back(metaTime);
+    if (!(std::abs(header.longitude) <= 360)) faulty.push_back(metaLongitude);
+    if (!(std::abs(header.latitude) <= 90)) faulty.push_back(metaLatitude);
+    return faulty;
 }
 
 bool isSameStation(const STATIONHDR& a, const STATIONHDR& b)

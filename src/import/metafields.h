@@ -2,7 +2,9 @@
 
 // The metadata of one line of a spreadsheet.
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "collection/stationdata.h"
 #include "import/spreadsheet.h"
@@ -20,8 +22,8 @@ struct METASPLIT {
     // Bytes of the line up to and with the separator behind the last metavariable; 0 if the line ends first.
     std::size_t length = 0;
 };
-// Splits off the metavariables.
-[[nodiscard]] METASPLIT splitMeta(const SPREADSHEETDESC& desc, std::string_view line);
+// Splits off the metavariables. `separator` is that of the file, or of a line without its quotes.
+[[nodiscard]] METASPLIT splitMeta(const SPREADSHEETDESC& desc, std::string_view line, char separator);
 
 // True if neither a column nor a default labels the stations: then their running number in the file does.
 [[nodiscard]] bool isLabelledByNumber(const SPREADSHEETDESC& desc);
@@ -31,6 +33,12 @@ void labelByNumber(collection::STATIONHDR& header, int runningNumber);
 // that can't be read gives 0/0/0, a position that can't be read MISSING_VALUE: the header check refuses both.
 [[nodiscard]] collection::STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields,
                                               int runningNumber, bool& fileIsUtf8);
+
+// The first of the labels that is longer than its field, whole and as UTF-8; empty if all fit.
+[[nodiscard]] std::string firstCutLabel(const METAFIELDS& fields, bool fileIsUtf8);
+
+// The metavariables for which the header check refuses a header.
+[[nodiscard]] std::vector<int> faultyMetas(const collection::STATIONHDR& header, const SPREADSHEETDESC& desc);
 
 // True if a line with header `b` belongs to the same station as one with header `a`: labels, type, date and
 // position are equal; time of day and bottom depth don't matter.

@@ -9,7 +9,9 @@
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "import/headerconversions.h"
+#include "import/importsettings.h"
 #include "import/linereader.h"
+#include "import/quotedline.h"
 
 namespace importing {
 namespace {
@@ -18,7 +20,7 @@ using collection::VARINFO;
 using common::format;
 
 constexpr std::string_view caption = "NVQ Data Import";
-constexpr std::size_t linesShown = 9;
+constexpr int linesShown = 9;
 constexpr int maxHeaderLine = 1000000; // of a file that was described by a user
 
 bool matchesInOrder(std::span<const std::string> labels, int skipped)
@@ -69,14 +71,20 @@ bool mustBeSettled(int meta, bool standard, bool timeWanted)
     return meta != metaDate || !standard;
 }
 
-std::string namesOf(std::span<const int> metas)
+// The metavariables without a column that a user has to settle.
+std::vector<int> unsettledMetas(const SPREADSHEETDESC& desc, bool standard, bool timeWanted)
 {
-    std::string names;
-    for (const int meta : metas) {
-        if (!names.empty()) names += ", ";
-        names.append("\"").append(metaLabels[static_cast<std::size_t>(meta)]).append("\"");
+    std::vector<int> unsettled;
+    for (int meta = 0; meta < metaCount; ++meta) {
+        if (desc.metaColumn[static_cast<std::size_t>(meta)] < 0 && mustBeSettled(meta, standard, timeWanted))
+            unsettled.push_back(meta);
     }
-    return names;
+    return unsettled;
+}
+
+bool isFlagLabel(std::string_view label)
+{
+    return label == "QF" || label.starts_with("QF:");
 }
 
 // The lines of a file up to its header line, as far as they were needed.
@@ -96,11 +104,13 @@ public:
         return exists ? &lines_[static_cast<std::size_t>(number - 1)] : nullptr;
     }
 
-    [[nodiscard]] std::vector<std::string> firstLines()
+    // The first 9 lines, and all up to the header line.
+    [[nodiscard]] std::vector<std::string> firstLines(int headerLine)
     {
-        (void)line(static_cast<int>(linesShown));
+        const int wanted = std::max(linesShown, headerLine);
+        (void)line(wanted);
         std::vector<std::string> shown;
-        for (std::size_t i = 0; i < std::min(linesShown, lines_.size()); ++i)
+        for (std::size_t i = 0; i < std::min(static_cast<std::size_t>(wanted), lines_.size()); ++i)
             shown.push_back(common::labelToUtf8(common::labelFromFile(lines_[i], isUtf8())));
         return shown;
     }
@@ -124,16 +134,24 @@ private:
 struct SETTLING {
     const std::string& path;
     RHeaderLines& lines;
-    RSpreadsheetSettler* settler;
+    RSpreadsheetSettler& settler;
     common::RUser& user;
     SPREADSHEETHEADER& header;
-    std::vector<std::string> labels;
 
     // The labels of the header line under a separator; empty if the file has no such line.
     [[nodiscard]] std::vector<std::string> labelsUnder(char separator) const
     {
         const std::string* const line = lines.line(header.desc.headerLine);
         return line ? splitLabels(*line, separator, lines.isUtf8()) : std::vector<std::string>();
+    }
+
+    // Columns of the header line, one beyond those that are read at the most.
+    [[nodiscard]] int columnCount() const
+    {
+        const std::string* const line = lines.line(header.desc.headerLine);
+        std::array<std::string_view, maxColumns + 1> fields;
+        std::string buffer;
+        return line ? splitQuoted(*line, header.desc.sepChars, buffer, fields) : 0;
     }
 };
 
@@ -143,95 +161,130 @@ HeaderResult fail(const SETTLING& settling, HeaderResult result, const std::stri
     return result;
 }
 
+HeaderResult refusedBy(const RSpreadsheetSettler& settler)
+{
+    return settler.asks() ? HeaderResult::cancelled : HeaderResult::unsettled;
+}
+
+HeaderResult settleProperties(SETTLING& settling)
+{
+    SPREADSHEETDESC& desc = settling.header.desc;
+    const std::vector<std::string> shown = settling.lines.firstLines(desc.headerLine);
+    if (!settling.settler.settleProperties(desc, shown)) return refusedBy(settling.settler);
+    desc.headerLine = std::clamp(desc.headerLine, 1, maxHeaderLine);
+    desc.firstDataLine = std::clamp(desc.firstDataLine, 1, maxHeaderLine);
+    settling.header.labels = settling.labelsUnder(desc.sepChars);
+    // Where a user was asked, the user's word is that it is not.
+    if (!settling.settler.asks()) settling.header.standardLayout = isStandardLayout(settling.header.labels);
+    return HeaderResult::ok;
+}
+
+void noteAbsent(const SETTLING& settling)
+{
+    std::vector<int> absent;
+    for (int meta = 0; meta < metaCount; ++meta) {
+        if (settling.header.desc.metaColumn[static_cast<std::size_t>(meta)] < 0) absent.push_back(meta);
+    }
+    if (!absent.empty())
+        settling.user.note(format("%s: no column %s, read with the default", settling.path.c_str(),
+                                  namesOf(absent).c_str()));
+}
+
+HeaderResult settleColumns(SETTLING& settling)
+{
+    SPREADSHEETHEADER& header = settling.header;
+    static_cast<void>(findMetaColumns(header.desc, header.labels, header.standardLayout, false));
+    if (!settling.settler.arrangeColumns(header.desc, header.labels)) return refusedBy(settling.settler);
+    const std::vector<int> missing = unsettledMetas(header.desc, header.standardLayout, false);
+    if (!missing.empty() && !settling.settler.settleHeaderVariables(header.desc, header.labels))
+        return refusedBy(settling.settler);
+    if (missing.empty() || !settling.settler.asks()) noteAbsent(settling);
+    return HeaderResult::ok;
+}
+
+HeaderResult badHeaderLine(const SETTLING& settling)
+{
+    const int number = settling.header.desc.headerLine;
+    return fail(settling, HeaderResult::badLine,
+                settling.lines.tooLong()
+                    ? format("Could not interpret header line %d.\n\n", number)
+                    : format("File %s has no line %d, which should hold the labels of its columns.",
+                             settling.path.c_str(), number));
+}
+
+// What of the header line nothing will be read from, or not as it stands there.
+void noteLosses(const SETTLING& settling)
+{
+    const SPREADSHEETHEADER& header = settling.header;
+    const auto tell = [&](const std::string& text) {
+        settling.user.note(format("%s:%d: %s", settling.path.c_str(), header.desc.headerLine, text.c_str()));
+    };
+    if (settling.columnCount() > maxColumns)
+        tell(format("columns beyond number %d are not read", maxColumns));
+    int sources = 0;
+    for (std::size_t column = 0; column < header.labels.size(); ++column) {
+        const std::string& label = header.labels[column];
+        if (header.desc.role[column] >= 0 || label.empty() || isFlagLabel(label)) continue;
+        if (++sources == common::maxVariables + 1)
+            tell(format("column %d \"%s\" and those behind it are not read: a file has at most %d variables",
+                        static_cast<int>(column) + 1, label.c_str(), common::maxVariables));
+        if (sources > common::maxVariables) break;
+        if (common::labelFromFile(label, true).size() >= sizeof VARINFO{}.label)
+            tell(
+                format("the label of column %d is cut: \"%s\"", static_cast<int>(column) + 1, label.c_str()));
+    }
+}
+
+HeaderResult settle(SETTLING& settling)
+{
+    SPREADSHEETHEADER& header = settling.header;
+    settling.settler.prepare(settling.path, header.desc);
+    header.labels = settling.labelsUnder(header.desc.sepChars);
+    if (settling.lines.line(header.desc.headerLine) == nullptr) return badHeaderLine(settling);
+    header.standardLayout = isStandardLayout(header.labels);
+    if (!header.standardLayout) {
+        if (const HeaderResult result = settleProperties(settling); result != HeaderResult::ok) return result;
+        if (settling.lines.line(header.desc.headerLine) == nullptr) return badHeaderLine(settling);
+    }
+    if (const HeaderResult result = settleColumns(settling); result != HeaderResult::ok) return result;
+    header.sources = sourcesOf(header.desc, header.labels);
+    noteLosses(settling);
+    return HeaderResult::ok;
+}
+
+} // namespace
+
 void setSeparator(SPREADSHEETDESC& desc, int index)
 {
     desc.sepIndex = index;
     desc.sepChars = separators[static_cast<std::size_t>(index)].character;
 }
 
-// Looks for a separator under which the first line is a header in the standard layout.
-bool findSeparator(SETTLING& settling)
+void assignColumn(SPREADSHEETDESC& desc, int meta, int column)
 {
-    for (std::size_t i = 0; i < separators.size(); ++i) {
-        std::vector<std::string> labels = settling.labelsUnder(separators[i].character);
-        if (!isStandardLayout(labels)) continue;
-        setSeparator(settling.header.desc, static_cast<int>(i));
-        settling.labels = std::move(labels);
-        if (i > 0)
-            settling.user.note(format("%s: column separator %s", settling.path.c_str(),
-                                      std::string(separators[i].name).c_str()));
-        return true;
+    const auto slot = static_cast<std::size_t>(meta);
+    int& role = desc.role[static_cast<std::size_t>(column)];
+    if (desc.metaColumn[slot] >= 0) desc.role[static_cast<std::size_t>(desc.metaColumn[slot])] = -1;
+    if (role >= 0) {
+        desc.metaColumn[static_cast<std::size_t>(role)] = -1;
+        desc.convId[static_cast<std::size_t>(role)] = -1;
     }
-    return false;
+    role = meta;
+    desc.metaColumn[slot] = column;
+    desc.convId[slot] = -1;
+    desc.nMeta = static_cast<int>(
+        std::count_if(desc.metaColumn.begin(), desc.metaColumn.end(), [](int taken) { return taken >= 0; }));
 }
 
-// What a user would have to give for a file that is not in the standard layout.
-std::string refusal(const SETTLING& settling)
+std::string namesOf(std::span<const int> metas)
 {
-    SPREADSHEETDESC desc = settling.header.desc;
-    const std::vector<int> missing = findMetaColumns(desc, settling.labels, false, false);
-    std::string text = format(
-        "File %s is not a spreadsheet in the standard layout.\n\nHeader line, first data line and column "
-        "separator",
-        settling.path.c_str());
-    if (!missing.empty()) text += ", and columns or defaults for " + namesOf(missing) + ",";
-    return text + " would have to be given by a user.";
-}
-
-HeaderResult settleProperties(SETTLING& settling)
-{
-    SPREADSHEETDESC& desc = settling.header.desc;
-    if (settling.settler == nullptr) {
-        if (findSeparator(settling)) {
-            settling.header.standardLayout = true;
-            return HeaderResult::ok;
-        }
-        return fail(settling, HeaderResult::unsettled, refusal(settling));
+    std::string names;
+    for (const int meta : metas) {
+        if (!names.empty()) names += ", ";
+        names.append("\"").append(metaLabels[static_cast<std::size_t>(meta)]).append("\"");
     }
-    const std::vector<std::string> shown = settling.lines.firstLines();
-    if (!settling.settler->settleProperties(desc, shown)) return HeaderResult::cancelled;
-    desc.headerLine = std::clamp(desc.headerLine, 1, maxHeaderLine);
-    desc.firstDataLine = std::clamp(desc.firstDataLine, 1, maxHeaderLine);
-    settling.labels = settling.labelsUnder(desc.sepChars);
-    return HeaderResult::ok;
+    return names;
 }
-
-HeaderResult settleColumns(SETTLING& settling)
-{
-    SPREADSHEETHEADER& header = settling.header;
-    const std::vector<int> missing =
-        findMetaColumns(header.desc, settling.labels, header.standardLayout, false);
-    if (settling.settler != nullptr) {
-        const bool goOn =
-            missing.empty() || settling.settler->settleHeaderVariables(header.desc, settling.labels);
-        return goOn ? HeaderResult::ok : HeaderResult::cancelled;
-    }
-    std::vector<int> absent;
-    for (int meta = 0; meta < metaCount; ++meta) {
-        if (header.desc.metaColumn[static_cast<std::size_t>(meta)] < 0) absent.push_back(meta);
-    }
-    if (!absent.empty())
-        settling.user.note(format("%s: no column %s, read with the default", settling.path.c_str(),
-                                  namesOf(absent).c_str()));
-    return HeaderResult::ok;
-}
-
-HeaderResult settle(SETTLING& settling)
-{
-    settling.labels = settling.labelsUnder(settling.header.desc.sepChars);
-    if (settling.lines.tooLong())
-        return fail(settling, HeaderResult::badLine,
-                    format("Could not interpret header line %d.\n\n", settling.header.desc.headerLine));
-    settling.header.standardLayout = isStandardLayout(settling.labels);
-    if (!settling.header.standardLayout) {
-        if (const HeaderResult result = settleProperties(settling); result != HeaderResult::ok) return result;
-    }
-    if (const HeaderResult result = settleColumns(settling); result != HeaderResult::ok) return result;
-    settling.header.sources = sourcesOf(settling.header.desc, settling.labels);
-    return HeaderResult::ok;
-}
-
-} // namespace
 
 std::string cruiseLabelOf(std::string_view path)
 {
@@ -267,7 +320,8 @@ SPREADSHEETDESC defaultDescription(std::string_view path)
 std::vector<std::string> splitLabels(std::string_view line, char separator, bool fileIsUtf8)
 {
     std::array<std::string_view, maxColumns> fields;
-    const int count = common::splitFields(line, separator, fields);
+    std::string buffer;
+    const int count = splitQuoted(line, separator, buffer, fields);
     std::vector<std::string> labels;
     for (int i = 0; i < count; ++i) {
         const std::string_view trimmed = common::trimLabel(fields[static_cast<std::size_t>(i)]);
@@ -288,7 +342,6 @@ bool isStandardLayout(std::span<const std::string> labels)
 std::vector<int> findMetaColumns(SPREADSHEETDESC& desc, std::span<const std::string> labels, bool standard,
                                  bool timeWanted)
 {
-    std::vector<int> missing;
     desc.role.fill(-1);
     desc.nMeta = 0;
     labels = labels.first(std::min<std::size_t>(labels.size(), maxColumns));
@@ -296,10 +349,7 @@ std::vector<int> findMetaColumns(SPREADSHEETDESC& desc, std::span<const std::str
         const auto slot = static_cast<std::size_t>(meta);
         const int column = columnOf(desc, labels, meta, !standard);
         desc.metaColumn[slot] = column;
-        if (column < 0) {
-            if (mustBeSettled(meta, standard, timeWanted)) missing.push_back(meta);
-            continue;
-        }
+        if (column < 0) continue;
         ++desc.nMeta;
         desc.role[static_cast<std::size_t>(column)] = meta;
         const std::string& label = labels[static_cast<std::size_t>(column)];
@@ -307,7 +357,7 @@ std::vector<int> findMetaColumns(SPREADSHEETDESC& desc, std::span<const std::str
         desc.convId[slot] = sinceRowOf(label);
         if (!referenceDayOf(label, desc.referenceDay[slot])) desc.referenceDay[slot] = 0;
     }
-    return missing;
+    return unsettledMetas(desc, standard, timeWanted);
 }
 
 std::vector<VARINFO> sourcesOf(const SPREADSHEETDESC& desc, std::span<const std::string> labels)
@@ -316,7 +366,7 @@ std::vector<VARINFO> sourcesOf(const SPREADSHEETDESC& desc, std::span<const std:
     for (std::size_t column = 0; column < std::min<std::size_t>(labels.size(), maxColumns); ++column) {
         const std::string& label = labels[column];
         if (desc.role[column] >= 0 || label.empty()) continue;
-        if (label == "QF" || label.starts_with("QF:")) {
+        if (isFlagLabel(label)) {
             if (sources.size() > 1) sources.back().qfColumn = static_cast<int>(column);
             continue;
         }
@@ -336,7 +386,9 @@ HeaderResult readSpreadsheetHeader(const std::string& path, RSpreadsheetSettler*
     RHeaderLines lines;
     header = {};
     header.desc = defaultDescription(path);
-    SETTLING settling{path, lines, settler, user, header, {}};
+    const IMPORTSETTINGS nothing;
+    RSettingsSettler nobody(nothing, user);
+    SETTLING settling{path, lines, settler ? *settler : nobody, user, header};
     if (!common::fileExists(path))
         return fail(settling, HeaderResult::unreadable, format("File %s not found!", path.c_str()));
     if (!lines.open(path))

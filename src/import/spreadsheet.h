@@ -59,6 +59,7 @@ struct SPREADSHEETDESC {
 // What is known about a file when its header has been read. Index 0 of `sources` is no variable.
 struct SPREADSHEETHEADER {
     SPREADSHEETDESC desc{};
+    std::vector<std::string> labels; // of the columns, as UTF-8
     std::vector<collection::VARINFO> sources;
     bool standardLayout = false;
     bool fileIsUtf8 = true;
@@ -69,15 +70,26 @@ struct SPREADSHEETHEADER {
     }
 };
 
-// Asks a user what the file itself does not tell; false if the user cancels the import.
+// Settles what the file itself does not tell; false if the user cancels the import.
 class RSpreadsheetSettler {
 public:
     virtual ~RSpreadsheetSettler() = default;
-    // Separator, header line, first data line and missing value. `firstLines` are the first 9 lines, as
-    // UTF-8.
+    // False if all answers were given beforehand: then false is a failure, which was told, and no cancel.
+    [[nodiscard]] virtual bool asks() const { return true; }
+    // What is known beforehand, put into the description of a file that was not looked at yet.
+    virtual void prepare(const std::string& /*path*/, SPREADSHEETDESC& /*desc*/) {}
+    // Separator, header line, first data line and missing value of a file in no standard layout. `firstLines`
+    // are the first 9 lines, or more if the header line lies behind them, as UTF-8.
     [[nodiscard]] virtual bool settleProperties(SPREADSHEETDESC& desc,
                                                 std::span<const std::string> firstLines) = 0;
-    // Columns, conversions and defaults of the metavariables. `labels` are the column labels, as UTF-8.
+    // The columns of the metavariables as they were found, in any file. `labels` are the column labels, as
+    // UTF-8.
+    [[nodiscard]] virtual bool arrangeColumns(SPREADSHEETDESC& /*desc*/,
+                                              std::span<const std::string> /*labels*/)
+    {
+        return true;
+    }
+    // Columns, conversions and defaults of the metavariables, where some have no column.
     [[nodiscard]] virtual bool settleHeaderVariables(SPREADSHEETDESC& desc,
                                                      std::span<const std::string> labels) = 0;
 };
@@ -91,13 +103,16 @@ enum class HeaderResult : int {
     unsettled = 5
 };
 
-// Reads the layout of a file. With `settler` null nobody is asked: the other separators are tried, columns
-// that a standard layout lacks take their defaults, both with a note, and a file in no standard layout is
-// refused with one message that tells what would have to be given. Every failure but a cancel has been told.
+// Reads the layout of a file. With `settler` null nothing is settled and nobody is asked: the other
+// separators are tried, columns that a standard layout lacks take their defaults, both with a note, and a
+// file in no standard layout is refused with one message that tells what would have to be given. Every
+// failure but a cancel has been told.
 [[nodiscard]] HeaderResult readSpreadsheetHeader(const std::string& path, RSpreadsheetSettler* settler,
                                                  common::RUser& user, SPREADSHEETHEADER& header);
 
 // --- the steps of it
+
+void setSeparator(SPREADSHEETDESC& desc, int index); // a place in `separators`
 
 // Everything as it is before a file was looked at; defaults for its stations: the cruise label from the
 // file's name, the date of today.
@@ -107,7 +122,7 @@ enum class HeaderResult : int {
 // name.
 [[nodiscard]] std::string cruiseLabelOf(std::string_view path);
 
-// The labels of a header line as UTF-8, trimmed by the label rule; at most 107.
+// The labels of a header line as UTF-8, without quotes and trimmed by the label rule; at most 107.
 [[nodiscard]] std::vector<std::string> splitLabels(std::string_view line, char separator, bool fileIsUtf8);
 
 // True if at least 7 of the 8 labels stand in their order among at least 8 columns, case ignored.
@@ -119,6 +134,12 @@ enum class HeaderResult : int {
 // layout, the date not in the standard layout.
 std::vector<int> findMetaColumns(SPREADSHEETDESC& desc, std::span<const std::string> labels, bool standard,
                                  bool timeWanted);
+
+// Gives a metavariable a column, which loses the role that it had.
+void assignColumn(SPREADSHEETDESC& desc, int meta, int column);
+
+// The names of metavariables, in quotes and divided by commas.
+[[nodiscard]] std::string namesOf(std::span<const int> metas);
 
 // The source variables of the columns without a role, at most 50. Index 0 of the result is no variable.
 [[nodiscard]] std::vector<collection::VARINFO> sourcesOf(const SPREADSHEETDESC& desc,

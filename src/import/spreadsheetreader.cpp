@@ -10,9 +10,11 @@
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "import/fieldscan.h"
+#include "import/filetail.h"
 #include "import/headercheck.h"
 #include "import/linereader.h"
 #include "import/metafields.h"
+#include "import/quotedline.h"
 
 namespace importing {
 namespace {
@@ -67,12 +69,26 @@ PLAN planOf(std::span<const VARINFO> sources, std::span<const VARINFO> targets)
     return plan;
 }
 
+// Texts that stand for no value, and are no fault.
+bool meansNoValue(std::string_view text)
+{
+    std::string word = common::toLower(text);
+    if (word.starts_with('-') || word.starts_with('+')) word.erase(0, 1);
+    return word.starts_with("nan") || word == "inf" || word == "infinity";
+}
+
+std::int64_t valuesIn(const STATIONDATA& station)
+{
+    const float* const values = station.values.get();
+    return station.header.valueCount - std::count(values, values + station.header.valueCount, MISSING_VALUE);
+}
+
 } // namespace
 
 struct RSpreadsheetReader::State {
     State(const SPREADSHEETHEADER& h, std::span<const VARINFO> t, KEYVARIABLES k, common::RUser& u)
         : header(h), desc(header.desc), targets(t), keys(k), user(u), plan(planOf(header.sources, targets)),
-          samples(targets.size()),
+          separator(desc.sepChars), samples(targets.size()),
           lastMeta(*std::max_element(desc.metaColumn.begin(), desc.metaColumn.end())),
           fileIsUtf8(header.fileIsUtf8)
     {
@@ -84,11 +100,29 @@ struct RSpreadsheetReader::State {
     bool takeLine();
     bool parseLine();
     bool skipToData();
+    bool restIsBlank();
+    bool countRest();
     void noteRest();
     [[nodiscard]] bool sameBytes() const
     {
-        return metaLength > 0 && line.size() >= metaLength &&
+        return metaLength > 0 && separator == metaSeparator && line.size() >= metaLength &&
                std::memcmp(line.data(), metaBytes.data(), metaLength) == 0;
+    }
+
+    // --- account
+    void count(std::int64_t READACCOUNT::*kind, std::int64_t number)
+    {
+        account.lines += number;
+        account.*kind += number;
+    }
+    [[nodiscard]] std::int64_t valuesRead() const;
+    void countDelivered(const STATIONDATA& station);
+    void countRefused();
+    void noteUnreadable(const STEP& step, const char* p, const char* end);
+    void noteCutLabel();
+    [[nodiscard]] std::string utf8(std::string_view text) const
+    {
+        return common::labelToUtf8(common::labelFromFile(text, fileIsUtf8));
     }
 
     // --- samples
@@ -104,7 +138,9 @@ struct RSpreadsheetReader::State {
     bool readLevels();
     void moveSamples(STATIONDATA& station);
     void tooManyLevels();
+    void refuseHeader(const std::string& fault);
 
+    static constexpr std::int64_t notLooked = -2;
     const SPREADSHEETHEADER header;
     const SPREADSHEETDESC& desc;
     const std::span<const VARINFO> targets;
@@ -115,6 +151,8 @@ struct RSpreadsheetReader::State {
     std::string path;
     RLineReader lines;
     std::string_view line; // the line in hand; empty if there is none
+    std::string unquoted;  // what `line` refers to where a field was quoted
+    char separator;        // of the line in hand
     bool hasLine = false;  // a line is in hand that was parsed and belongs to the next station
     ReadCode failure = readEnd;
     std::int64_t lineStart = 0; // bytes of the file in front of the line in hand
@@ -124,11 +162,15 @@ struct RSpreadsheetReader::State {
     STATIONHDR stationHeader{};
     std::string metaBytes;      // what the line in hand, or one before it of the same station, begins with
     std::size_t metaLength = 0; // 0: not to be compared
+    char metaSeparator = 0;     // of metaBytes
+    bool labelCut = false;      // a label of the line in hand may be longer than its field
+    std::int64_t lastFilled = notLooked; // where the file's last byte is that is no blank
     bool comparesBytes = false;
 
     std::vector<SAMPLES> samples; // by target; index 0 is not used
     std::size_t room = 0;         // levels in the buffers
     std::int64_t levels = 0;      // of the station being read, also beyond the limit
+    std::size_t slot = 0;         // of the line in hand in the buffers
     const int lastMeta;
     bool fileIsUtf8;
     bool begun = false, refused = false;
@@ -142,41 +184,77 @@ bool RSpreadsheetReader::State::takeLine()
     lineStart = lines.bytesRead();
     hasLine = false;
     line = {};
-    switch (lines.next(line)) {
-    case RLineReader::Result::line:
+    separator = desc.sepChars;
+    const RLineReader::Result result = lines.next(line);
+    if (result == RLineReader::Result::line) {
+        const bool mayBeQuoted = lines.mayHoldQuotes() && line.find('"') != std::string_view::npos;
+        if (mayBeQuoted && unquoteLine(line, desc.sepChars, unquoted)) {
+            line = unquoted;
+            separator = fieldMark;
+        }
         return true;
-    case RLineReader::Result::end:
-        return false;
-    default:
-        failure = readBadData;
-        return false;
     }
+    if (result != RLineReader::Result::end) failure = readBadData;
+    if (result == RLineReader::Result::tooLong) count(&READACCOUNT::refusedLines, 1);
+    return false;
 }
 
-// Reads the metadata of the line in hand. False if the line has too few fields, which ends the file.
+// Reads the metadata of the line in hand. False if the line has too few fields, or nothing but blank lines is
+// left, which both end the file.
 bool RSpreadsheetReader::State::parseLine()
 {
-    const METASPLIT split = splitMeta(desc, line);
+    const METASPLIT split = splitMeta(desc, line, separator);
     if (split.fields.count < std::max(1, std::min(desc.nMeta, lastMeta + 1))) {
         noteRest();
         return false;
     }
+    const auto& text = split.fields.text;
+    labelCut = text[metaCruise].size() > common::labelLength ||
+               text[metaStation].size() > common::labelLength || text[metaType].size() > 1;
     lineHeader = headerOf(desc, split.fields, stationsRead + 1, fileIsUtf8);
     metaLength = comparesBytes ? split.length : 0;
     metaBytes.assign(line.substr(0, metaLength));
+    metaSeparator = separator;
     return true;
+}
+
+// True if the line in hand and all that follow hold nothing but separators and blanks. They are counted then.
+bool RSpreadsheetReader::State::restIsBlank()
+{
+    const auto isBlank = [&](char c) {
+        return static_cast<unsigned char>(c) <= 32 || c == 127 || c == separator;
+    };
+    if (!std::all_of(line.begin(), line.end(), isBlank)) return false;
+    if (lastFilled == notLooked) lastFilled = lastFilledByte(path, desc.sepChars);
+    if (lineStart <= lastFilled) return false;
+    static_cast<void>(countRest());
+    return true;
+}
+
+// Counts the line in hand and all that follow as refused or blank, and reads them for nothing else. True if
+// any of them was not blank.
+bool RSpreadsheetReader::State::countRest()
+{
+    bool any = false;
+    RLineReader::Result result = RLineReader::Result::line;
+    while (result == RLineReader::Result::line) {
+        const bool blank = std::all_of(line.begin(), line.end(), [&](char c) {
+            return static_cast<unsigned char>(c) <= 32 || c == 127 || c == desc.sepChars;
+        });
+        count(blank ? &READACCOUNT::blankLines : &READACCOUNT::refusedLines, 1);
+        any = any || !blank;
+        result = lines.next(line);
+    }
+    if (result == RLineReader::Result::tooLong) count(&READACCOUNT::refusedLines, 1);
+    line = {};
+    return any;
 }
 
 // The line in hand ended the reading: says so unless nothing but blank lines follows.
 void RSpreadsheetReader::State::noteRest()
 {
     const int number = lines.lineNumber();
-    bool blank = common::trimBlanks(line).empty();
-    std::string_view following;
-    while (blank && lines.next(following) == RLineReader::Result::line)
-        blank = common::trimBlanks(following).empty();
-    line = {};
-    if (!blank)
+    if (countRest())
         user.note(format("%s:%d: the line has fewer than %d fields; it and what follows is not read",
                          path.c_str(), number, std::max(1, desc.nMeta)));
 }
@@ -186,8 +264,59 @@ bool RSpreadsheetReader::State::skipToData()
     begun = true;
     while (lines.lineNumber() < desc.firstDataLine - 1) {
         if (!takeLine()) return false;
+        count(&READACCOUNT::headerLines, 1);
     }
-    return takeLine() && parseLine();
+    return takeLine() && !restIsBlank() && parseLine();
+}
+
+std::int64_t RSpreadsheetReader::State::valuesRead() const
+{
+    std::int64_t sum = 0;
+    for (std::size_t v = 1; v < samples.size(); ++v) sum += samples[v].count;
+    return sum;
+}
+
+void RSpreadsheetReader::State::countDelivered(const STATIONDATA& station)
+{
+    const std::int64_t read = valuesRead(), delivered = valuesIn(station);
+    count(&READACCOUNT::dataLines, levels);
+    account.valuesRead += read;
+    account.valuesDelivered += delivered;
+    account.valuesRefused += read - delivered;
+    clearSamples();
+}
+
+// The station being read, which is not delivered.
+void RSpreadsheetReader::State::countRefused()
+{
+    const std::int64_t read = valuesRead();
+    count(&READACCOUNT::refusedLines, levels);
+    account.valuesRead += read;
+    account.valuesRefused += read;
+    ++account.stationsRefused;
+    clearSamples();
+}
+
+void RSpreadsheetReader::State::noteUnreadable(const STEP& step, const char* p, const char* end)
+{
+    const std::string_view text =
+        common::trimBlanks(std::string_view(p, static_cast<std::size_t>(std::find(p, end, separator) - p)));
+    if (text.empty() || meansNoValue(text)) return;
+    if (++account.unreadable > 1) return;
+    const auto column = static_cast<std::size_t>(step.column);
+    const std::string label = column < header.labels.size() ? header.labels[column] : std::string();
+    constexpr std::size_t shown = 60;
+    account.firstUnreadable = format("line %d, column \"%s\": \"%s\"", lines.lineNumber(), label.c_str(),
+                                     utf8(common::cutAtCharacter(text, shown)).c_str());
+}
+
+// Notes a label of the line in hand, which begins a station, that does not fit its field.
+void RSpreadsheetReader::State::noteCutLabel()
+{
+    if (!labelCut) return;
+    const std::string label = firstCutLabel(splitMeta(desc, line, separator).fields, fileIsUtf8);
+    if (label.empty()) return;
+    if (++account.labelsCut == 1) account.firstCut = label;
 }
 
 void RSpreadsheetReader::State::growTo(std::size_t wanted)
@@ -215,17 +344,18 @@ void RSpreadsheetReader::State::clearSamples()
 inline void RSpreadsheetReader::State::storeField(const STEP& step, const char*& p, const char* end)
 {
     SAMPLES& sample = samples[static_cast<std::size_t>(step.target)];
-    const auto level = static_cast<std::size_t>(levels);
+    const std::size_t level = slot;
     if (step.isFlag) {
         if (sample.values[level] == MISSING_VALUE) return;
         int flag = p != end ? *p - '0' : -1; // one digit is what nearly all flags are
-        const bool oneDigit = flag >= 0 && flag <= 9 && (p + 1 == end || p[1] == desc.sepChars);
-        if (oneDigit || scanInt(p, end, desc.sepChars, flag))
+        const bool oneDigit = flag >= 0 && flag <= 9 && (p + 1 == end || p[1] == separator);
+        if (oneDigit || scanInt(p, end, separator, flag))
             sample.flags[level] = static_cast<std::uint8_t>(flag & 0xFF);
         return;
     }
+    if (p == end || *p == separator) return;
     float value = 0;
-    if (!scanFloat(p, end, desc.sepChars, value)) return;
+    if (!scanFloat(p, end, separator, value)) return noteUnreadable(step, p, end);
     if (value == desc.missingValue || value == MISSING_VALUE) return;
     sample.values[level] = value;
     ++sample.count;
@@ -235,7 +365,6 @@ inline void RSpreadsheetReader::State::storeField(const STEP& step, const char*&
 void RSpreadsheetReader::State::storeFields(const char* p, int column)
 {
     const char* const end = line.data() + line.size();
-    const char separator = desc.sepChars;
     const char* field = p;
     for (const STEP& step : plan.steps) {
         while (column < step.column) {
@@ -265,20 +394,20 @@ void RSpreadsheetReader::State::storeBlankSeparated()
 // Adds the line in hand to the station as its next level.
 void RSpreadsheetReader::State::storeLine()
 {
-    if (levels < common::maxLevels) {
-        growTo(static_cast<std::size_t>(levels) + 1);
-        for (const auto& [target, value] : plan.defaults) {
-            SAMPLES& sample = samples[static_cast<std::size_t>(target)];
-            sample.values[static_cast<std::size_t>(levels)] = value;
-            if (value != MISSING_VALUE) ++sample.count;
-        }
-        if (desc.sepChars == ' ') {
-            storeBlankSeparated();
-        } else if (metaLength > 0) {
-            storeFields(line.data() + metaLength, lastMeta + 1);
-        } else {
-            storeFields(line.data(), 0);
-        }
+    // Beyond the last level nothing is kept; the numbers are read to be counted.
+    slot = static_cast<std::size_t>(std::min<std::int64_t>(levels, common::maxLevels - 1));
+    growTo(slot + 1);
+    for (const auto& [target, value] : plan.defaults) {
+        SAMPLES& sample = samples[static_cast<std::size_t>(target)];
+        sample.values[slot] = value;
+        if (value != MISSING_VALUE) ++sample.count;
+    }
+    if (separator == ' ') {
+        storeBlankSeparated();
+    } else if (metaLength > 0) {
+        storeFields(line.data() + metaLength, lastMeta + 1);
+    } else {
+        storeFields(line.data(), 0);
     }
     ++levels;
 }
@@ -288,9 +417,11 @@ bool RSpreadsheetReader::State::readLevels()
 {
     clearSamples();
     stationHeader = lineHeader;
+    noteCutLabel();
     for (;;) {
         storeLine();
         if (!takeLine()) return failure == readEnd;
+        if (restIsBlank()) return true;
         if (sameBytes()) continue;
         if (!parseLine()) return true;
         if (!isSameStation(stationHeader, lineHeader)) break;
@@ -329,6 +460,32 @@ void RSpreadsheetReader::State::tooManyLevels()
                                              common::labelToUtf8(stationHeader.station).c_str()));
 }
 
+// Tells why the line in hand can't begin a station, and which of its fields are at fault. That ends the
+// reading.
+void RSpreadsheetReader::State::refuseHeader(const std::string& fault)
+{
+    const int number = lines.lineNumber();
+    std::string text = format("Line %d: %s\nImport will be aborted.\n", number, fault.c_str());
+    const METAFIELDS fields = splitMeta(desc, line, separator).fields;
+    for (const int meta : faultyMetas(lineHeader, desc)) {
+        const auto place = static_cast<std::size_t>(meta);
+        const int column = desc.metaColumn[place];
+        const std::string name = column >= 0 && column < static_cast<int>(header.labels.size())
+                                     ? header.labels[static_cast<std::size_t>(column)]
+                                     : std::string(metaLabels[place]);
+        constexpr std::size_t shown = 60;
+        text += format("\n%s:%d: ", path.c_str(), number);
+        text += column < 0 ? format("default of \"%s\"", name.c_str())
+                           : format("column %d \"%s\" holds \"%s\"", column + 1, name.c_str(),
+                                    utf8(common::cutAtCharacter(fields.text[place], shown)).c_str());
+    }
+    user.about(caption, text);
+    ++account.stationsRefused;
+    static_cast<void>(countRest());
+    hasLine = false;
+    refused = true;
+}
+
 std::int64_t RSpreadsheetReader::State::readStation(STATIONDATA& station)
 {
     if (targets.size() < 2) return readEnd; // without a variable there are no levels
@@ -337,19 +494,19 @@ std::int64_t RSpreadsheetReader::State::readStation(STATIONDATA& station)
         if (!hasLine) return failure;
         std::string fault;
         if (!checkHeader(lineHeader, fault)) {
-            user.about(caption,
-                       format("Line %d: %s\nImport will be aborted.", lines.lineNumber(), fault.c_str()));
-            hasLine = false;
-            refused = true;
+            refuseHeader(fault);
             return readEnd;
         }
-        if (!readLevels()) return failure;
+        if (!readLevels()) {
+            countRefused();
+            return failure;
+        }
         ++stationsRead;
         // The line in hand was compared under the number of the station that it ended.
         if (isLabelledByNumber(desc)) labelByNumber(lineHeader, stationsRead + 1);
         if (levels <= common::maxLevels) break;
         tooManyLevels();
-        ++account.stationsRefused;
+        countRefused();
     }
     station.clear();
     station.header = stationHeader;
@@ -357,6 +514,7 @@ std::int64_t RSpreadsheetReader::State::readStation(STATIONDATA& station)
     if (station.header.type[0] == '*' || station.header.type[0] == '\0')
         common::copyText(station.header.type, levels <= mostBottleLevels ? "B" : "C");
     applyConversions(station, header.sources, targets, keys);
+    countDelivered(station);
     const std::int64_t consumed = (hasLine ? lineStart : lines.bytesRead()) - counted;
     counted += consumed;
     return consumed;
@@ -386,7 +544,9 @@ std::int64_t RSpreadsheetReader::readStation(STATIONDATA& station)
     try {
         return state_->readStation(station);
     } catch (const std::bad_alloc&) {
-        return readNoMemory;
+        state_->countRefused();
+        state_->hasLine = false;
+        return state_->failure = readNoMemory;
     }
 }
 

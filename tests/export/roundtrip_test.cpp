@@ -1,5 +1,6 @@
 // What goes out comes back: random stations through a spreadsheet, and from collection to collection.
 
+#include <algorithm>
 #include <clocale>
 #include <memory>
 
@@ -26,9 +27,13 @@ public:
     explicit RTrip(const std::string& magic, int variables) : sample_(magic, variables) {}
 
     void fill(const RANDOMSTATIONS& kind) { RRandomStations(kind).fillCollection(sample_.collection); }
-    void put(RRandomStations& random, int levels)
+    // unflagged: a variable whose flags are those that an import gives by itself.
+    void put(RRandomStations& random, int levels, std::size_t unflagged = 0)
     {
         random.fill(sample_.station, sample_.collection.variableCount, levels);
+        if (unflagged > 0)
+            std::fill_n(sample_.station.flags.get() + sample_.station.offset.at(unflagged), levels,
+                        collection::flagUnknown);
         ASSERT_EQ(sample_.collection.writeStation(0, sample_.station, false), collection::WriteResult::ok);
     }
     [[nodiscard]] RCollection& source() { return sample_.collection; }
@@ -167,6 +172,17 @@ TEST(RoundTrip, ASpreadsheetOfManyVariablesComesBack)
 {
     RTrip trip(hostMagic, 49);
     trip.fill({.seed = 3, .stations = 12});
+    const auto back = trip.imported(trip.spreadsheetOf(trip.source()), hostMagic);
+    expectSameVariables(trip.source(), *back);
+    expectSame(trip.source(), *back);
+}
+
+// The flags of the last variable stand behind the columns that an import reads.
+TEST(RoundTrip, ASpreadsheetOfFiftyVariablesComesBackButForTheLastFlags)
+{
+    RTrip trip(hostMagic, 50);
+    RRandomStations random({.seed = 4});
+    for (const int levels : {1999, 30, 1}) trip.put(random, levels, 50);
     const auto back = trip.imported(trip.spreadsheetOf(trip.source()), hostMagic);
     expectSameVariables(trip.source(), *back);
     expectSame(trip.source(), *back);

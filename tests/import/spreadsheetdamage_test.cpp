@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "import/headercheck.h"
+#include "import/linereader.h"
 #include "import/spreadsheetfixture.h"
 
 namespace {
@@ -22,7 +23,7 @@ std::string goodFile()
 
 std::string damaged(std::string text, std::mt19937& random)
 {
-    constexpr std::string_view bytes = "\t\n\r\0 ;/,.-+e0123456789\xFF\xC3\x80";
+    constexpr std::string_view bytes = "\"\t\n\r\0 ;/,.-+e0123456789\xFF\xC3\x80";
     for (unsigned i = 0; i < 1 + random() % 8; ++i) {
         const std::size_t at = random() % text.size();
         const std::size_t length = std::min<std::size_t>(random() % 40, text.size() - at);
@@ -59,6 +60,28 @@ void expectSound(const READSTATION& station)
     ASSERT_TRUE(checkHeader(header, message)) << message;
 }
 
+// Every line and every value is accounted for.
+void expectAccount(const RSpreadsheetFixture& file, const std::string& content)
+{
+    expectSums(file.account);
+    std::int64_t levels = 0, values = 0;
+    for (const READSTATION& station : file.stations) {
+        levels += station.counts[1];
+        for (const std::vector<float>& column : station.values)
+            values += std::count_if(column.begin(), column.end(),
+                                    [](float value) { return value != common::MISSING_VALUE; });
+    }
+    ASSERT_EQ(file.account.dataLines, levels);
+    ASSERT_EQ(file.account.valuesDelivered, values);
+    if (file.account.lines == 0) return; // the header did not pass
+    importing::RLineReader lines;
+    ASSERT_TRUE(lines.open(file.path()));
+    std::string_view text;
+    while (lines.next(text) == importing::RLineReader::Result::line) {
+    }
+    ASSERT_EQ(file.account.lines, lines.lineNumber()) << content;
+}
+
 TEST(DamagedSpreadsheet, RandomDamageKeepsTheLimitsAndReadsTheSameTwice)
 {
     const std::string good = goodFile();
@@ -72,6 +95,7 @@ TEST(DamagedSpreadsheet, RandomDamageKeepsTheLimitsAndReadsTheSameTwice)
         ASSERT_EQ(first.stations, second.stations) << round;
         ASSERT_LE(first.bytes, static_cast<std::int64_t>(content.size()));
         for (const READSTATION& station : first.stations) expectSound(station);
+        expectAccount(first, content);
         ASSERT_FALSE(HasFatalFailure()) << round;
         withStations += first.stations.empty() ? 0 : 1;
     }

@@ -66,6 +66,16 @@ inline READSTATION copyOf(const collection::STATIONDATA& station, int variables)
     return copy;
 }
 
+// What must hold for every account, whatever the file.
+inline void expectSums(const importing::READACCOUNT& account)
+{
+    EXPECT_EQ(account.lines,
+              account.headerLines + account.dataLines + account.blankLines + account.refusedLines);
+    EXPECT_EQ(account.valuesRead, account.valuesDelivered + account.valuesRefused);
+    EXPECT_EQ(account.unreadable == 0, account.firstUnreadable.empty());
+    EXPECT_EQ(account.labelsCut == 0, account.firstCut.empty());
+}
+
 // A file and what reading it gives when each of its variables is a target.
 class RSpreadsheetFixture {
 public:
@@ -75,6 +85,7 @@ public:
     std::int64_t code = 0;  // with which the reader ended
     std::int64_t bytes = 0; // sum of what it returned
     bool refused = false;
+    importing::READACCOUNT account;
     RScriptedUser user;
     RTemporaryDirectory directory;
 
@@ -108,6 +119,7 @@ public:
             stations.push_back(copyOf(station, header.sourceCount()));
         }
         refused = reader.refusedHeader();
+        account = reader.account();
     }
 };
 
