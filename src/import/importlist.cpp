@@ -79,6 +79,7 @@ IMPORTRESULT importList(RCollection& collection, const std::string& list, const 
     one.run.list = &run;
     if (options.settler != nullptr) one.settler = &settler.emplace(*options.settler);
     const ImportEnd end = importAll(collection, paths, one, importOne, user);
+    if (run.filesDone() == 0) return {end, 0, 0}; // what ended it was told, and nothing happened
     run.closeImport(true);
     IMPORTRESULT result = resultOf(run, readEnd);
     if (result.end == ImportEnd::done) result.end = end;
