@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "import/importfixture.h"
+#include "import/importsettings.h"
 #include "import/listsettler.h"
 
 namespace {
@@ -65,6 +66,32 @@ TEST(ImportList, AllFilesComeInOneRunWithOneReport)
     EXPECT_EQ(run.user().busy, 0);
     EXPECT_EQ(run.collection().cruiseCount, 1);
     EXPECT_FALSE(run.collection().isChanging());
+}
+
+TEST(ImportList, SettingsHoldForEveryFile)
+{
+    RListImports run;
+    IMPORTSETTINGS settings;
+    ASSERT_EQ(setImportSetting(settings, "missing", "9"), "");
+    RSettingsSettler settler(settings, run.user());
+    run.options.settler = &settler;
+    run.importAll({threeVariables + cast("1", 3, 9), threeVariables + cast("2", 3, 8)});
+    EXPECT_EQ(run.result.end, ImportEnd::done);
+    EXPECT_EQ(run.load(1).counts[2], 0); // all values of variable 2 are 9
+    EXPECT_EQ(run.load(2).counts[2], 3);
+}
+
+TEST(ImportList, AFileThatSettingsDoNotFitIsNamed)
+{
+    RListImports run;
+    IMPORTSETTINGS settings;
+    ASSERT_EQ(setImportSetting(settings, "assoc", "\"nothing\"=\"Depth [m]\""), "");
+    RSettingsSettler settler(settings, run.user());
+    run.options.settler = &settler;
+    run.importAll({threeVariables + cast("1", 3), threeVariables + cast("2", 3)});
+    EXPECT_EQ(run.result.end, ImportEnd::failed);
+    EXPECT_TRUE(run.told(run.file(1)));
+    EXPECT_TRUE(run.told("has ended the import of the list"));
 }
 
 TEST(ImportList, EachFileHasALineInTheLogAndAllOneAccount)
