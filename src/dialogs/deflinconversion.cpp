@@ -2,6 +2,7 @@
 
 #include <QFormLayout>
 
+#include "common/limits.h"
 #include "dialogs/boxes.h"
 #include "dialogs/enterednumber.h"
 #include "dialogs/formparts.h"
@@ -9,24 +10,17 @@
 namespace dialogs {
 namespace {
 
-QLineEdit* makeField(const char* name, const char* preset, QWidget* parent)
-{
-    constexpr int letters = 24;
-    auto* const field = new QLineEdit(QLatin1StringView(preset), parent);
-    field->setObjectName(QLatin1StringView(name));
-    field->setMinimumWidth(field->fontMetrics().averageCharWidth() * letters);
-    return field;
-}
+constexpr int letters = 44; // so that the title has room as well
 
 } // namespace
-
 deflinconversionDlg::deflinconversionDlg(const QString& caption, QWidget* parent)
-    : QDialog(parent), fieldA_(makeField("a", "1.0", this)), fieldB_(makeField("b", "0.0", this))
+    : QDialog(parent), fieldA_(makeLineField("a", QStringLiteral("1.0"), letters, this)),
+      fieldB_(makeLineField("b", QStringLiteral("0.0"), letters, this))
 {
     setObjectName(QStringLiteral("deflinconversion"));
     setWindowTitle(caption);
     QLabel* const formula = makeTextLabel("formula", this);
-    formula->setText(QStringLiteral("New value = a * value in the file + b"));
+    formula->setText(QStringLiteral("New value = a x + b, where x is the value in the file"));
     QDialogButtonBox* const buttons = makeDialogButtons(false, this);
     auto* const form = new QFormLayout(this);
     form->addRow(formula);
@@ -41,7 +35,8 @@ deflinconversionDlg::deflinconversionDlg(const QString& caption, QWidget* parent
 
 bool deflinconversionDlg::take(QLineEdit* field, const char* name, float& number)
 {
-    if (const std::optional<float> entered = numberOf(field->text())) {
+    const std::optional<float> entered = numberOf(field->text());
+    if (entered && *entered != common::MISSING_VALUE) { // which marks conversions of another kind
         number = *entered;
         return true;
     }

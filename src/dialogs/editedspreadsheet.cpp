@@ -9,6 +9,7 @@ namespace dialogs {
 namespace {
 
 constexpr std::size_t linesShown = 9;
+constexpr QChar tabMark(0x2192); // an arrow, told from blanks
 
 int lineNumber(int line)
 {
@@ -52,7 +53,8 @@ QStringList REditedSpreadsheet::lines() const
 {
     QStringList lines;
     for (std::size_t i = 0; i < std::min(linesShown, firstLines_.size()); ++i)
-        lines += QStringLiteral("%1: ").arg(static_cast<int>(i) + 1) + fromUtf8(firstLines_[i]);
+        lines += QStringLiteral("%1: ").arg(static_cast<int>(i) + 1) +
+                 fromUtf8(firstLines_[i]).replace(QLatin1Char('\t'), tabMark);
     return lines;
 }
 

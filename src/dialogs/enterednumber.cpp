@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "common/limits.h"
 #include "common/text.h"
 
 namespace dialogs {
@@ -19,8 +18,7 @@ std::optional<float> numberOf(const QString& text)
     const std::optional<double> number = common::parseDouble(typed.toStdString());
     if (!number) return std::nullopt;
     const auto value = static_cast<float>(*number);
-    if (!std::isfinite(value) || value == common::MISSING_VALUE) return std::nullopt;
-    return value;
+    return std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
 
 } // namespace dialogs

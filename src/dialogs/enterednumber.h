@@ -12,7 +12,7 @@ namespace dialogs {
 [[nodiscard]] QString numberText(double value);
 
 // The number that a field holds, with a point or a comma; nothing if it holds anything else, or a number that
-// stands for no value or is too large to be one.
+// is too large to be stored.
 [[nodiscard]] std::optional<float> numberOf(const QString& text);
 
 } // namespace dialogs

@@ -96,6 +96,12 @@ void showLines(QListWidget& list, const QStringList& lines)
     for (int row = 0; row < count; ++row) showLine(list, row, lines[row]);
 }
 
+void setVisibleLines(QListWidget& list, int count)
+{
+    const int line = list.count() > 0 ? list.sizeHintForRow(0) : list.fontMetrics().lineSpacing();
+    list.setFixedHeight(line * count + 2 * list.frameWidth());
+}
+
 int selectedRow(const QListWidget& list)
 {
     const QModelIndexList selected = list.selectionModel()->selectedIndexes();
@@ -115,6 +121,14 @@ void bringIntoSight(QListWidget& list)
     const int row = selectedRow(list);
     if (row >= 0)
         list.scrollToItem(list.item(std::max(0, row - linesAbove)), QAbstractItemView::PositionAtTop);
+}
+
+QLineEdit* makeLineField(const char* name, const QString& text, int letters, QWidget* parent)
+{
+    auto* const field = new QLineEdit(text, parent);
+    field->setObjectName(QLatin1StringView(name));
+    field->setMinimumWidth(field->fontMetrics().averageCharWidth() * letters);
+    return field;
 }
 
 QPushButton* makePushButton(const char* name, const char* caption, QWidget* parent)

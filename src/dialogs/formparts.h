@@ -6,6 +6,7 @@
 
 #include <QDialogButtonBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QStringList>
@@ -29,12 +30,16 @@ namespace dialogs {
 [[nodiscard]] QListWidget* makeLineList(const char* name, int letters, QWidget* parent);
 // Gives the list these lines; selection and place stay as far as there are as many lines.
 void showLines(QListWidget& list, const QStringList& lines);
+// Makes the list as high as so many of its lines.
+void setVisibleLines(QListWidget& list, int count);
 [[nodiscard]] int selectedRow(const QListWidget& list); // -1: none
 // Selects a row, none for -1. One that wasn't selected is brought into sight.
 void selectRow(QListWidget& list, int row);
 // Scrolls so that the selected row stands three lines below the top.
 void bringIntoSight(QListWidget& list);
 
+// A field of one line, for about `letters` letters.
+[[nodiscard]] QLineEdit* makeLineField(const char* name, const QString& text, int letters, QWidget* parent);
 // A button that isn't pressed by Enter.
 [[nodiscard]] QPushButton* makePushButton(const char* name, const char* caption, QWidget* parent);
 // "OK", "Cancel" and, with `help`, "Help".

@@ -38,10 +38,9 @@ QComboBox* makeModeBox(QWidget* parent)
 
 } // namespace
 
-importoptDlg::importoptDlg(const importing::IMPORTCHOICES& choices, Identify identify, QWidget* parent)
-    : QDialog(parent), import_(choices), identify_(std::move(identify)),
-      mayUseDefaults_(choices.mayUseDefaults), mode_(makeModeBox(this)),
-      check_(new QCheckBox(QStringLiteral("Check for &Existing Stations"), this)),
+importoptDlg::importoptDlg(const importing::IMPORTCHOICES& choices, QWidget* parent)
+    : QDialog(parent), import_(choices), identify_(choices.identify), mayUseDefaults_(choices.mayUseDefaults),
+      mode_(makeModeBox(this)), check_(new QCheckBox(QStringLiteral("Check for &Existing Stations"), this)),
       cruises_(makeLineList("cruises", 30, this)), sourceLabel_(new QLineEdit(this)),
       view_(new RPairView(QStringLiteral("&Source File"), QStringLiteral("&Target Collection"), this))
 {
@@ -89,8 +88,7 @@ QWidget* importoptDlg::makeCruises()
     sourceLabel_->setObjectName(QStringLiteral("sourceLabel"));
     sourceLabel_->setMaxLength(common::labelLength);
     showLines(*cruises_, import_.cruiseLines());
-    const int height = cruises_->fontMetrics().lineSpacing() * linesShown + 2 * cruises_->frameWidth() + 4;
-    cruises_->setFixedHeight(height);
+    setVisibleLines(*cruises_, linesShown);
     auto* const row = new QHBoxLayout(group);
     auto* const left = new QVBoxLayout;
     left->addWidget(makeCaption(QStringLiteral("C&ruise in the collection:"), cruises_));
@@ -189,8 +187,9 @@ void importoptDlg::processAssociate()
 // The potential temperature can only be converted with depth and salinity of the same level.
 bool importoptDlg::knowsKeyVariables()
 {
-    if (!identify_) return false;
-    return identify_("Depth [m]") > 0 && identify_("Salinity [psu]") > 0;
+    constexpr auto row = static_cast<std::size_t>(importing::potentialTemperatureRow);
+    const std::string_view task = variableConversions[row].label;
+    return identify_ && identify_(task, "Depth [m]") > 0 && identify_(task, "Salinity [psu]") > 0;
 }
 
 bool importoptDlg::askConversion(float& scale, float& offset)

@@ -17,10 +17,9 @@ namespace dialogs {
 class importoptDlg : public QDialog {
     Q_OBJECT
 public:
-    // The collection's variable that has a meaning, such as "Depth [m]"; 0 if the user refuses to tell.
-    using Identify = std::function<int(std::string_view meaning)>;
-
-    importoptDlg(const importing::IMPORTCHOICES& choices, Identify identify, QWidget* parent = nullptr);
+    // What a potential temperature needs is identified by the choices; without that, such a conversion is
+    // refused.
+    explicit importoptDlg(const importing::IMPORTCHOICES& choices, QWidget* parent = nullptr);
     // After OK: what was chosen, into the choices that it was made from.
     void store(importing::IMPORTCHOICES& choices) const { import_.store(choices); }
 
@@ -48,7 +47,7 @@ private:
     [[nodiscard]] bool askConversion(float& scale, float& offset);
 
     REditedImport import_;
-    const Identify identify_;
+    const std::function<int(std::string_view task, std::string_view meaning)> identify_;
     const bool mayUseDefaults_;
     QComboBox* mode_;
     QCheckBox* check_;

@@ -6,7 +6,6 @@
 #include "dialogs/identifyvar.h"
 #include "dialogs/importopt.h"
 #include "dialogs/spreadshproperties.h"
-#include "import/conversions.h"
 
 namespace dialogs {
 
@@ -30,13 +29,7 @@ bool RDialogSettler::settleHeaderVariables(importing::SPREADSHEETDESC& desc,
 
 bool RDialogSettler::settleImport(importing::IMPORTCHOICES& choices)
 {
-    identified_.clear(); // of another collection, perhaps
-    constexpr auto row = static_cast<std::size_t>(importing::potentialTemperatureRow);
-    const std::string_view task = importing::variableConversions[row].label;
-    const auto identifyTarget = [&](std::string_view meaning) {
-        return choices.identify ? choices.identify(task, meaning) : identify(task, meaning, choices.targets);
-    };
-    importoptDlg dialog(choices, identifyTarget, parent_);
+    importoptDlg dialog(choices, parent_);
     if (dialog.exec() != QDialog::Accepted) return false;
     dialog.store(choices);
     return true;
@@ -45,11 +38,8 @@ bool RDialogSettler::settleImport(importing::IMPORTCHOICES& choices)
 int RDialogSettler::identify(std::string_view task, std::string_view meaning,
                              std::span<const collection::VARINFO> variables)
 {
-    if (const auto known = identified_.find(meaning); known != identified_.end()) return known->second;
     identifyvarDlg dialog(fromUtf8(task), fromUtf8(meaning), variables, parent_);
-    if (dialog.exec() != QDialog::Accepted) return 0;
-    identified_.emplace(meaning, dialog.variable());
-    return dialog.variable();
+    return dialog.exec() == QDialog::Accepted ? dialog.variable() : 0;
 }
 
 std::optional<std::string> RDialogSettler::chooseDescription(std::string_view listing,

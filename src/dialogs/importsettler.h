@@ -1,6 +1,5 @@
 #pragma once
 
-#include <map>
 #include <string>
 
 #include <QPointer>
@@ -27,8 +26,6 @@ public:
 
 private:
     QPointer<QWidget> parent_;
-    // What was identified in this import: an option and the run behind it ask the same.
-    std::map<std::string, int, std::less<>> identified_;
 };
 
 } // namespace dialogs

@@ -1,5 +1,7 @@
 #include "dialogs/selconversion.h"
 
+#include <algorithm>
+
 #include <QVBoxLayout>
 
 #include "dialogs/formparts.h"
@@ -10,12 +12,11 @@ selconversionDlg::selconversionDlg(const QString& source, const QString& target,
                                    int preselected, QWidget* parent)
     : QDialog(parent), rows_(makeLineList("rows", 58, this))
 {
-    constexpr int linesShown = 14;
+    constexpr int linesShown = 24;
     setObjectName(QStringLiteral("selconversion"));
     setWindowTitle(QStringLiteral("Conversion %1 -> %2").arg(inTitle(source), inTitle(target)));
     showLines(*rows_, rows);
-    rows_->setMinimumHeight(rows_->sizeHintForRow(0) * std::min(linesShown, rows_->count()) +
-                            2 * rows_->frameWidth() + 4);
+    setVisibleLines(*rows_, std::min(linesShown, rows_->count()));
     selectRow(*rows_, preselected);
     auto* const column = new QVBoxLayout(this);
     QDialogButtonBox* const buttons = makeDialogButtons(false, this);

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int lastLine = 1000000;
 
-QSpinBox* makeLineField(const char* name, int value, QWidget* parent)
+QSpinBox* makeNumberField(const char* name, int value, QWidget* parent)
 {
     auto* const field = new QSpinBox(parent);
     field->setObjectName(QLatin1StringView(name));
@@ -35,18 +35,18 @@ QComboBox* makeSeparators(int index, QWidget* parent)
 spreadshpropertiesDlg::spreadshpropertiesDlg(const importing::SPREADSHEETDESC& desc,
                                              std::span<const std::string> firstLines, QWidget* parent)
     : QDialog(parent), file_(desc, firstLines),
-      headerLine_(makeLineField("headerLine", desc.headerLine, this)),
-      firstDataLine_(makeLineField("firstDataLine", desc.firstDataLine, this)),
+      headerLine_(makeNumberField("headerLine", desc.headerLine, this)),
+      firstDataLine_(makeNumberField("firstDataLine", desc.firstDataLine, this)),
       separator_(makeSeparators(desc.sepIndex, this)),
-      missing_(new QLineEdit(numberText(desc.missingValue), this)), lines_(makeLineList("lines", 84, this)),
-      labels_(makeLineList("labels", 34, this)), labelCaption_(makeCaption(QString(), labels_))
+      missing_(makeLineField("missing", numberText(desc.missingValue), 12, this)),
+      lines_(makeLineList("lines", 84, this)), labels_(makeLineList("labels", 34, this)),
+      labelCaption_(makeCaption(QString(), labels_))
 {
     constexpr int labelsShown = 10;
     setObjectName(QStringLiteral("spreadshproperties"));
     setWindowTitle(QStringLiteral("Spreadsheet File Properties"));
-    missing_->setObjectName(QStringLiteral("missing"));
     showLines(*lines_, file_.lines());
-    lines_->setFixedHeight(lines_->sizeHintForRow(0) * 9 + 2 * lines_->frameWidth() + 2);
+    setVisibleLines(*lines_, 9);
     labels_->setMinimumHeight(labels_->fontMetrics().lineSpacing() * labelsShown);
     QDialogButtonBox* const buttons = makeDialogButtons(true, this);
     auto* const column = new QVBoxLayout(this);

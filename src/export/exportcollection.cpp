@@ -93,7 +93,11 @@ public:
     {
         if (!target_.flushStationFiles()) return false;
         target_.readInventory(true, user_);
-        return target_.commitChange();
+        if (!target_.commitChange()) return false;
+        // Behind this line no import takes the place of the collection unasked.
+        target_.addLogLine(
+            common::format("EXPORT%6d Stations %s.var", target_.stationCount, source_.path.c_str()));
+        return true;
     }
     [[nodiscard]] std::string fault() const override
     {

@@ -386,10 +386,13 @@ public:
     }
     [[nodiscard]] bool commit() override
     {
-        std::FILE* const description = description_.stream();
-        return file_.stream() != nullptr && description != nullptr && flush() &&
-               put(description, descriptionText()) && description_.prepare() && file_.prepare() &&
-               placeBoth();
+        if (file_.stream() == nullptr || !flush() || !file_.prepare()) return false;
+        descriptionFailed_ = !prepareDescription();
+        return !descriptionFailed_ && placeBoth();
+    }
+    [[nodiscard]] std::string fault() const override
+    {
+        return descriptionFailed_ ? "Could not write file " + descriptionPath_ + "!" : std::string();
     }
 
 private:
@@ -411,6 +414,12 @@ private:
         return text;
     }
 
+    bool prepareDescription()
+    {
+        std::FILE* const file = description_.stream();
+        return file != nullptr && put(file, descriptionText()) && description_.prepare();
+    }
+
     // Should the second one fail against all odds, the first one goes back.
     bool placeBoth()
     {
@@ -428,6 +437,7 @@ private:
 
     const std::string descriptionPath_;
     common::RReplacementFile description_;
+    bool descriptionFailed_ = false;
 };
 
 // The description of a 3.0 listing has the name that a collection's has, and must not replace one.

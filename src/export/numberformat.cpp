@@ -1,5 +1,6 @@
 #include "export/numberformat.h"
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -61,13 +62,14 @@ int exponentOf(double value)
 {
     // of the power of two below the value, and the power of ten above that
     constexpr int smallestBinary = -14;
-    constexpr std::array<std::int8_t, 34> exponents = {-5, -4, -4, -4, -4, -3, -3, -3, -2, -2, -2, -1,
-                                                       -1, -1, 0,  0,  0,  0,  1,  1,  1,  2,  2,  2,
-                                                       3,  3,  3,  3,  4,  4,  4,  5,  5,  5};
+    constexpr std::array<int, 34> exponents = {-5, -4, -4, -4, -4, -3, -3, -3, -2, -2, -2, -1,
+                                               -1, -1, 0,  0,  0,  0,  1,  1,  1,  2,  2,  2,
+                                               3,  3,  3,  3,  4,  4,  4,  5,  5,  5};
     constexpr std::array<double, 11> next = {1e-4, 1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
     const int binary = static_cast<int>(std::bit_cast<std::uint64_t>(value) >> 52) - 1023;
     const int exponent = exponents[static_cast<std::size_t>(binary - smallestBinary)];
-    return exponent + (value >= next[static_cast<std::size_t>(exponent + 5)] ? 1 : 0);
+    const int place = exponent + 5;
+    return exponent + (value >= next[static_cast<std::size_t>(place)] ? 1 : 0);
 }
 
 // Writes a number of six digits, the first of which has weight 10^exponent, without zeros at its end.
@@ -77,7 +79,8 @@ char* putDigits(char* out, unsigned number, int exponent)
     const TRIPLE& low = triples[number % 1000];
     const int used = low.used > 0 ? 3 + low.used : high.used;
     if (exponent < 0) {
-        std::memcpy(out, "0.000", 5);
+        std::fill_n(out, 5, '0');
+        out[1] = '.';
         out += 1 - exponent;
         std::memcpy(out, high.digits, 3);
         std::memcpy(out + 3, low.digits, 3);

@@ -77,8 +77,10 @@ IMPORTRESULT importList(RCollection& collection, const std::string& list, const 
     std::optional<RListSettler> settler;
     IMPORTOPTIONS one = options;
     one.run.list = &run;
-    if (options.settler != nullptr) one.settler = &settler.emplace(*options.settler);
+    if (options.settler != nullptr && options.settler->asks()) // else each file is settled by itself
+        one.settler = &settler.emplace(*options.settler);
     const ImportEnd end = importAll(collection, paths, one, importOne, user);
+    if (run.filesDone() == 0) return {end, 0, 0}; // what ended it was told, and nothing happened
     run.closeImport(true);
     IMPORTRESULT result = resultOf(run, readEnd);
     if (result.end == ImportEnd::done) result.end = end;

@@ -84,6 +84,8 @@ public:
                                      std::int64_t everyBytes);
     // Reports with the account; undoes or commits; logs, and with `final` builds the inventory anew.
     void closeImport(bool final);
+    // Of the run of a list: the files whose runs were closed.
+    [[nodiscard]] std::size_t filesDone() const { return files_.size(); }
     // The stations of the collection, which all files of a list share.
     [[nodiscard]] RExistingStations& existingStations();
     // Stations of these cruises take the label of the one in the collection; those without a source label

@@ -272,7 +272,7 @@ struct RListingReader::State {
     std::vector<std::optional<std::size_t>> columnOf; // by the header's variables
     std::vector<BLOCK> blocks;
     ROW row;
-    std::int64_t valuesRead = 0;
+    std::int64_t valuesRead = 0, valuesKept = 0;
 };
 
 // --- lines
@@ -442,7 +442,7 @@ void RListingReader::State::makeBlocks()
             isFed ? columnOf[static_cast<std::size_t>(source)] : std::nullopt;
         if (v == 1 || column) blocks.push_back({v, column, 0});
     }
-    valuesRead = 0;
+    valuesRead = valuesKept = 0;
 }
 
 void RListingReader::State::place(STATIONDATA& station, std::size_t level)
@@ -456,6 +456,7 @@ void RListingReader::State::place(STATIONDATA& station, std::size_t level)
                                                          : collection::flagUnknown;
         block.count += isThere ? 1 : 0;
         valuesRead += isThere ? 1 : 0;
+        valuesKept += isThere ? 1 : 0;
         cell += kept;
     }
 }
@@ -491,7 +492,7 @@ std::int64_t RListingReader::State::refuse(std::int64_t code)
     account.refusedLines += account.lines - linesBefore;
     account.valuesRead += valuesRead;
     account.valuesRefused += valuesRead;
-    valuesRead = 0;
+    valuesRead = valuesKept = 0;
     ++account.stationsRefused;
     return code;
 }
@@ -548,15 +549,12 @@ std::int64_t RListingReader::State::finish(STATIONDATA& station)
     setHeader(station.header);
     dropEmptyBlocks(station);
     applyConversions(station, header.variables, targets, keys);
-    const float* const values = station.values.get();
-    const auto delivered = std::count_if(values, values + station.header.valueCount,
-                                         [](float value) { return value != MISSING_VALUE; });
     account.headerLines += 2;
     account.dataLines += static_cast<std::int64_t>(kept);
     account.refusedLines += head.levels - static_cast<std::int64_t>(kept);
     account.valuesRead += valuesRead;
-    account.valuesDelivered += delivered;
-    account.valuesRefused += valuesRead - delivered;
+    account.valuesDelivered += valuesKept;
+    account.valuesRefused += valuesRead - valuesKept;
     const std::int64_t consumed = lines.bytesRead() - counted;
     counted += consumed;
     return consumed;
@@ -565,7 +563,7 @@ std::int64_t RListingReader::State::finish(STATIONDATA& station)
 // A number of bytes, a ReadCode, or nothing if the station was passed over.
 std::int64_t RListingReader::State::readNextStation(STATIONDATA& station)
 {
-    valuesRead = 0;
+    valuesRead = valuesKept = 0;
     if (!findStation()) return readEnd;
     const std::int64_t code = readHead();
     if (code <= 0) return refuse(code);

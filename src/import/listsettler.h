@@ -14,6 +14,12 @@ public:
     // Asks `settler` where no answer is known.
     explicit RListSettler(RImportSettler& settler) : settler_(settler) {}
 
+    [[nodiscard]] bool asks() const override { return settler_.asks(); }
+    void prepare(const std::string& path, SPREADSHEETDESC& desc) override { settler_.prepare(path, desc); }
+    [[nodiscard]] bool arrangeColumns(SPREADSHEETDESC& desc, std::span<const std::string> labels) override
+    {
+        return settler_.arrangeColumns(desc, labels);
+    }
     [[nodiscard]] bool settleProperties(SPREADSHEETDESC& desc,
                                         std::span<const std::string> firstLines) override;
     [[nodiscard]] bool settleHeaderVariables(SPREADSHEETDESC& desc,

@@ -264,8 +264,11 @@ TEST(ExportCollection, TheInventoryIsCurrentAndTheLogTellsOfTheCreation)
     EXPECT_EQ(opened.sampleCount, 12);
     EXPECT_EQ(opened.readCruiseIndices(false), (std::vector<std::int32_t>{0, 1}));
     const std::string log = linesOf(made.target() + ".log");
-    EXPECT_TRUE(log.ends_with("> user:host CREATE\n")) << log;
-    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1);
+    EXPECT_NE(log.find("> user:host CREATE\n"), std::string::npos) << log;
+    EXPECT_TRUE(log.ends_with("> user:host EXPORT     2 Stations " + made.sample.collection.path + ".var\n"))
+        << log;
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 2);
+    EXPECT_FALSE(collection::isMadeByImportsOnly(made.target())); // no import replaces it unasked
 }
 
 TEST(ExportCollection, AnOldCollectionOfTheNameIsReplaced)

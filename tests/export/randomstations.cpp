@@ -31,7 +31,6 @@ std::string RRandomStations::label(std::size_t bytes)
     std::string cut = common::encodeLabel(text, bytes);
     // What the rule takes away may uncover more of it.
     for (std::string trimmed; trimmed != cut; trimmed = common::trimLabel(cut)) cut = common::trimLabel(cut);
-    if (cut.starts_with('"')) cut.front() = 'q';
     return cut;
 }
 

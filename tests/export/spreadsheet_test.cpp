@@ -421,6 +421,16 @@ TEST(RoundTrip, ALabelThatIsANumberIsItsValueOnceAndForAll)
     EXPECT_EQ(trip.throughCollection(once, "two"), once);
 }
 
+TEST(RoundTrip, QuotesInLabelsComeBack)
+{
+    const std::string content = std::string(metaHeader) +
+                                "\tDepth [m]\tQF\n"
+                                "\"\"\"A\"\" 16\"\t\"\"\"\"\tB\t2/29/1996\t12:00\t1\t2\t0\t5\t0\n"
+                                "5\" hose\t1\"\tB\t2/29/1996\t12:00\t1\t2\t0\t5\t0\n";
+    RRoundTrip trip;
+    EXPECT_EQ(trip.throughCollection(content, "one"), content);
+}
+
 TEST(RoundTrip, ARealSectionComesBack)
 {
     const char* const named = std::getenv("NVQ_SHARED_DATA");

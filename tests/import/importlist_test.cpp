@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include "import/importfixture.h"
+#include "import/importsettings.h"
+#include "import/listsettler.h"
 
 namespace {
 
@@ -64,6 +66,32 @@ TEST(ImportList, AllFilesComeInOneRunWithOneReport)
     EXPECT_EQ(run.user().busy, 0);
     EXPECT_EQ(run.collection().cruiseCount, 1);
     EXPECT_FALSE(run.collection().isChanging());
+}
+
+TEST(ImportList, SettingsHoldForEveryFile)
+{
+    RListImports run;
+    IMPORTSETTINGS settings;
+    ASSERT_EQ(setImportSetting(settings, "missing", "9"), "");
+    RSettingsSettler settler(settings, run.user());
+    run.options.settler = &settler;
+    run.importAll({threeVariables + cast("1", 3, 9), threeVariables + cast("2", 3, 8)});
+    EXPECT_EQ(run.result.end, ImportEnd::done);
+    EXPECT_EQ(run.load(1).counts[2], 0); // all values of variable 2 are 9
+    EXPECT_EQ(run.load(2).counts[2], 3);
+}
+
+TEST(ImportList, AFileThatSettingsDoNotFitIsNamed)
+{
+    RListImports run;
+    IMPORTSETTINGS settings;
+    ASSERT_EQ(setImportSetting(settings, "assoc", "\"nothing\"=\"Depth [m]\""), "");
+    RSettingsSettler settler(settings, run.user());
+    run.options.settler = &settler;
+    run.importAll({threeVariables + cast("1", 3), threeVariables + cast("2", 3)});
+    EXPECT_EQ(run.result.end, ImportEnd::failed);
+    EXPECT_TRUE(run.told(run.file(1)));
+    EXPECT_TRUE(run.told("has ended the import of the list"));
 }
 
 TEST(ImportList, EachFileHasALineInTheLogAndAllOneAccount)
@@ -232,6 +260,26 @@ public:
     }
 };
 
+TEST(ImportList, AListWhoseFirstFileIsCancelledHasNoReport)
+{
+    class RCancel : public RCountingSettler {
+    public:
+        bool settleImport(IMPORTCHOICES&) override { return false; }
+    } settler;
+    RListImports run;
+    run.import(cast("1", 3));
+    const std::string log = run.sample.bytes(".log");
+    run.options.settler = &settler;
+    run.importAll({threeVariables + cast("2", 3), threeVariables + cast("3", 3)});
+    EXPECT_EQ(run.result.end, ImportEnd::cancelled);
+    EXPECT_TRUE(run.user().messages.empty());
+    EXPECT_EQ(run.sample.bytes(".log"), log);
+    EXPECT_FALSE(run.collection().isChanging());
+    EXPECT_EQ(run.collection().cruiseCount, 1);
+    EXPECT_EQ(run.user().busy, 0);
+    EXPECT_EQ(run.labels(), Labels{"1"});
+}
+
 TEST(ImportList, FilesOfOneLayoutAreSettledOnce)
 {
     RCountingSettler settler;
@@ -257,6 +305,35 @@ TEST(ImportList, AFileOfOtherColumnsIsSettledAnew)
     EXPECT_EQ(run.result.end, ImportEnd::done);
     EXPECT_EQ(settler.imports, 2);
     EXPECT_EQ(run.load(2).values[3][0], 70);
+}
+
+TEST(ImportList, TheDescriptionOfListingsIsAskedForOnce)
+{
+    class RDescribing : public RCountingSettler {
+    public:
+        std::string answer;
+        int asked = 0;
+        std::optional<std::string> chooseDescription(std::string_view, const std::string& proposal) override
+        {
+            ++asked;
+            return answer.empty() ? proposal : answer;
+        }
+    };
+    const RTemporaryDirectory directory;
+    std::ofstream(directory.file("b.var")) << "x";
+    RDescribing beside;
+    RListSettler each(beside);
+    EXPECT_EQ(each.chooseDescription("a.o3x", directory.file("a.var")), directory.file("a.var"));
+    EXPECT_EQ(each.chooseDescription("b.o3x", directory.file("b.var")), directory.file("b.var"));
+    EXPECT_EQ(beside.asked, 1);
+    EXPECT_EQ(each.chooseDescription("c.o3x", directory.file("c.var")), directory.file("c.var"));
+    EXPECT_EQ(beside.asked, 2); // it isn't there
+    RDescribing other;
+    other.answer = "common.var";
+    RListSettler all(other);
+    EXPECT_EQ(all.chooseDescription("a.o3x", "a.var"), "common.var");
+    EXPECT_EQ(all.chooseDescription("b.o3x", "b.var"), "common.var");
+    EXPECT_EQ(other.asked, 1);
 }
 
 TEST(ImportFile, APathOfAListIsKnownByItsEnding)

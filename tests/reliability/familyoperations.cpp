@@ -91,6 +91,7 @@ OPERATION exportTo(const std::string& name, bool targetExists)
     operation.name = name;
     if (targetExists) operation.prepare = makeBoth;
     operation.collections = {"sample", "target"};
+    operation.onlyReads = true;
     operation.run = [](ROpenCollection& open) {
         open.select("[AB]*");
         return exporting::exportCollection(open.collection, open.station, open.folder + "target", {1, 3, 4},

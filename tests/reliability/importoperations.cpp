@@ -69,7 +69,8 @@ OPERATION importOfListing(const std::string& name, ImportMode mode)
 {
     OPERATION operation;
     operation.name = name;
-    operation.inputs["casts.o4x"] = listingOf({{"B", "12", 12, 60}, {"A", "1", 4, 61}, {"F", "1", 5, 62}});
+    const auto casts = std::to_array<CAST>({{"B", "12", 12, 60}, {"A", "1", 4, 61}, {"F", "1", 5, 62}});
+    operation.inputs["casts.o4x"] = listingOf(casts);
     operation.run = [mode](ROpenCollection& open) {
         return import(open, "casts.o4x", Format::listing4, mode);
     };

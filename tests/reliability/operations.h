@@ -30,6 +30,8 @@ struct OPERATION {
     bool isDurable = true;
     // It closes the collection before it begins, and finds the files as they are then.
     bool closesFirst = false;
+    // It writes another collection than the open one, from what that holds in memory and open files.
+    bool onlyReads = false;
     // It says for itself why it failed.
     bool speaks = true;
 };

@@ -37,7 +37,9 @@ std::vector<CASE> casesOnOpenFiles()
 {
     std::vector<CASE> cases;
     for (CASE& given : casesOfThisHost()) {
-        if (!given.operation.closesFirst && given.operation.first.empty()) cases.push_back(std::move(given));
+        const OPERATION& operation = given.operation;
+        if (!operation.closesFirst && !operation.onlyReads && operation.first.empty())
+            cases.push_back(std::move(given));
     }
     return cases;
 }
