@@ -70,7 +70,11 @@ OpenResult RSession::importIntoOpen(importing::Format format, const std::string&
     options.settler = settler.get();
     const importing::IMPORTRESULT result = runImport(format, path, std::move(options));
     for (auto& windows : ranged_) windows.reset(); // there are new values
-    listChanged();
+    if (result.stationsStored > result.stationsAdded) {
+        stationsChanged(); // one that grew went to the end, and the numbers behind its place moved up
+    } else {
+        listChanged();
+    }
     return result.end == importing::ImportEnd::done ? OpenResult::ok : OpenResult::failed;
 }
 

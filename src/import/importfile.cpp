@@ -192,7 +192,8 @@ std::int64_t importStations(RStationReader& reader, RImportRun& run, STATIONDATA
 
 IMPORTRESULT resultOf(const RImportRun& run, std::int64_t code)
 {
-    IMPORTRESULT result{ImportEnd::done, run.state.stationsRead, run.state.stationsStored};
+    IMPORTRESULT result{ImportEnd::done, run.state.stationsRead, run.state.stationsStored,
+                        run.state.account.added};
     if (run.state.aborted || run.state.undoRequested || code == readCancelled)
         result.end = ImportEnd::cancelled;
     else if (run.state.failed || code < 0)

@@ -65,6 +65,7 @@ enum class ImportEnd : int {
 struct IMPORTRESULT {
     ImportEnd end = ImportEnd::done;
     int stationsRead = 0, stationsStored = 0;
+    int stationsAdded = 0; // of those stored; all others may have got another number, and so later ones
 };
 
 } // namespace importing

@@ -551,6 +551,31 @@ TEST_F(Session, StationsArePlottedOnce)
     EXPECT_THAT(session.plotStation(1), HasSubstr("STATION mode"));
 }
 
+TEST_F(Session, AnImportThatReplacesStationsForgetsThePlottedOnes)
+{
+    openCast();
+    ASSERT_EQ(session.plotStation(2), "");
+    const std::string all = castText(4, 30), header = all.substr(0, all.find('\n') + 1);
+    writeText(file("longer.txt"),
+              header + all.substr(all.find("TEST\t1"), all.find("TEST\t2") - all.find("TEST\t1")));
+    ASSERT_TRUE(session.importFile(importing::Format::spreadsheet, file("longer.txt"),
+                                   importing::ImportMode::addReplace));
+    EXPECT_EQ(session.collection.stationCount, 4);
+    EXPECT_EQ(session.collection.plottedStationCount, 0); // number 2 is another station now
+}
+
+TEST_F(Session, AnImportThatAppendsKeepsThePlottedStations)
+{
+    openCast();
+    ASSERT_EQ(session.plotStation(2), "");
+    const std::string all = castText(9, 3), header = all.substr(0, all.find('\n') + 1);
+    writeText(file("more.txt"), header + all.substr(all.find("TEST\t9")));
+    ASSERT_TRUE(session.importFile(importing::Format::spreadsheet, file("more.txt"),
+                                   importing::ImportMode::addReplace));
+    EXPECT_EQ(session.collection.stationCount, 5);
+    EXPECT_EQ(session.collection.plottedStationCount, 1);
+}
+
 TEST_F(Session, StatusTextFollowsModeAndState)
 {
     EXPECT_EQ(session.statusText(), "Choose File>Open to open or File>New to create a collection.");

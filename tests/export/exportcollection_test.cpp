@@ -6,6 +6,7 @@
 #include "collection/collectionlock.h"
 #include "collection/contents.h"
 #include "collection/journal.h"
+#include "collection/sidefiles.h"
 #include "export/exportcollection.h"
 #include "filesizelimit.h"
 #include "selection/criteria.h"
