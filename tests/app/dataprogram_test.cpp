@@ -41,14 +41,14 @@ TEST_F(DataProgram, ImportSelectExportAndImportAgain)
     makeCollection();
     const RUN out = withCast("select station=2:3 sample=Depth:100:500\n"
                              "export_spreadsheet part.txt,none,Depth Salinity\n"
-                             "export_listing o4x,part.o4x\nexport_listing o3x,part.o3x\n"
+                             "export_listing o4x,part.o4x\nexport_listing o3x,old.o3x\n"
                              "export_collection part_collection\n");
     ASSERT_EQ(out.code, 0) << out.error;
     EXPECT_THAT(out.error, HasSubstr("cast.var: 2 of 5 stations selected"));
     EXPECT_EQ(dataLines("part.txt"), 10);
     EXPECT_THAT(read("part.txt"), HasSubstr("Depth [m]\tQF\tSalinity [psu]\tQF\n"));
     EXPECT_THAT(read("part.o4x"), HasSubstr("     Nstat: 2"));
-    EXPECT_THAT(read("part.var"), HasSubstr("Nstat:     2"));
+    EXPECT_THAT(read("old.var"), HasSubstr("Nstat:     2"));
     EXPECT_THAT(read("part_collection.log"), HasSubstr("CREATE"));
 
     const RUN again = commands("open_collection " + file("part.o4x") +

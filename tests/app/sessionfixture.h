@@ -4,6 +4,7 @@
 
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -54,6 +55,26 @@ public:
         asked.emplace_back(title);
         return line;
     }
+    std::unique_ptr<importing::RImportSettler> importSettler() override
+    {
+        asked.emplace_back("settler");
+        return makeSettler ? makeSettler() : nullptr;
+    }
+    std::optional<std::vector<int>> chooseOutputVariables(const std::vector<int>& proposed) override
+    {
+        asked.emplace_back("variables");
+        return chosen ? *chosen : proposed;
+    }
+    bool editCriteria(app::EDITEDCRITERIA& edited) override
+    {
+        asked.emplace_back("criteria");
+        if (criteria) criteria(edited);
+        return acceptEdit;
+    }
+    void showImported(std::span<const selection::SELECTEDSTATION> stations) override
+    {
+        imported += static_cast<int>(stations.size());
+    }
     int idles = 0, closes = 0, resolution = 0, recents = 0, oldVariables = -1;
     std::string caption;
     std::vector<std::string> asked;
@@ -62,6 +83,10 @@ public:
     bool acceptEdit = true;
     std::string answer;              // a file's path
     std::optional<std::string> line; // of text
+    std::function<std::unique_ptr<importing::RImportSettler>()> makeSettler;
+    std::optional<std::optional<std::vector<int>>> chosen; // variables, nothing in it: cancelled
+    std::function<void(app::EDITEDCRITERIA&)> criteria;
+    int imported = 0;
 };
 
 class Session : public testing::Test {
