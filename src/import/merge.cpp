@@ -77,6 +77,14 @@ private:
     std::vector<int> order_;
 };
 
+// True if a variable has any value: a conversion may have taken all of a block.
+bool hasValues(const STATIONDATA& station, int variable)
+{
+    if (!hasData(station, variable)) return false;
+    const float* const values = station.values.get() + station.offset[at(variable)];
+    return std::any_of(values, values + station.levels(), [](float v) { return v != MISSING_VALUE; });
+}
+
 bool hasSamples(const STATIONDATA& station, int level, int variableCount)
 {
     for (int v = 2; v <= variableCount; ++v) {
@@ -155,7 +163,7 @@ BLOCK sampleBlock(const STATIONDATA& fresh, const STATIONDATA& stored, int varia
                   const std::vector<int>& map, int levels, MERGECOUNTS& counts)
 {
     BLOCK block = emptyBlock(levels);
-    const bool isNew = hasData(fresh, variable);
+    const bool isNew = hasValues(fresh, variable);
     if (hasData(stored, variable) && (mode == ImportMode::merge || !isNew))
         copyStored(stored, variable, block);
     for (int k = 0; isNew && k < fresh.levels(); ++k) {
@@ -176,7 +184,7 @@ std::optional<MERGECOUNTS> mergeStation(const STATIONDATA& fresh, STATIONDATA& s
     int levels = 0;
     const std::vector<int> map = mapLevels(fresh, stored, variableCount, levels);
     int variables = 1;
-    for (int v = 2; v <= variableCount; ++v) variables += hasData(fresh, v) || hasData(stored, v) ? 1 : 0;
+    for (int v = 2; v <= variableCount; ++v) variables += hasValues(fresh, v) || hasData(stored, v) ? 1 : 0;
     if (levels > common::maxLevels || levels > common::maxCells / variables) return std::nullopt;
 
     MERGECOUNTS counts;
@@ -184,7 +192,7 @@ std::optional<MERGECOUNTS> mergeStation(const STATIONDATA& fresh, STATIONDATA& s
     std::array<std::int32_t, 51> offset{};
     offset.fill(-1);
     for (int v = 1; v <= variableCount; ++v) {
-        if (v > 1 && !hasData(fresh, v) && !hasData(stored, v)) continue;
+        if (v > 1 && !hasValues(fresh, v) && !hasData(stored, v)) continue;
         offset[at(v)] = static_cast<int>(blocks.size()) * levels;
         blocks.push_back(v == 1 ? primaryBlock(fresh, stored, map, levels, counts)
                                 : sampleBlock(fresh, stored, v, mode, map, levels, counts));

@@ -121,6 +121,15 @@ TEST(MergeStation, UpdateReplacesTheVariablesThatTheNewStationHas)
     EXPECT_EQ(m.flags(2), (std::vector<int>{4, 1}));
 }
 
+TEST(MergeStation, AVariableWithoutAnyValueReplacesNothing)
+{
+    const MERGED update({{0, 50}, {missing, missing}, {1, 2}}, {{0, 50}, {5, 6}, {}}, ImportMode::update);
+    EXPECT_EQ(update.column(2), (std::vector<float>{5, 6}));
+    EXPECT_EQ(update.column(3), (std::vector<float>{1, 2}));
+    const MERGED absent({{0, 50}, {missing, missing}, {1, 2}}, {{0, 50}, {}, {}});
+    EXPECT_TRUE(absent.column(2).empty());
+}
+
 TEST(MergeStation, AVariableThatNeitherHasStaysAbsent)
 {
     const MERGED m({{100}, {9}, {}}, {{100}, {1}, {}});
