@@ -1,21 +1,11 @@
 // What is selected of the open collection.
 
-#include <cstring>
-
 #include "app/session.h"
 #include "common/text.h"
+#include "selection/cruisestations.h"
 #include "selection/setcriterion.h"
 
 namespace app {
-namespace {
-
-bool samePolygon(const collection::DOMAINPOLYGON& a, const collection::DOMAINPOLYGON& b)
-{
-    return a.nPoints == b.nPoints && a.lon == b.lon && a.lat == b.lat;
-}
-
-} // namespace
-
 selection::MAPDOMAIN RSession::mapDomain() const
 {
     const graphics::MAPGEOMETRY& map = setup.map.geometry;
@@ -25,16 +15,10 @@ selection::MAPDOMAIN RSession::mapDomain() const
 // The list is built anew if other stations are selected, and the picture drawn if anything is.
 void RSession::takeCriteria(const EDITEDCRITERIA& edited)
 {
-    const bool otherStations =
-        selection::stationCriteriaDiffer(collection.criteria, edited.criteria) ||
-        (edited.criteria.usePolygon == 1 && !samePolygon(collection.polygon, edited.polygon));
-    const bool otherSamples = selection::sampleCriteriaDiffer(collection.criteria, edited.criteria);
-    if (!otherStations && !otherSamples) return;
-    collection.criteria = edited.criteria;
-    collection.polygon = edited.polygon;
-    collection.qualityLimit = edited.criteria.qualityLimit;
-    collection.configChanged = true;
-    if (otherStations) {
+    const selection::CRITERIACHANGE change =
+        selection::putInForce(collection, edited.criteria, edited.polygon);
+    if (!change.any()) return;
+    if (change.stations) {
         listChanged();
     } else {
         invalidate();
@@ -81,18 +65,8 @@ bool RSession::editSelection()
 
 std::vector<selection::SELECTEDSTATION> RSession::stationsOfCruise(const collection::CRUISEINFO& cruise)
 {
-    std::vector<selection::SELECTEDSTATION> stations;
-    const selection::MAPDOMAIN domain = mapDomain();
-    collection::STATIONHDR header{};
-    for (int number = cruise.firstNumber; number <= cruise.lastNumber; ++number) {
-        if (!collection.readStationHeader(number, header, nullptr)) continue;
-        if (common::fieldText(header.cruise) != common::fieldText(cruise.cruise) ||
-            common::fieldText(header.type) != common::fieldText(cruise.type))
-            continue;
-        const float longitude = selection::longitudeIn(header.longitude, domain.lonMin, domain.lonMax);
-        stations.push_back({number, 0, 0, longitude, header.latitude});
-    }
-    return stations;
+    return selection::findCruiseStations(collection, common::fieldText(cruise.cruise),
+                                         common::fieldText(cruise.type), mapDomain());
 }
 
 } // namespace app
