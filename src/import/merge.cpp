@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstring>
 #include <numeric>
+#include <span>
+#include <unordered_map>
 #include <vector>
 
 #include "common/limits.h"
@@ -60,6 +62,14 @@ public:
         if (up == down) return std::min(*above, below);
         return up < down ? *above : below;
     }
+    // The levels of exactly this depth, in their order.
+    [[nodiscard]] std::span<const int> levelsAt(float z) const
+    {
+        const auto first = std::lower_bound(order_.begin(), order_.end(), z,
+                                            [this](int level, float value) { return depth(level) < value; });
+        const auto last = std::find_if(first, order_.end(), [&](int level) { return depth(level) != z; });
+        return {first, last};
+    }
     [[nodiscard]] bool isClose(int level, float z) const
     {
         const double tolerance = std::max(smallestTolerance, std::abs(relativeTolerance * depth(level)));
@@ -101,10 +111,17 @@ std::vector<int> mapLevels(const STATIONDATA& fresh, const STATIONDATA& stored, 
     const RNearestLevel nearest(stored);
     std::vector<int> map(at(fresh.levels()), -1);
     levels = stored.levels();
+    std::unordered_map<float, std::size_t> seen; // new levels of a depth
     for (int k = 0; k < fresh.levels(); ++k) {
         if (!hasSamples(fresh, k, variableCount)) continue;
         const float z = valueOf(fresh, 1, k);
-        const int level = nearest.of(z);
+        const std::span<const int> same = nearest.levelsAt(z);
+        const std::size_t nth = seen[z]++;
+        if (nth < same.size()) { // several samples of one depth keep apart
+            map[at(k)] = same[nth];
+            continue;
+        }
+        const int level = z == MISSING_VALUE ? -1 : nearest.of(z);
         map[at(k)] = level >= 0 && nearest.isClose(level, z) ? level : levels++;
     }
     return map;
