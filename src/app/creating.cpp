@@ -23,16 +23,6 @@ bool isUsable(std::span<const collection::VARINFO> variables)
     return variables.size() >= 2 && variables.size() <= common::maxVariables + 1;
 }
 
-// Stations that a description tells of, -1 if it can't be read.
-int describedStations(const std::string& file)
-{
-    const auto text = common::readFile(file, collection::largestDescription);
-    collection::VARDESCRIPTION read;
-    collection::VARFAULT fault;
-    const bool good = text && collection::parseVarFile(*text, read, fault) == collection::VarFileResult::ok;
-    return good ? read.stationCount : -1;
-}
-
 // The description of a 3.0 listing has the place that a collection of the same name would take.
 std::string nameBesideDescription(const std::string& listing)
 {
@@ -134,7 +124,7 @@ bool RSession::mayReplace(const std::string& basePath, std::string_view caption,
                                  "only behind  set_import overwrite=yes.");
         return false;
     }
-    if (describedStations(file) == 0 && collection::isMadeByImportsOnly(basePath)) return true;
+    if (collection::describedStations(file) == 0 && collection::isMadeByImportsOnly(basePath)) return true;
     user_.about(caption, "Collection " + file +
                              " already exists!\n\nIt is replaced only behind  set_import overwrite=yes.");
     return false;
@@ -228,7 +218,7 @@ bool RSession::createCollection(const std::string& path, std::optional<CREATIONC
         abandon();
         return false;
     }
-    const int replaced = describedStations(base + ".var");
+    const int replaced = collection::describedStations(base + ".var");
     const bool good = makeEmpty(*made) == OpenResult::ok;
     if (good)
         tellDone(common::format("%s.var: made with %d variables", base.c_str(), collection.variableCount) +

@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "app/session.h"
+#include "collection/varfile.h"
 #include "common/files.h"
 #include "common/text.h"
 #include "export/exportcollection.h"
@@ -136,9 +137,11 @@ bool RSession::exportCollection(const std::string& path)
     if (base.empty() || !mayTakePlace(caption, base)) return false;
     const std::optional<std::vector<int>> variables = outputVariables(path.empty());
     if (!variables) return false;
-    user_.status("Opening " + base + ".var ...");
+    const std::string file = base + ".var";
+    const int replaced = collection::describedStations(file);
     if (!exporting::exportCollection(collection, scratch_, base, *variables, user_)) return false;
-    addRecentFile(settings.recentFiles, base + ".var");
+    if (replaced > 0) user_.note(common::format("%s: %d stations were replaced", file.c_str(), replaced));
+    addRecentFile(settings.recentFiles, file);
     view_.recentFilesChanged();
     return true;
 }

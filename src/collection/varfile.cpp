@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "collection/stationstreams.h"
+#include "common/files.h"
 #include "common/text.h"
 
 namespace collection {
@@ -166,6 +167,15 @@ bool RCollection::writeVarFile(const std::string& basePath)
     if (!common::writeFile(basePath + ".var", text)) return false;
     if (basePath == path) files_->describedCount = stationCount;
     return true;
+}
+
+int describedStations(const std::string& file)
+{
+    const auto text = common::readFile(file, largestDescription);
+    VARDESCRIPTION read;
+    VARFAULT fault;
+    const bool good = text && parseVarFile(*text, read, fault) == VarFileResult::ok;
+    return good ? read.stationCount : -1;
 }
 
 } // namespace collection

@@ -42,4 +42,7 @@ struct VARFAULT {
 inline constexpr std::int64_t largestDescription = 1 << 20; // bytes; a full one has about 4 kB
 inline constexpr std::string_view oldFormatText = "Collection is of pre-NVQ4.0 Format";
 
+// The number of stations that the description `file` tells of; -1 if it can't be read.
+[[nodiscard]] int describedStations(const std::string& file);
+
 } // namespace collection

@@ -60,6 +60,14 @@ TEST_F(DataProgram, ImportSelectExportAndImportAgain)
     EXPECT_EQ(dataLines("from_collection.txt"), 10);
 }
 
+TEST_F(DataProgram, AnExportedCollectionTellsHowManyStationsItReplaces)
+{
+    makeCollection();
+    const RUN out = withCast("export_collection other\nselect station=2\nexport_collection other\n");
+    ASSERT_EQ(out.code, 0) << out.error;
+    EXPECT_THAT(out.error, HasSubstr(file("other.var") + ": 5 stations were replaced"));
+}
+
 TEST_F(DataProgram, OldListingBecomesACollectionBesideItsDescription)
 {
     makeCollection();
