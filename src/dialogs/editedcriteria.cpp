@@ -328,9 +328,9 @@ QString valuesText(std::span<const VARINFO> variables, int variable)
 
 QString polygonText(const SELECTIONCRITERIA& criteria, const collection::DOMAINPOLYGON& polygon)
 {
-    if (criteria.usePolygon != 1) return QStringLiteral("No polygon: the whole rectangle");
+    if (criteria.usePolygon != 1) return QStringLiteral("none");
     const int corners = std::max(0, polygon.nPoints - 1);
-    return QStringLiteral("Inside a polygon of %1 corners too").arg(corners);
+    return QStringLiteral("%1 corners; stations lie inside it and the rectangle").arg(corners);
 }
 
 QString contradiction(const SELECTIONCRITERIA& criteria)
