@@ -2,18 +2,10 @@
 
 #include "app/session.h"
 #include "common/text.h"
+#include "selection/cruisestations.h"
 #include "selection/setcriterion.h"
 
 namespace app {
-namespace {
-
-bool samePolygon(const collection::DOMAINPOLYGON& a, const collection::DOMAINPOLYGON& b)
-{
-    return a.nPoints == b.nPoints && a.lon == b.lon && a.lat == b.lat;
-}
-
-} // namespace
-
 selection::MAPDOMAIN RSession::mapDomain() const
 {
     const graphics::MAPGEOMETRY& map = setup.map.geometry;
@@ -23,16 +15,10 @@ selection::MAPDOMAIN RSession::mapDomain() const
 // The list is built anew if other stations are selected, and the picture drawn if anything is.
 void RSession::takeCriteria(const EDITEDCRITERIA& edited)
 {
-    const bool otherStations =
-        selection::stationCriteriaDiffer(collection.criteria, edited.criteria) ||
-        (edited.criteria.usePolygon == 1 && !samePolygon(collection.polygon, edited.polygon));
-    const bool otherSamples = selection::sampleCriteriaDiffer(collection.criteria, edited.criteria);
-    if (!otherStations && !otherSamples) return;
-    collection.criteria = edited.criteria;
-    collection.polygon = edited.polygon;
-    collection.qualityLimit = edited.criteria.qualityLimit;
-    collection.configChanged = true;
-    if (otherStations) {
+    const selection::CRITERIACHANGE change =
+        selection::putInForce(collection, edited.criteria, edited.polygon);
+    if (!change.any()) return;
+    if (change.stations) {
         listChanged();
     } else {
         invalidate();

@@ -20,6 +20,7 @@ deflinconversionDlg::deflinconversionDlg(const QString& caption, QWidget* parent
     setObjectName(QStringLiteral("deflinconversion"));
     setWindowTitle(caption);
     QLabel* const formula = makeTextLabel("formula", this);
+    formula->setWordWrap(false);
     formula->setText(QStringLiteral("New value = a x + b, where x is the value in the file"));
     QDialogButtonBox* const buttons = makeDialogButtons(false, this);
     auto* const form = new QFormLayout(this);

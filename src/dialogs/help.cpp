@@ -25,6 +25,16 @@ constexpr auto topics = std::to_array<HELPROW>({
      "stations that are there: Merge takes the mean where both have a value, Update takes the new one.\n\n"
      "Cruise Label Association: if the stations of a cruise carry another label in the file, select the "
      "cruise and enter that label."},
+    {selectionHelp,
+     "Only stations that satisfy all criteria take part in plots, lists and exports, and of these only the "
+     "samples that satisfy those of the page Samples.\n\n"
+     "An empty field is no limit. A number that can't be read leaves the old one.\n\n"
+     "Station labels between two bounds have as many letters as one of them, or a number in between: 10 lies "
+     "between 9 and 12, 100 doesn't.\n\n"
+     "A file of a polygon has a line with longitude and latitude for each corner. The domain becomes the "
+     "polygon and the rectangle around it.\n\n"
+     "Values whose quality is not accepted count as missing; so do, outside the range of a variable, all "
+     "values of a sample but the first variable's."},
     {spreadsheetHelp,
      "A spreadsheet holds one sample a line; its columns are divided by one character. One line holds the "
      "labels of the columns. The properties are right when the list of column labels shows one label a "

@@ -7,6 +7,7 @@
 namespace dialogs {
 
 // The topics that forms have help for.
+inline constexpr std::string_view selectionHelp = "IDH_SELECTION_CRITERIA";
 inline constexpr std::string_view importHelp = "IDH_IMPDAT_DIALOG";
 inline constexpr std::string_view spreadsheetHelp = "IDH_IMPDAT_SPREADSHT";
 

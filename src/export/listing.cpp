@@ -7,6 +7,7 @@
 #include "common/files.h"
 #include "common/text.h"
 #include "common/textcoding.h"
+#include "export/numberformat.h"
 #include "export/stationexport.h"
 
 namespace exporting {
@@ -76,10 +77,20 @@ void appendLeft(std::string& text, std::string_view field, std::size_t width)
 
 // --- numbers
 
+// True for a value other than the missing one that seven digits would make the same.
+bool looksMissing(float value)
+{
+    return std::abs(value - common::MISSING_VALUE) <= 1e4f;
+}
+
 // A value as "%12.7g".
 void appendValue(std::string& text, float value)
 {
-    char buffer[32];
+    char buffer[64];
+    if (looksMissing(value)) {
+        appendRight(text, {buffer, static_cast<std::size_t>(putExact(buffer, value) - buffer)}, valueWidth);
+        return;
+    }
     const auto result = std::to_chars(buffer, buffer + sizeof buffer, static_cast<double>(value),
                                       std::chars_format::general, significantDigits);
     appendRight(text, {buffer, static_cast<std::size_t>(result.ptr - buffer)}, valueWidth);

@@ -32,6 +32,14 @@ std::uint64_t labelsKey(const STATIONHDR& header)
     return joined(cruiseKey(fieldText(header.cruise), fieldText(header.type)), fieldText(header.station));
 }
 
+// Stations of one label are told apart by their days, so that a float of a thousand profiles isn't searched
+// through for each of them.
+std::uint64_t dayKey(const STATIONHDR& header, std::int64_t day)
+{
+    constexpr std::uint64_t odd = 0xbf58476d1ce4e5b9;
+    return (labelsKey(header) ^ static_cast<std::uint64_t>(day)) * odd;
+}
+
 std::int64_t dayOf(const STATIONHDR& header)
 {
     return common::dayNumber(header.year, std::clamp<int>(header.month, 1, 12), header.day);
@@ -65,16 +73,24 @@ bool RExistingStations::build()
 
 void RExistingStations::add(const STATIONHDR& header, int slot)
 {
-    ENTRY entry{.slot = slot, .longitude = 0, .latitude = 0, .day = 0};
-    fill(entry, header);
-    entries_.emplace(labelsKey(header), entry);
+    const std::int64_t day = dayOf(header);
+    entries_.emplace(
+        dayKey(header, day),
+        ENTRY{.slot = slot, .longitude = header.longitude, .latitude = header.latitude, .day = day});
 }
 
-void RExistingStations::fill(ENTRY& entry, const STATIONHDR& header)
+// Calls `visit` with each entry that may have the labels of a header and a day close to its own, until one
+// call is true.
+template <typename Visit>
+void RExistingStations::forEachClose(const STATIONHDR& header, Visit&& visit)
 {
-    entry.day = dayOf(header);
-    entry.longitude = header.longitude;
-    entry.latitude = header.latitude;
+    const std::int64_t day = dayOf(header);
+    for (std::int64_t near = day - dayTolerance; near <= day + dayTolerance; ++near) {
+        const auto [first, last] = entries_.equal_range(dayKey(header, near));
+        for (auto it = first; it != last; ++it) {
+            if (visit(it)) return;
+        }
+    }
 }
 
 bool RExistingStations::isTheSame(const ENTRY& entry, const STATIONHDR& header) const
@@ -106,12 +122,12 @@ int RExistingStations::find(const STATIONHDR& header)
     const collection::CRUISEINFO* const cruise = cruiseOf(header);
     if (cruise == nullptr) return 0;
     int found = 0;
-    const auto [first, last] = entries_.equal_range(labelsKey(header));
-    for (auto it = first; it != last; ++it) {
+    forEachClose(header, [&](auto it) {
         const int number = numberOf(it->second);
         const bool inRange = number >= cruise->firstNumber && number <= cruise->lastNumber;
         if (inRange && (found == 0 || number < found) && isTheSame(it->second, header)) found = number;
-    }
+        return false;
+    });
     return found;
 }
 
@@ -127,12 +143,12 @@ void RExistingStations::noteStored(int asked, int given, const STATIONHDR& heade
         removed_.remove(asked);
         ++lastSlot_;
     }
-    const auto [first, last] = entries_.equal_range(labelsKey(header));
-    for (auto it = first; it != last; ++it) {
-        if (it->second.slot != slot) continue;
-        fill(it->second, header);
-        if (moved) it->second.slot = lastSlot_;
-    }
+    forEachClose(header, [&](auto it) {
+        if (it->second.slot != slot) return false;
+        entries_.erase(it);
+        return true;
+    });
+    add(header, moved ? lastSlot_ : slot);
 }
 
 } // namespace importing

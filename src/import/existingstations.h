@@ -32,13 +32,14 @@ private:
         std::int64_t day;
     };
     void add(const collection::STATIONHDR& header, int slot);
-    static void fill(ENTRY& entry, const collection::STATIONHDR& header);
+    template <typename Visit>
+    void forEachClose(const collection::STATIONHDR& header, Visit&& visit);
     [[nodiscard]] int numberOf(const ENTRY& entry) const { return removed_.numberOf(entry.slot); }
     [[nodiscard]] const collection::CRUISEINFO* cruiseOf(const collection::STATIONHDR& header) const;
     [[nodiscard]] bool isTheSame(const ENTRY& entry, const collection::STATIONHDR& header) const;
 
     collection::RCollection& collection_;
-    std::unordered_multimap<std::uint64_t, ENTRY> entries_;       // by the labels
+    std::unordered_multimap<std::uint64_t, ENTRY> entries_;       // by labels and day
     std::unordered_multimap<std::uint64_t, std::size_t> cruises_; // place in the inventory by cruise and type
     collection::RRemovedSlots removed_; // where stations stood that outgrew their places
     int lastSlot_ = 0;

@@ -131,7 +131,7 @@ private:
     {
         const std::string_view bytes = columns_.field(field.column, field.width);
         if (bytes.empty()) return stopAt(field); // the line ends before it
-        label = common::labelFromFile(common::trimBlanks(bytes), common::isValidUtf8(bytes));
+        label = common::labelFromFile(common::trimLabel(bytes), common::isValidUtf8(bytes));
         return true;
     }
     [[nodiscard]] bool take(const FIELD& field, int& value)
@@ -191,9 +191,12 @@ struct ROW {
     std::array<float, common::maxVariables> values;
     std::array<int, common::maxVariables> flags;
 
+    bool hasMore = false; // behind the columns
+
     // Returns how many columns could be read of so many.
     std::size_t read(std::string_view line, std::size_t columns, bool withFlags)
     {
+        hasMore = false;
         const char* p = line.data();
         const char* const end = p + line.size();
         for (std::size_t i = 0; i < columns; ++i) {
@@ -201,6 +204,7 @@ struct ROW {
             if (!withFlags) continue;
             if (!takeInteger(p, end, flags[i]) || flags[i] < 0 || flags[i] > largestFlag) return i;
         }
+        hasMore = skipBlanks(p, end) != end;
         return columns;
     }
 };
@@ -232,6 +236,7 @@ struct RListingReader::State {
     bool agreesToLimits();
     bool readNumbers();
     void noteUnknown(int number);
+    void noteRest();
     int usedTargets() const;
 
     // --- its levels
@@ -262,7 +267,7 @@ struct RListingReader::State {
     bool begun = false, lineIsMissing = false;
     std::int64_t counted = 0; // bytes that were returned
     READACCOUNT account;
-    bool toldUnknown = false, toldEmpty = false;
+    bool toldUnknown = false, toldEmpty = false, toldRest = false;
 
     // the station in hand
     HEADERLINE head;
@@ -461,6 +466,16 @@ void RListingReader::State::place(STATIONDATA& station, std::size_t level)
     }
 }
 
+void RListingReader::State::noteRest()
+{
+    if (!toldRest)
+        user.note(
+            format("%s:%d: the line holds more than the station's %d variables; what is behind them is not "
+                   "read, here and in all such lines",
+                   path.c_str(), lines.lineNumber(), static_cast<int>(columns)));
+    toldRest = true;
+}
+
 // The values of a line that is beyond the limits.
 void RListingReader::State::countRefused()
 {
@@ -479,6 +494,7 @@ bool RListingReader::State::readLevels(STATIONDATA& station)
             continue;
         }
         if (row.read(line, columns, layout.hasFlags) < columns) return false;
+        if (row.hasMore && static_cast<std::size_t>(head.variables) == columns) noteRest();
         place(station, level);
     }
     return true;

@@ -16,12 +16,12 @@ public:
 
     [[nodiscard]] bool asks() const override { return settler_.asks(); }
     void prepare(const std::string& path, SPREADSHEETDESC& desc) override { settler_.prepare(path, desc); }
+    [[nodiscard]] bool settleProperties(SPREADSHEETDESC& desc,
+                                        std::span<const std::string> firstLines) override;
     [[nodiscard]] bool arrangeColumns(SPREADSHEETDESC& desc, std::span<const std::string> labels) override
     {
         return settler_.arrangeColumns(desc, labels);
     }
-    [[nodiscard]] bool settleProperties(SPREADSHEETDESC& desc,
-                                        std::span<const std::string> firstLines) override;
     [[nodiscard]] bool settleHeaderVariables(SPREADSHEETDESC& desc,
                                              std::span<const std::string> labels) override;
     [[nodiscard]] bool settleImport(IMPORTCHOICES& choices) override;

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstring>
 #include <numeric>
+#include <span>
+#include <unordered_map>
 #include <vector>
 
 #include "common/limits.h"
@@ -60,6 +62,14 @@ public:
         if (up == down) return std::min(*above, below);
         return up < down ? *above : below;
     }
+    // The levels of exactly this depth, in their order.
+    [[nodiscard]] std::span<const int> levelsAt(float z) const
+    {
+        const auto first = std::lower_bound(order_.begin(), order_.end(), z,
+                                            [this](int level, float value) { return depth(level) < value; });
+        const auto last = std::find_if(first, order_.end(), [&](int level) { return depth(level) != z; });
+        return {first, last};
+    }
     [[nodiscard]] bool isClose(int level, float z) const
     {
         const double tolerance = std::max(smallestTolerance, std::abs(relativeTolerance * depth(level)));
@@ -77,6 +87,14 @@ private:
     std::vector<int> order_;
 };
 
+// True if a variable has any value: a conversion may have taken all of a block.
+bool hasValues(const STATIONDATA& station, int variable)
+{
+    if (!hasData(station, variable)) return false;
+    const float* const values = station.values.get() + station.offset[at(variable)];
+    return std::any_of(values, values + station.levels(), [](float v) { return v != MISSING_VALUE; });
+}
+
 bool hasSamples(const STATIONDATA& station, int level, int variableCount)
 {
     for (int v = 2; v <= variableCount; ++v) {
@@ -93,10 +111,17 @@ std::vector<int> mapLevels(const STATIONDATA& fresh, const STATIONDATA& stored, 
     const RNearestLevel nearest(stored);
     std::vector<int> map(at(fresh.levels()), -1);
     levels = stored.levels();
+    std::unordered_map<float, std::size_t> seen; // new levels of a depth
     for (int k = 0; k < fresh.levels(); ++k) {
         if (!hasSamples(fresh, k, variableCount)) continue;
         const float z = valueOf(fresh, 1, k);
-        const int level = nearest.of(z);
+        const std::span<const int> same = nearest.levelsAt(z);
+        const std::size_t nth = seen[z]++;
+        if (nth < same.size()) { // several samples of one depth keep apart
+            map[at(k)] = same[nth];
+            continue;
+        }
+        const int level = z == MISSING_VALUE ? -1 : nearest.of(z);
         map[at(k)] = level >= 0 && nearest.isClose(level, z) ? level : levels++;
     }
     return map;
@@ -155,7 +180,7 @@ BLOCK sampleBlock(const STATIONDATA& fresh, const STATIONDATA& stored, int varia
                   const std::vector<int>& map, int levels, MERGECOUNTS& counts)
 {
     BLOCK block = emptyBlock(levels);
-    const bool isNew = hasData(fresh, variable);
+    const bool isNew = hasValues(fresh, variable);
     if (hasData(stored, variable) && (mode == ImportMode::merge || !isNew))
         copyStored(stored, variable, block);
     for (int k = 0; isNew && k < fresh.levels(); ++k) {
@@ -176,7 +201,7 @@ std::optional<MERGECOUNTS> mergeStation(const STATIONDATA& fresh, STATIONDATA& s
     int levels = 0;
     const std::vector<int> map = mapLevels(fresh, stored, variableCount, levels);
     int variables = 1;
-    for (int v = 2; v <= variableCount; ++v) variables += hasData(fresh, v) || hasData(stored, v) ? 1 : 0;
+    for (int v = 2; v <= variableCount; ++v) variables += hasValues(fresh, v) || hasData(stored, v) ? 1 : 0;
     if (levels > common::maxLevels || levels > common::maxCells / variables) return std::nullopt;
 
     MERGECOUNTS counts;
@@ -184,7 +209,7 @@ std::optional<MERGECOUNTS> mergeStation(const STATIONDATA& fresh, STATIONDATA& s
     std::array<std::int32_t, 51> offset{};
     offset.fill(-1);
     for (int v = 1; v <= variableCount; ++v) {
-        if (v > 1 && !hasData(fresh, v) && !hasData(stored, v)) continue;
+        if (v > 1 && !hasValues(fresh, v) && !hasData(stored, v)) continue;
         offset[at(v)] = static_cast<int>(blocks.size()) * levels;
         blocks.push_back(v == 1 ? primaryBlock(fresh, stored, map, levels, counts)
                                 : sampleBlock(fresh, stored, v, mode, map, levels, counts));

@@ -66,6 +66,14 @@ void link(std::span<VARINFO> sources, std::span<VARINFO> targets, int source, in
     targets[index(target)].assocSource = source;
 }
 
+// A potential temperature is converted by depth and salinity.
+bool isPossible(const IMPORTCHOICES& choices, const CHOSENCONVERSION& conversion)
+{
+    if (conversion.row != potentialTemperatureRow || !choices.identify) return true;
+    const std::string_view task = variableConversions[potentialTemperatureRow].label;
+    return choices.identify(task, "Depth [m]") > 0 && choices.identify(task, "Salinity [psu]") > 0;
+}
+
 std::string quoted(std::string_view text)
 {
     return "\"" + std::string(text) + "\"";
@@ -193,6 +201,9 @@ bool RSettingsSettler::associate(IMPORTCHOICES& choices)
                     " is associated twice");
             given.push_back(number);
         }
+        if (!isPossible(choices, association.conversion))
+            return refuse("set_import assoc: " + quoted(association.target) +
+                          " needs to know which variables are \"Depth [m]\" and \"Salinity [psu]\"");
         link(choices.sources, choices.targets, source, target, association.conversion);
     }
     return true;

@@ -20,7 +20,7 @@ using collection::VARINFO;
 using common::format;
 
 constexpr std::string_view caption = "NVQ Data Import";
-constexpr int linesShown = 9;
+constexpr int linesOffered = 50;       // among which a user looks for the header line
 constexpr int maxHeaderLine = 1000000; // of a file that was described by a user
 
 bool matchesInOrder(std::span<const std::string> labels, int skipped)
@@ -104,10 +104,10 @@ public:
         return exists ? &lines_[static_cast<std::size_t>(number - 1)] : nullptr;
     }
 
-    // The first 9 lines, and all up to the header line.
+    // The first 50 lines, and all up to the header line.
     [[nodiscard]] std::vector<std::string> firstLines(int headerLine)
     {
-        const int wanted = std::max(linesShown, headerLine);
+        const int wanted = std::max(linesOffered, headerLine);
         (void)line(wanted);
         std::vector<std::string> shown;
         for (std::size_t i = 0; i < std::min(static_cast<std::size_t>(wanted), lines_.size()); ++i)

@@ -79,7 +79,7 @@ public:
     // What is known beforehand, put into the description of a file that was not looked at yet.
     virtual void prepare(const std::string& /*path*/, SPREADSHEETDESC& /*desc*/) {}
     // Separator, header line, first data line and missing value of a file in no standard layout. `firstLines`
-    // are the first 9 lines, or more if the header line lies behind them, as UTF-8.
+    // are the first 50 lines, or more if the header line lies behind them, as UTF-8.
     [[nodiscard]] virtual bool settleProperties(SPREADSHEETDESC& desc,
                                                 std::span<const std::string> firstLines) = 0;
     // The columns of the metavariables as they were found, in any file. `labels` are the column labels, as

@@ -131,7 +131,7 @@ struct RSpreadsheetReader::State {
     void storeLine();
     void storeFields(const char* p, int column);
     void storeBlankSeparated();
-    void storeField(const STEP& step, const char*& p, const char* end);
+    void storeField(const STEP& step, char divider, const char*& p, const char* end);
 
     // --- stations
     std::int64_t readStation(STATIONDATA& station);
@@ -341,21 +341,22 @@ void RSpreadsheetReader::State::clearSamples()
     levels = 0;
 }
 
-inline void RSpreadsheetReader::State::storeField(const STEP& step, const char*& p, const char* end)
+inline void RSpreadsheetReader::State::storeField(const STEP& step, char divider, const char*& p,
+                                                  const char* end)
 {
     SAMPLES& sample = samples[static_cast<std::size_t>(step.target)];
     const std::size_t level = slot;
     if (step.isFlag) {
         if (sample.values[level] == MISSING_VALUE) return;
         int flag = p != end ? *p - '0' : -1; // one digit is what nearly all flags are
-        const bool oneDigit = flag >= 0 && flag <= 9 && (p + 1 == end || p[1] == separator);
-        if (oneDigit || scanInt(p, end, separator, flag))
+        const bool oneDigit = flag >= 0 && flag <= 9 && (p + 1 == end || p[1] == divider);
+        if (oneDigit || scanInt(p, end, divider, flag))
             sample.flags[level] = static_cast<std::uint8_t>(flag & 0xFF);
         return;
     }
-    if (p == end || *p == separator) return;
+    if (p == end || *p == divider) return;
     float value = 0;
-    if (!scanFloat(p, end, separator, value)) return noteUnreadable(step, p, end);
+    if (!scanFloat(p, end, divider, value)) return noteUnreadable(step, p, end);
     if (value == desc.missingValue || value == MISSING_VALUE) return;
     sample.values[level] = value;
     ++sample.count;
@@ -365,16 +366,17 @@ inline void RSpreadsheetReader::State::storeField(const STEP& step, const char*&
 void RSpreadsheetReader::State::storeFields(const char* p, int column)
 {
     const char* const end = line.data() + line.size();
+    const char divider = separator;
     const char* field = p;
     for (const STEP& step : plan.steps) {
         while (column < step.column) {
-            while (p != end && *p != separator) ++p;
+            while (p != end && *p != divider) ++p;
             if (p == end) return;
             field = ++p;
             ++column;
         }
         p = field; // two targets may share a column
-        storeField(step, p, end);
+        storeField(step, divider, p, end);
     }
 }
 
@@ -387,7 +389,7 @@ void RSpreadsheetReader::State::storeBlankSeparated()
         if (step.column >= count) return;
         const std::string_view field = fields[static_cast<std::size_t>(step.column)];
         const char* p = field.data();
-        storeField(step, p, field.data() + field.size());
+        storeField(step, ' ', p, field.data() + field.size());
     }
 }
 

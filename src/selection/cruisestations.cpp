@@ -1,7 +1,7 @@
 #include "selection/cruisestations.h"
 
 #include <algorithm>
-#include <string>
+#include <span>
 #include <unordered_set>
 
 #include "common/text.h"
@@ -38,18 +38,14 @@ NUMBERSPAN spanOf(const std::vector<CRUISEINFO>& entries, std::string_view cruis
 } // namespace
 
 std::vector<SELECTEDSTATION> findCruiseStations(collection::RCollection& collection, std::string_view cruise,
-                                                std::string_view type)
+                                                std::string_view type, const MAPDOMAIN& domain)
 {
     const NUMBERSPAN span = spanOf(collection.cruises, cruise, type);
-    if (span.last < span.first) return {};
-    const std::vector<SELECTEDSTATION> selected = readSelectedList(collection);
-    auto next = std::lower_bound(selected.begin(), selected.end(), span.first,
-                                 [](const SELECTEDSTATION& one, int number) { return one.number < number; });
     std::vector<SELECTEDSTATION> found;
     const auto visit = [&](int number, const collection::STATIONHDR& header, const auto&) {
-        while (next != selected.end() && next->number < number) ++next;
-        if (next == selected.end()) return false;
-        if (next->number == number && isOf(header.cruise, header.type, cruise, type)) found.push_back(*next);
+        if (!isOf(header.cruise, header.type, cruise, type)) return true;
+        const SELECTEDSTATION station = stationOn(domain, number, header);
+        if (isWithin(domain, station)) found.push_back(station);
         return true;
     };
     // Headers that can't be true or can't be read are of no cruise; the building of the list has told them.

@@ -45,15 +45,6 @@ private:
     std::unordered_map<std::string, bool> answers_;
 };
 
-// Limits are compared as floats, as the criteria hold them.
-bool contains(const MAPDOMAIN& domain, const SELECTEDSTATION& record)
-{
-    return record.longitude >= static_cast<float>(domain.lonMin) &&
-           record.longitude <= static_cast<float>(domain.lonMax) &&
-           record.latitude >= static_cast<float>(domain.latMin) &&
-           record.latitude <= static_cast<float>(domain.latMax);
-}
-
 bool startList(std::FILE* file)
 {
     return file && std::fflush(file) == 0 && ::ftruncate(::fileno(file), 0) == 0 &&
@@ -125,11 +116,8 @@ private:
     void consider(int number, const collection::STATIONHDR& header, const collection::LEVELCOUNTS& counts)
     {
         if (!test_.passes(number, header, counts) || !cruises_.passes(header.cruise)) return;
-        const MAPDOMAIN& domain = build_.domain;
-        SELECTEDSTATION record{
-            number, 0, 0, longitudeIn(header.longitude, domain.lonMin, static_cast<float>(domain.lonMax)),
-            header.latitude};
-        if (!contains(domain, record)) return;
+        SELECTEDSTATION record = stationOn(build_.domain, number, header);
+        if (!isWithin(build_.domain, record)) return;
         if (!build_.place || build_.place(record)) group_.push_back(record);
     }
 
@@ -161,6 +149,20 @@ private:
 };
 
 } // namespace
+
+SELECTEDSTATION stationOn(const MAPDOMAIN& domain, int number, const collection::STATIONHDR& header)
+{
+    return {number, 0, 0, longitudeIn(header.longitude, domain.lonMin, static_cast<float>(domain.lonMax)),
+            header.latitude};
+}
+
+bool isWithin(const MAPDOMAIN& domain, const SELECTEDSTATION& station)
+{
+    return station.longitude >= static_cast<float>(domain.lonMin) &&
+           station.longitude <= static_cast<float>(domain.lonMax) &&
+           station.latitude >= static_cast<float>(domain.latMin) &&
+           station.latitude <= static_cast<float>(domain.latMax);
+}
 
 int buildSelectedList(RCollection& collection, const LISTBUILD& build, std::string_view title,
                       common::RUser& user)

@@ -22,6 +22,12 @@ struct MAPDOMAIN {
     double lonMin = 0, lonMax = 360, latMin = -90, latMax = 90; // degrees; lonMin may be negative
 };
 
+// A station as it stands on a map, with pixels 0.
+[[nodiscard]] SELECTEDSTATION stationOn(const MAPDOMAIN& domain, int number,
+                                        const collection::STATIONHDR& header);
+// Limits are inclusive, and compared as floats, as the criteria hold them.
+[[nodiscard]] bool isWithin(const MAPDOMAIN& domain, const SELECTEDSTATION& station);
+
 // How a list is built. `place` sets the pixels of a station and says whether it is to be seen at all (null:
 // every station, pixels 0); `group` receives each group of selected stations as it is complete, for drawing.
 struct LISTBUILD {

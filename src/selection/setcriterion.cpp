@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
+#include <cmath>
 #include <optional>
 #include <vector>
 
@@ -15,9 +15,6 @@ namespace selection {
 namespace {
 
 using collection::SELECTIONCRITERIA;
-
-constexpr std::int32_t anyLabelNumber = std::numeric_limits<std::int32_t>::max();
-constexpr float anyValue = std::numeric_limits<float>::max();
 
 std::string quoted(std::string_view text)
 {
@@ -220,18 +217,12 @@ std::string readLongitudes(std::string_view value, double& west, double& east)
     return wrong;
 }
 
-std::string setLongitudes(SELECTIONCRITERIA& criteria, std::string_view value)
+std::string setLongitudeRange(SELECTIONCRITERIA& criteria, std::string_view value)
 {
     double west = 0, east = 0;
-    std::string wrong = readLongitudes(value, west, east);
+    const std::string wrong = readLongitudes(value, west, east);
     if (!wrong.empty()) return wrong;
-    if (east < west) west -= 360;
-    if (east < west || east - west > 360) return quoted(value) + " is wider than 360 degrees";
-    if (west < -360) west += 360, east += 360;
-    while (west >= 360 || east > 360) west -= 360, east -= 360;
-    criteria.lonMin = static_cast<float>(west);
-    criteria.lonMax = static_cast<float>(east);
-    return {};
+    return setLongitudes(criteria, west, east) ? std::string() : quoted(value) + " is wider than 360 degrees";
 }
 
 std::string setLatitudes(SELECTIONCRITERIA& criteria, std::string_view value)
@@ -363,7 +354,7 @@ constexpr auto plainKeys = std::to_array<PLAINKEY>({{"cruise", setCruise},
                                                     {"day", setDay},
                                                     {"month", setMonths},
                                                     {"year", setYear},
-                                                    {"lon", setLongitudes},
+                                                    {"lon", setLongitudeRange},
                                                     {"lat", setLatitudes},
                                                     {"bottom", setBottom},
                                                     {"last_depth", setLastDepth},
@@ -393,6 +384,22 @@ std::string setCriterion(CRITERIATARGET target, std::string_view key, std::strin
         return "there is no criterion " + quoted(key);
     }
     return wrong.empty() ? wrong : std::string(key) + ": " + wrong;
+}
+
+bool setLongitudes(SELECTIONCRITERIA& criteria, double west, double east)
+{
+    constexpr double circle = 360;
+    if (east < west) west -= circle;
+    if (!(east >= west && east - west <= circle)) return false;
+    const double turns = west < -circle                    ? std::ceil((-circle - west) / circle)
+                         : west >= circle || east > circle ? -std::ceil((east - circle) / circle)
+                                                           : 0;
+    west += turns * circle;
+    east += turns * circle;
+    if (west >= circle) west -= circle, east -= circle; // stations have 0 and not 360
+    criteria.lonMin = static_cast<float>(west);
+    criteria.lonMax = static_cast<float>(east);
+    return true;
 }
 
 } // namespace selection

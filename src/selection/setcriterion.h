@@ -2,6 +2,8 @@
 
 // Criteria given as words and values.
 
+#include <cstdint>
+#include <limits>
 #include <span>
 #include <string>
 #include <string_view>
@@ -42,5 +44,14 @@ struct CRITERIATARGET {
 // Ranges are a:b or a alone; an end that is left out is no limit. Variables go by number or label; a label
 // may be put in double quotes. Returns what is wrong, empty if nothing is; then everything is as it was.
 [[nodiscard]] std::string setCriterion(CRITERIATARGET target, std::string_view key, std::string_view value);
+
+// The longitudes of the domain, from west to east; brought to where stations are found. False, with nothing
+// changed, if they span more than 360 degrees.
+[[nodiscard]] bool setLongitudes(collection::SELECTIONCRITERIA& criteria, double west, double east);
+
+// Stands in stationNumberMax for labels that are numbers of any size, and at either end of the sample range
+// for no limit.
+inline constexpr std::int32_t anyLabelNumber = std::numeric_limits<std::int32_t>::max();
+inline constexpr float anyValue = std::numeric_limits<float>::max(); // also negative
 
 } // namespace selection

@@ -58,6 +58,21 @@ TEST_F(ImportSettler, AHeaderDividedBySemicolonsOpensThePropertiesDialog)
     EXPECT_STREQ(header.sources[1].label, "Depth [m]");
 }
 
+TEST_F(ImportSettler, LabelsBehindTheLinesShownAreKnownToo)
+{
+    std::string text;
+    for (int line = 1; line < 30; ++line) text += "# a comment\n";
+    const std::string path = file((text + "Depth [m]\tx\n").c_str());
+    withNext<dialogs::spreadshpropertiesDlg>([](auto& dialog) {
+        EXPECT_EQ(child<QListWidget>(dialog, "lines").count(), 9);
+        child<QSpinBox>(dialog, "headerLine").setValue(30);
+        EXPECT_THAT(testing_support::linesOf(child<QListWidget>(dialog, "labels")),
+                    testing::ElementsAre("  1: Depth [m]", "  2: x"));
+        dialog.reject();
+    });
+    EXPECT_EQ(importing::readSpreadsheetHeader(path, &settler, user, header), HeaderResult::cancelled);
+}
+
 TEST_F(ImportSettler, ColumnsThatAreNotFoundOpenTheHeaderDialog)
 {
     const std::string path = file("ship\teast\tnorth\tdays since 2000-01-01\tDepth [m]\n");

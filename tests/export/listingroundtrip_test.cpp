@@ -190,7 +190,7 @@ private:
                         ? ' '
                         : static_cast<char>(number(0, 9) == 0 ? 0xE4 : number('!', '~'));
         }
-        return text;
+        return std::string(common::trimLabel(text)); // as every import leaves it
     }
     void setHeader(STATIONDATA& station)
     {

@@ -5,6 +5,7 @@
 #include "common/textcoding.h"
 #include "import/headerconversions.h"
 #include "import/importsettings.h"
+#include "import/listsettler.h"
 #include "import/spreadsheetfixture.h"
 
 namespace {
@@ -446,6 +447,33 @@ TEST(SettingsSettler, OneVariableByTwoNamesIsRefused)
     EXPECT_TRUE(holds(links.user.messages, "twice"));
     LINKS others({"A [m]", "B"}, {"A [m]", "B"});
     EXPECT_FALSE(others.settle(with({{"assoc", "A=A"}, {"assoc", "B=A [m]"}})));
+}
+
+TEST(SettingsSettler, APotentialTemperatureNeedsDepthAndSalinity)
+{
+    for (const int known : {0, 1, 2}) {
+        LINKS links({"Theta"}, {"T", "Z", "S"});
+        links.choices.identify = [&](std::string_view, std::string_view meaning) {
+            return meaning == "Depth [m]" ? (known > 0 ? 2 : 0) : (known > 1 ? 3 : 0);
+        };
+        EXPECT_EQ(links.settle(with({{"assoc", "Theta=T:3"}})), known == 2);
+        EXPECT_EQ(links.targets[1].assocSource, known == 2 ? 1 : 0);
+    }
+}
+
+TEST(SettingsSettler, AListOfFilesIsReadWithTheSameSettings)
+{
+    RSpreadsheetFixture file;
+    const IMPORTSETTINGS settings = with({{"missing", "-999"}, {"assoc", "Day=date"}});
+    RSettingsSettler settler(settings, file.user);
+    RListSettler list(settler);
+    EXPECT_FALSE(list.asks());
+    for (int round = 0; round < 2; ++round) {
+        file.read(replaced(twoVariables, "mon/day/yr", "Day") + line("1", "5\t0\t-999\t4"), &list);
+        ASSERT_EQ(file.stations.size(), 1u);
+        EXPECT_EQ(file.stations[0].header.year, 1995);
+        EXPECT_EQ(file.stations[0].counts[2], 0);
+    }
 }
 
 TEST(SettingsSettler, AListingHasNoColumnsForHeaders)

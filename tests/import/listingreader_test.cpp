@@ -196,6 +196,26 @@ TEST(ListingReader, AVariableThatIsNotDescribedIsToldOnce)
                 ElementsAre(f.path() + ":12: variable 7 is not described; its values are not read"));
 }
 
+TEST(ListingReader, WhatStandsBehindTheAnnouncedVariablesIsToldOnce)
+{
+    RListingFixture f;
+    const std::string station = HEAD4().line() + " 1 2 3\n 0 0 5 0 6 0 9 0\n 1 0 6 0 7 0 9 0\n";
+    f.read4(head4(threeLabels) + station + station);
+    EXPECT_EQ(f.stations.size(), 2U);
+    EXPECT_THAT(f.user.notes,
+                ElementsAre(HasSubstr(f.path() + ":13: the line holds more than the station's 3 "
+                                                 "variables")));
+}
+
+TEST(ListingReader, LabelsFollowTheRuleForNumbers)
+{
+    HEAD4 head;
+    head.station = "12.000";
+    RListingFixture f;
+    f.read4(file4(head));
+    EXPECT_STREQ(f.stations.at(0).header.station, "12"); // as a spreadsheet has it
+}
+
 TEST(ListingReader, TheSameVariableTwiceIsABadHeader)
 {
     RListingFixture f;

@@ -105,6 +105,28 @@ TEST(MergeStation, TheSameDataTwiceStayAsTheyAre)
     for (std::size_t v = 1; v <= 3; ++v) EXPECT_EQ(m.column(v), columns[v - 1]);
 }
 
+TEST(MergeStation, SeveralSamplesOfOneDepthTwiceStayAsTheyAre)
+{
+    const std::vector<std::vector<float>> data = {{10, 10, 10, 200}, {5, 7, missing, 2}};
+    const MERGED merged(data, data);
+    EXPECT_EQ(merged.column(1), data[0]);
+    EXPECT_EQ(merged.column(2), data[1]);
+    const MERGED more({{10, 10}, {5, 7}}, {{10}, {1}}); // those too many go to the first
+    EXPECT_EQ(more.column(1), std::vector<float>{10});
+}
+
+TEST(MergeStation, LevelsWithoutADepthMeetOnlyTheirLike)
+{
+    const std::vector<std::vector<float>> data = {{missing, 10, missing}, {5, 6, 7}};
+    for (const ImportMode mode : {ImportMode::merge, ImportMode::update}) {
+        const MERGED merged(data, data, mode);
+        EXPECT_EQ(merged.column(1), data[0]);
+        EXPECT_EQ(merged.column(2), data[1]);
+    }
+    const MERGED appended({{missing, missing}, {5, 7}}, {{10}, {1}});
+    EXPECT_EQ(appended.column(2), (std::vector<float>{1, 5, 7}));
+}
+
 TEST(MergeStation, NewVariablesAreAddedWithUnknownFlagsWhereTheyHaveNoValue)
 {
     const MERGED m({{100}, {}, {7}}, {{100, 300}, {1, 2}, {}});
@@ -119,6 +141,15 @@ TEST(MergeStation, UpdateReplacesTheVariablesThatTheNewStationHas)
     EXPECT_EQ(m.column(2), (Column{9, missing}));
     EXPECT_EQ(m.column(3), (Column{5, 6}));
     EXPECT_EQ(m.flags(2), (std::vector<int>{4, 1}));
+}
+
+TEST(MergeStation, AVariableWithoutAnyValueReplacesNothing)
+{
+    const MERGED update({{0, 50}, {missing, missing}, {1, 2}}, {{0, 50}, {5, 6}, {}}, ImportMode::update);
+    EXPECT_EQ(update.column(2), (std::vector<float>{5, 6}));
+    EXPECT_EQ(update.column(3), (std::vector<float>{1, 2}));
+    const MERGED absent({{0, 50}, {missing, missing}, {1, 2}}, {{0, 50}, {}, {}});
+    EXPECT_TRUE(absent.column(2).empty());
 }
 
 TEST(MergeStation, AVariableThatNeitherHasStaysAbsent)
@@ -139,12 +170,16 @@ TEST(MergeStation, TheNearestOldLevelIsFoundWhateverTheOrder)
         for (int i = 0; i < 20; ++i) freshValues.push_back(static_cast<float>(i + 1));
         oldValues[0] = 0.5f;
         const MERGED m({fresh, freshValues}, {old, oldValues}, ImportMode::update);
-        // The same with a plain walk over the old levels, the first one among equals.
+        // The same with a plain walk over the old levels, the first one among equals; new levels of a depth
+        // meet old ones of exactly that depth one by one.
         Column expected(20, missing), depths = old;
         for (std::size_t k = 0; k < 20; ++k) {
             std::size_t best = 0;
             for (std::size_t i = 1; i < 20; ++i)
                 if (std::abs(fresh[k] - old[i]) < std::abs(fresh[k] - old[best])) best = i;
+            auto before = std::count(fresh.begin(), fresh.begin() + static_cast<std::ptrdiff_t>(k), fresh[k]);
+            for (std::size_t i = 0; i < 20; ++i)
+                if (old[i] == fresh[k] && before-- == 0) best = i;
             if (std::abs(fresh[k] - old[best]) < std::max(10.0f, std::abs(0.02f * old[best]))) {
                 expected[best] = freshValues[k];
             } else {

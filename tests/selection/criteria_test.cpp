@@ -506,6 +506,30 @@ TEST_F(Samples, CompressionDropsVariablesThatLoseAllValues)
     EXPECT_EQ(row(3), "7 ");
 }
 
+TEST_F(Samples, CompressionTakesBlocksInAnyOrder)
+{
+    std::swap(station.offset[2], station.offset[4]); // a derived variable that was computed early
+    setRange(1, 20, 30);
+    EXPECT_EQ(compressToSampleRange(station, criteria), 2);
+    EXPECT_EQ(row(1), "20 30 ");
+    EXPECT_EQ(row(2), "9 9 ");
+    EXPECT_EQ(row(3), "6 7 ");
+    EXPECT_EQ(row(4), "2 . ");
+    EXPECT_EQ(station.header.valueCount, 8);
+}
+
+TEST_F(Samples, CompressionHandlesTheFiftiethVariable)
+{
+    collection.totalVariableCount = 50;
+    station.offset[50] = station.offset[4];
+    station.offset[4] = -1;
+    setRange(50, 9, 9);
+    station.values[13] = 8;
+    EXPECT_EQ(compressToSampleRange(station, criteria), 3);
+    EXPECT_EQ(row(50), "9 9 9 ");
+    EXPECT_EQ(row(3), "5 7 8 ");
+}
+
 TEST_F(Samples, CompressionWithAllSamplesInRangeChangesNothing)
 {
     setRange(1, 0, 100);

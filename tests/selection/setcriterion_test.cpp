@@ -18,8 +18,6 @@ using collection::SELECTIONCRITERIA;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr std::int32_t anyLabelNumber = std::numeric_limits<std::int32_t>::max();
-
 class SetCriterion : public testing::Test {
 protected:
     SetCriterion()
