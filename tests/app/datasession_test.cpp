@@ -174,10 +174,9 @@ TEST_F(InteractiveData, ImportAsksForAFileAndRemembersItsFolder)
                     "Select SpreadSheet Data File ...|NVQ SpreadSheet Files (*.txt *.TXT);;All Files (*.* "
                     "*)|" +
                         file(""),
-                    "settler",
                     "Select .o4x Import Data File ...|NVQ4.x List Files (*.o4x *.O4X);;All Files (*.* *)|" +
-                        file("more/"),
-                    "settler"));
+                        file("more/")));
+    EXPECT_EQ(view.settlers, 3); // with that of the opening
     EXPECT_EQ(session.collection.stationCount, 5);
     EXPECT_EQ(session.collection.selectedStationCount, 5);
     EXPECT_EQ(session.collection.cruises.size(), 2u);
@@ -256,8 +255,13 @@ TEST_F(InteractiveData, ForeignTextOpensByTheSettler)
 
 TEST_F(InteractiveData, ImportedStationsAreShownOnTheMap)
 {
-    writeText(file("many.txt"), castText(150, 1));
-    user->choices = {1};
+    std::string many = castText(0, 0); // the header
+    for (const char cruise : {'A', 'B', 'C', 'D', 'E'}) {
+        std::string more = castText(25, 1).substr(castText(0, 0).size());
+        for (std::size_t at = 0; (at = more.find("TEST", at)) != std::string::npos;) more[at] = cruise;
+        many += more;
+    }
+    writeText(file("many.txt"), many);
     ASSERT_TRUE(session.importFile(Format::spreadsheet, file("many.txt"), ImportMode::addReplace));
     EXPECT_EQ(view.imported, 100);
 }

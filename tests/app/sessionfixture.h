@@ -57,7 +57,7 @@ public:
     }
     std::unique_ptr<importing::RImportSettler> importSettler() override
     {
-        asked.emplace_back("settler");
+        ++settlers;
         return makeSettler ? makeSettler() : nullptr;
     }
     std::optional<std::vector<int>> chooseOutputVariables(const std::vector<int>& proposed) override
@@ -65,10 +65,10 @@ public:
         asked.emplace_back("variables");
         return chosen ? *chosen : proposed;
     }
-    bool editCriteria(app::EDITEDCRITERIA& edited) override
+    bool editCriteria(app::EDITEDCRITERIA& work) override
     {
         asked.emplace_back("criteria");
-        if (criteria) criteria(edited);
+        if (criteria) criteria(work);
         return acceptEdit;
     }
     void showImported(std::span<const selection::SELECTEDSTATION> stations) override
@@ -86,7 +86,7 @@ public:
     std::function<std::unique_ptr<importing::RImportSettler>()> makeSettler;
     std::optional<std::optional<std::vector<int>>> chosen; // variables, nothing in it: cancelled
     std::function<void(app::EDITEDCRITERIA&)> criteria;
-    int imported = 0;
+    int imported = 0, settlers = 0;
 };
 
 class Session : public testing::Test {
