@@ -199,8 +199,8 @@ std::string setMonths(SELECTIONCRITERIA& criteria, std::string_view value)
 
 // --- domain
 
-// An end that is left out is that of the globe on which the other one lies: -180 to 180 if it can, else
-// 0 to 360.
+// An end that is left out is the date line for one that is west of Greenwich, else Greenwich: "-30:" ends at 180,
+// "10:" at 360, ":10" begins at -180.
 std::string readLongitudes(std::string_view value, double& west, double& east)
 {
     constexpr double least = -360, most = 720;
@@ -213,7 +213,7 @@ std::string readLongitudes(std::string_view value, double& west, double& east)
     if (!words.from.empty()) wrong = readNumber(words.from, least, most, west);
     if (wrong.empty() && !words.to.empty()) wrong = readNumber(words.to, least, most, east);
     if (words.from.empty()) west = east <= 180 ? -180 : 0;
-    if (words.to.empty()) east = west <= 180 ? 180 : 360;
+    if (words.to.empty()) east = west < 0 ? 180 : 360;
     return wrong;
 }
 
@@ -243,7 +243,14 @@ std::string setLatitudes(SELECTIONCRITERIA& criteria, std::string_view value)
 std::string setPolygon(CRITERIATARGET& target, std::string_view value)
 {
     if (value.empty()) return "the name of a file is missing";
-    if (isNone(value)) {
+    if (isNone(value)) { // the rectangle around it goes as well
+        if (target.criteria.usePolygon != 0) {
+            const SELECTIONCRITERIA all = collection::defaultCriteria();
+            target.criteria.lonMin = all.lonMin;
+            target.criteria.lonMax = all.lonMax;
+            target.criteria.latMin = all.latMin;
+            target.criteria.latMax = all.latMax;
+        }
         target.criteria.usePolygon = 0;
         return {};
     }
@@ -396,7 +403,10 @@ bool setLongitudes(SELECTIONCRITERIA& criteria, double west, double east)
                                                            : 0;
     west += turns * circle;
     east += turns * circle;
-    if (west >= circle) west -= circle, east -= circle; // stations have 0 and not 360
+    if (west >= circle || (east == circle && west > 0)) { // stations have 0 and not 360
+        west -= circle;
+        east -= circle;
+    }
     criteria.lonMin = static_cast<float>(west);
     criteria.lonMax = static_cast<float>(east);
     return true;

@@ -285,13 +285,18 @@ TEST_F(SetCriterion, LongitudesOver0AndTheDateLine)
     EXPECT_THAT(lon("-170:-160"), ElementsAre(-170, -160));
     EXPECT_TRUE(holds(195) && !holds(0) && !holds(360));
     EXPECT_THAT(lon("360"), ElementsAre(0, 0));
+    EXPECT_THAT(lon("350:360"), ElementsAre(-10, 0));
+    EXPECT_TRUE(holds(350) && holds(0) && !holds(349));
 }
 
 TEST_F(SetCriterion, LongitudesWithoutAnEndReachToThatOfTheGlobe)
 {
     EXPECT_THAT(lon(":20"), ElementsAre(-180, 20));
-    EXPECT_THAT(lon("20:"), ElementsAre(20, 180));
-    EXPECT_THAT(lon("200:"), ElementsAre(200, 360));
+    EXPECT_THAT(lon("-20:"), ElementsAre(-20, 180));
+    EXPECT_THAT(lon("20:"), ElementsAre(-340, 0)); // 20 to 360, where stations have 0
+    EXPECT_TRUE(holds(20) && holds(200) && holds(359) && holds(0));
+    EXPECT_FALSE(holds(19) || holds(1));
+    EXPECT_THAT(lon("200:"), ElementsAre(-160, 0));
     EXPECT_THAT(lon(":200"), ElementsAre(0, 200));
     EXPECT_THAT(lon(":"), ElementsAre(0, 360));
 }
@@ -445,6 +450,10 @@ TEST_F(SetCriterion, PolygonOfAFileIsTheDomain)
     EXPECT_EQ(criteria.latMax, 40);
     EXPECT_EQ(set("polygon", "none"), "");
     EXPECT_EQ(criteria.usePolygon, 0);
+    EXPECT_EQ(criteria.lonMin, 0); // the rectangle around it goes as well
+    EXPECT_EQ(criteria.lonMax, 360);
+    EXPECT_EQ(criteria.latMin, -90);
+    EXPECT_EQ(criteria.latMax, 90);
 }
 
 TEST_F(SetCriterion, APolygonThatCantBeReadChangesNothing)
