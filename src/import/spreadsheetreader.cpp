@@ -173,7 +173,7 @@ struct RSpreadsheetReader::State {
     std::size_t slot = 0;         // of the line in hand in the buffers
     const int lastMeta;
     bool fileIsUtf8;
-    bool begun = false, refused = false;
+    bool begun = false, endedEarly = false;
     int stationsRead = 0;
     READACCOUNT account;
 };
@@ -254,9 +254,10 @@ bool RSpreadsheetReader::State::countRest()
 void RSpreadsheetReader::State::noteRest()
 {
     const int number = lines.lineNumber();
-    if (countRest())
-        user.note(format("%s:%d: the line has fewer than %d fields; it and what follows is not read",
-                         path.c_str(), number, std::max(1, desc.nMeta)));
+    if (!countRest()) return;
+    endedEarly = true;
+    user.note(format("%s:%d: the line has fewer than %d fields; it and what follows is not read",
+                     path.c_str(), number, std::max(1, desc.nMeta)));
 }
 
 bool RSpreadsheetReader::State::skipToData()
@@ -485,7 +486,7 @@ void RSpreadsheetReader::State::refuseHeader(const std::string& fault)
     ++account.stationsRefused;
     static_cast<void>(countRest());
     hasLine = false;
-    refused = true;
+    endedEarly = true;
 }
 
 std::int64_t RSpreadsheetReader::State::readStation(STATIONDATA& station)
@@ -567,9 +568,9 @@ const READACCOUNT& RSpreadsheetReader::account() const
     return state_->account;
 }
 
-bool RSpreadsheetReader::refusedHeader() const
+bool RSpreadsheetReader::endedEarly() const
 {
-    return state_->refused;
+    return state_->endedEarly;
 }
 
 } // namespace importing

@@ -256,7 +256,7 @@ TEST(RealSpreadsheet, ALineOfSeparatorsInsideIsAStationThatTheCheckRejects)
     file.read(twoVariables + line("1", "5\t0\t20\t4") + "\t\t\t\t\t\t\t\t\t\t\t\n" +
               line("2", "6\t0\t21\t4") + "\n");
     EXPECT_EQ(file.stations.size(), 1u);
-    EXPECT_TRUE(file.refused);
+    EXPECT_TRUE(file.endedEarly);
     EXPECT_EQ(file.account.dataLines, 1);
     EXPECT_EQ(file.account.refusedLines, 1);
     EXPECT_EQ(file.account.blankLines, 2);

@@ -84,7 +84,7 @@ public:
     std::vector<READSTATION> stations;
     std::int64_t code = 0;  // with which the reader ended
     std::int64_t bytes = 0; // sum of what it returned
-    bool refused = false;
+    bool endedEarly = false;
     importing::READACCOUNT account;
     RScriptedUser user;
     RTemporaryDirectory directory;
@@ -118,7 +118,7 @@ public:
             bytes += code;
             stations.push_back(copyOf(station, header.sourceCount()));
         }
-        refused = reader.refusedHeader();
+        endedEarly = reader.endedEarly();
         account = reader.account();
     }
 };

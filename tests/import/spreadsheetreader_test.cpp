@@ -261,7 +261,7 @@ TEST(ReadSpreadsheet, ALineOfSeparatorsBeginsAStationThatTheCheckRejects)
     RSpreadsheetFixture file;
     stationsOf(file, levels("1", 2) + "\t\t\t\t\t\t\t\t\t\t\t\n" + levels("2", 2));
     ASSERT_EQ(file.stations.size(), 1u);
-    EXPECT_TRUE(file.refused);
+    EXPECT_TRUE(file.endedEarly);
     ASSERT_EQ(file.user.messages.size(), 1u);
     EXPECT_TRUE(
         file.user.messages[0].starts_with("NVQ Data Import: Line 4: Invalid date 00/00/0000 (mm/dd/yyyy).\n"))
@@ -311,6 +311,31 @@ TEST(ReadSpreadsheet, ALineWithTooFewFieldsEndsTheFileAndIsTold)
     stationsOf(blank, levels("1", 2) + "\n" + levels("2", 2));
     EXPECT_EQ(blank.stations.size(), 1u);
     EXPECT_EQ(blank.user.notes.size(), 1u);
+}
+
+TEST(ReadSpreadsheet, AFileThatIsLeftBeforeItsEndHasEndedEarly)
+{
+    for (const char* rest : {"the end\n", "the end", "# comment\n\n", "A16\t2\tB"}) {
+        RSpreadsheetFixture file;
+        stationsOf(file, levels("1", 2) + rest);
+        EXPECT_EQ(file.stations.size(), 1u) << rest;
+        EXPECT_TRUE(file.endedEarly) << rest;
+        EXPECT_EQ(file.user.notes.size(), 1u) << rest;
+    }
+    for (const char* blank : {"\n", "   \n", " \t \n"}) {
+        RSpreadsheetFixture file;
+        stationsOf(file, levels("1", 2) + blank + levels("2", 2));
+        EXPECT_EQ(file.stations.size(), 1u) << blank;
+        EXPECT_TRUE(file.endedEarly) << blank;
+        EXPECT_EQ(file.account.refusedLines, 2) << blank;
+        expectSums(file.account);
+    }
+    for (const char* nothing : {"", "\n", " \n\t\t\n\x1A"}) {
+        RSpreadsheetFixture file;
+        stationsOf(file, goodFile + nothing);
+        EXPECT_EQ(file.stations.size(), 3u) << nothing;
+        EXPECT_FALSE(file.endedEarly) << nothing;
+    }
 }
 
 TEST(ReadSpreadsheet, BlankLinesAtTheEndAreNoDamage)
