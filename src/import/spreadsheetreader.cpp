@@ -120,6 +120,7 @@ struct RSpreadsheetReader::State {
     void countRefused();
     void noteUnreadable(const STEP& step, const char* p, const char* end);
     void noteCutLabel();
+    void noteCutLines();
     [[nodiscard]] std::string utf8(std::string_view text) const
     {
         return common::labelToUtf8(common::labelFromFile(text, fileIsUtf8));
@@ -194,6 +195,7 @@ bool RSpreadsheetReader::State::takeLine()
         }
         return true;
     }
+    noteCutLines();
     if (result != RLineReader::Result::end) failure = readBadData;
     if (result == RLineReader::Result::tooLong) count(&READACCOUNT::refusedLines, 1);
     return false;
@@ -246,6 +248,7 @@ bool RSpreadsheetReader::State::countRest()
         result = lines.next(line);
     }
     if (result == RLineReader::Result::tooLong) count(&READACCOUNT::refusedLines, 1);
+    noteCutLines();
     line = {};
     return any;
 }
@@ -318,6 +321,13 @@ void RSpreadsheetReader::State::noteCutLabel()
     const std::string label = firstCutLabel(splitMeta(desc, line, separator).fields, fileIsUtf8);
     if (label.empty()) return;
     if (++account.labelsCut == 1) account.firstCut = label;
+}
+
+// Lines of which only the front was read; known when the file was read to its end.
+void RSpreadsheetReader::State::noteCutLines()
+{
+    account.linesCut = lines.linesCut();
+    account.firstCutLine = lines.firstCut();
 }
 
 void RSpreadsheetReader::State::growTo(std::size_t wanted)

@@ -338,6 +338,18 @@ TEST(ReadSpreadsheet, AFileThatIsLeftBeforeItsEndHasEndedEarly)
     }
 }
 
+TEST(ReadSpreadsheet, WhatStandsBehindACarriageReturnInsideALineIsTold)
+{
+    RSpreadsheetFixture file;
+    stationsOf(file, levels("1", 2) + replaced(line("1", "7\t0\t8\t0"), "\n", "\r") + levels("2", 2));
+    EXPECT_EQ(file.account.linesCut, 1);
+    EXPECT_EQ(file.account.firstCutLine, 4);
+    EXPECT_NE(accountText(file.account, {}, ImportMode::addReplace).find(": 1, the first line 4."),
+              std::string::npos);
+    stationsOf(file, goodFile);
+    EXPECT_EQ(file.account.linesCut, 0);
+}
+
 TEST(ReadSpreadsheet, BlankLinesAtTheEndAreNoDamage)
 {
     RSpreadsheetFixture file;
