@@ -119,6 +119,13 @@ struct RSpreadsheetReader::State {
     void countDelivered(const STATIONDATA& station);
     void countRefused();
     void noteUnreadable(const STEP& step, const char* p, const char* end);
+    void notePartly(const STEP& step, const char* begin, const char* stop, const char* end);
+    [[nodiscard]] std::string placeOf(const STEP& step, std::string_view text) const;
+    [[nodiscard]] std::string shortened(std::string_view text) const
+    {
+        constexpr std::size_t shown = 60;
+        return utf8(common::cutAtCharacter(text, shown));
+    }
     void noteCutLabel();
     void noteCutLines();
     [[nodiscard]] std::string utf8(std::string_view text) const
@@ -306,12 +313,31 @@ void RSpreadsheetReader::State::noteUnreadable(const STEP& step, const char* p, 
     const std::string_view text =
         common::trimBlanks(std::string_view(p, static_cast<std::size_t>(std::find(p, end, separator) - p)));
     if (text.empty() || meansNoValue(text)) return;
-    if (++account.unreadable > 1) return;
+    if (++account.unreadable == 1) account.firstUnreadable = placeOf(step, text);
+}
+
+// The line in hand, the column and the text of one of its fields.
+std::string RSpreadsheetReader::State::placeOf(const STEP& step, std::string_view text) const
+{
     const auto column = static_cast<std::size_t>(step.column);
     const std::string label = column < header.labels.size() ? header.labels[column] : std::string();
-    constexpr std::size_t shown = 60;
-    account.firstUnreadable = format("line %d, column \"%s\": \"%s\"", lines.lineNumber(), label.c_str(),
-                                     utf8(common::cutAtCharacter(text, shown)).c_str());
+    return format("line %d, column \"%s\": \"%s\"", lines.lineNumber(), label.c_str(),
+                  shortened(text).c_str());
+}
+
+// A number was read that ends in front of `stop`: text behind it in the field was not.
+void RSpreadsheetReader::State::notePartly(const STEP& step, const char* begin, const char* stop,
+                                           const char* end)
+{
+    const char* const fieldEnd = std::find(stop, end, separator);
+    const auto isBlank = [](char c) { return static_cast<unsigned char>(c) <= 32 || c == 127; };
+    if (std::all_of(stop, fieldEnd, isBlank)) return;
+    if (++account.partly > 1) return;
+    const auto between = [](const char* from, const char* to) {
+        return common::trimBlanks(std::string_view(from, static_cast<std::size_t>(to - from)));
+    };
+    account.firstPartly =
+        placeOf(step, between(begin, fieldEnd)) + ", read up to \"" + shortened(between(begin, stop)) + "\"";
 }
 
 // Notes a label of the line in hand, which begins a station, that does not fit its field.
@@ -366,8 +392,10 @@ inline void RSpreadsheetReader::State::storeField(const STEP& step, char divider
         return;
     }
     if (p == end || *p == divider) return;
+    const char* const begin = p;
     float value = 0;
     if (!scanFloat(p, end, divider, value)) return noteUnreadable(step, p, end);
+    if (p != end && *p != divider) notePartly(step, begin, p, end);
     if (value == desc.missingValue || value == MISSING_VALUE) return;
     sample.values[level] = value;
     ++sample.count;

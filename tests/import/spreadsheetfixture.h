@@ -73,6 +73,8 @@ inline void expectSums(const importing::READACCOUNT& account)
               account.headerLines + account.dataLines + account.blankLines + account.refusedLines);
     EXPECT_EQ(account.valuesRead, account.valuesDelivered + account.valuesRefused);
     EXPECT_EQ(account.unreadable == 0, account.firstUnreadable.empty());
+    EXPECT_EQ(account.partly == 0, account.firstPartly.empty());
+    EXPECT_EQ(account.linesCut == 0, account.firstCutLine == 0);
     EXPECT_EQ(account.labelsCut == 0, account.firstCut.empty());
 }
 

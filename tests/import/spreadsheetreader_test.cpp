@@ -180,6 +180,27 @@ TEST(ReadSpreadsheet, EmptyFieldsAndTextAreNoValues)
     EXPECT_EQ(file.stations[0].counts[2], 1);
 }
 
+TEST(ReadSpreadsheet, NumbersWithTextBehindThemAreReadUpToItAndTold)
+{
+    RSpreadsheetFixture file;
+    stationsOf(file, line("1", "0\t0\t1.25  \t0") + line("1", "1\t0\t1.5D+03\t0") +
+                         line("1", "2\t0\t1,234.5\t0") + line("1", "3\t0\t1 234,5\t0") +
+                         line("1", "4\t0\t5*\t0") + line("1", "5\t0\t0x10\t0") + line("1", "6\t0\t1e3 \t0"));
+    ASSERT_EQ(file.stations.size(), 1u);
+    EXPECT_EQ(file.stations[0].values[2], (Values{1.25f, 1.5f, 1.234f, 1, 5, 0, 1000}));
+    EXPECT_EQ(file.account.partly, 5);
+    EXPECT_EQ(file.account.firstPartly,
+              "line 3, column \"Temperature [°C]\": \"1.5D+03\", read up to \"1.5\"");
+    EXPECT_EQ(file.account.unreadable, 0);
+    EXPECT_EQ(file.account.valuesRead, 14);
+    expectSums(file.account);
+    EXPECT_NE(accountText(file.account, {}, ImportMode::addReplace)
+                  .find("Fields that are only partly a number: 5, the first in line 3, "),
+              std::string::npos);
+    stationsOf(file, line("1", "0\t0\t2.5 m/s"));
+    EXPECT_EQ(file.account.partly, 1); // the last field of its line
+}
+
 TEST(ReadSpreadsheet, FlagsAreReadOnlyBesideAValueAndAreUnknownOtherwise)
 {
     RSpreadsheetFixture file;
