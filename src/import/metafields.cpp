@@ -150,7 +150,8 @@ STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int r
 {
     STATIONHDR header{};
     setLabels(desc, fields, runningNumber, fileIsUtf8, header);
-    const HEADERTIME time = timeOf(desc, fields);
+    HEADERTIME time = timeOf(desc, fields);
+    if (clampedShort(time.year) != time.year) time = {}; // no date, and never another one
     header.year = clampedShort(time.year);
     header.month = clampedShort(time.month);
     header.day = clampedShort(time.day);

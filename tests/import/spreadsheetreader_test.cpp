@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "import/headerconversions.h"
 #include "import/spreadsheetfixture.h"
 
 namespace {
@@ -240,6 +241,27 @@ TEST(ReadSpreadsheet, YearsBelowAHundredAreOfTheLastCentury)
     EXPECT_EQ(yearOf("2024"), 2024);
     EXPECT_EQ(yearOf("40000"), -1);
     EXPECT_EQ(yearOf("x"), -1);
+}
+
+TEST(ReadSpreadsheet, AYearThatAHeaderCannotHoldIsRefusedWithItsField)
+{
+    const std::string header = replaced(twoVariables, "mon/day/yr", "days since 1900-01-01 00:00:00");
+    RSpreadsheetFixture file;
+    file.read(header + line("1", "1\t0\t2\t0", "40000") + line("2", "1\t0\t2\t0", "20000000"));
+    ASSERT_EQ(file.result, HeaderResult::ok);
+    file.header.desc.metaColumn[metaDate] = 3;
+    file.header.desc.convId[metaDate] = daysSinceRow;
+    ASSERT_TRUE(referenceDayOf(file.header.labels[3], file.header.desc.referenceDay[metaDate]));
+    file.readStations();
+    ASSERT_EQ(file.stations.size(), 1u);
+    EXPECT_EQ(file.stations[0].header.year, 2009);
+    EXPECT_TRUE(file.endedEarly);
+    ASSERT_EQ(file.user.messages.size(), 1u);
+    EXPECT_NE(file.user.messages[0].find("Line 3: Invalid date 00/00/0000"), std::string::npos);
+    EXPECT_NE(
+        file.user.messages[0].find(":3: column 4 \"days since 1900-01-01 00:00:00\" holds \"20000000\""),
+        std::string::npos)
+        << file.user.messages[0];
 }
 
 TEST(ReadSpreadsheet, LongitudesWestAreCountedOnEastwards)
