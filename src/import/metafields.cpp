@@ -76,7 +76,7 @@ HEADERTIME timeOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields)
         if (desc.convId[index(meta)] > linearRow) {
             convertField(desc, meta, text, time);
         } else if (meta == metaTime) {
-            scanTime(text, time);
+            if (!scanTime(text, time)) time.hour = time.minute = -1;
         } else if (!scanDate(text, time)) {
             time = {0, 0, 0, desc.defHour, desc.defMinute};
         }

@@ -30,8 +30,8 @@ struct METASPLIT {
 void labelByNumber(collection::STATIONHDR& header, int runningNumber);
 
 // The header that the fields give. `fileIsUtf8` becomes false with the first label that is not UTF-8. A date
-// that can't be read, or whose year has no room, gives 0/0/0, a position that can't be read MISSING_VALUE:
-// the header check refuses both.
+// that can't be read, or whose year has no room, gives 0/0/0, a time that can't be understood -1:-1, a
+// position that can't be read MISSING_VALUE: the header check refuses them.
 [[nodiscard]] collection::STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields,
                                               int runningNumber, bool& fileIsUtf8);
 

@@ -343,6 +343,55 @@ TEST(ReadSpreadsheet, HourTwentyFourBecomesHourZero)
     EXPECT_EQ(file.stations[0].header.day, 15);
 }
 
+std::pair<int, int> clockOf(const RSpreadsheetFixture& file)
+{
+    const collection::STATIONHDR& header = file.stations.at(0).header;
+    return {header.hour, header.minute};
+}
+
+TEST(ReadSpreadsheet, TimesOfATwelveHourClock)
+{
+    const std::vector<std::pair<std::string, std::pair<int, int>>> times = {
+        {"1:30 PM", {13, 30}},   {"12:05 am", {0, 5}}, {"12:05 p.m.", {12, 5}}, {"1:30pm", {13, 30}},
+        {"9:15:30 AM", {9, 15}}, {"1 PM", {13, 0}},    {"13:30 PM", {13, 30}},  {"11:59:59.5 Pm", {23, 59}}};
+    for (const auto& [text, expected] : times) {
+        RSpreadsheetFixture column, date;
+        stationsOf(column, line("1", "1\t0\t2\t0", "7/15/95", text));
+        ASSERT_EQ(column.stations.size(), 1u) << text;
+        EXPECT_EQ(clockOf(column), expected) << text;
+        date.read(replaced(twoVariables, "\thh:mm", "") +
+                  replaced(line("1", "1\t0\t2\t0", "7/15/95 " + text, "gone"), "gone\t", ""));
+        ASSERT_EQ(date.stations.size(), 1u) << text;
+        EXPECT_EQ(clockOf(date), expected) << text;
+    }
+}
+
+TEST(ReadSpreadsheet, ATimeOfGreenwichIsReadAndOneOfAnotherZoneIsRefusedWithItsField)
+{
+    for (const char* text :
+         {"12:30", "12:30Z", "12:30 UTC", "12:30:15 gmt", "12:30+00:00", "12:30 UTC+0", "12:30h"}) {
+        RSpreadsheetFixture file;
+        stationsOf(file, line("1", "1\t0\t2\t0", "7/15/95", text));
+        ASSERT_EQ(file.stations.size(), 1u) << text;
+        EXPECT_EQ(file.stations[0].header.hour, 12) << text;
+        EXPECT_EQ(file.stations[0].header.minute, 30) << text;
+    }
+    for (const std::string text :
+         {"12:30 EST", "12:30+02:00", "12:30 UTC-3", "13:30 AM", "12:30 MESZ", "12:30 - 13:00"}) {
+        RSpreadsheetFixture column, date;
+        stationsOf(column, line("1", "1\t0\t2\t0", "7/15/95", text));
+        EXPECT_TRUE(column.stations.empty()) << text;
+        ASSERT_EQ(column.user.messages.size(), 1u) << text;
+        EXPECT_NE(column.user.messages[0].find(":2: column 5 \"hh:mm\" holds \"" + text + "\""),
+                  std::string::npos)
+            << column.user.messages[0];
+        date.read(replaced(twoVariables, "\thh:mm", "") +
+                  replaced(line("1", "1\t0\t2\t0", "2009-07-14T" + text, "gone"), "gone\t", ""));
+        EXPECT_TRUE(date.stations.empty()) << text;
+        ASSERT_EQ(date.user.messages.size(), 1u) << text;
+    }
+}
+
 TEST(ReadSpreadsheet, ALineWithTooFewFieldsEndsTheFileAndIsTold)
 {
     RSpreadsheetFixture file;
