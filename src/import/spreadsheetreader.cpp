@@ -422,7 +422,7 @@ void RSpreadsheetReader::State::storeFields(const char* p, int column)
 // The same where runs of blanks divide the fields.
 void RSpreadsheetReader::State::storeBlankSeparated()
 {
-    std::array<std::string_view, maxColumns> fields;
+    std::array<std::string_view, maxColumns + 1> fields;
     const int count = common::splitFields(line, ' ', fields);
     for (const STEP& step : plan.steps) {
         if (step.column >= count) return;
