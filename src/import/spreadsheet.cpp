@@ -112,7 +112,8 @@ public:
         (void)line(wanted);
         std::vector<std::string> shown;
         for (std::size_t i = 0; i < std::min(static_cast<std::size_t>(wanted), lines_.size()); ++i)
-            shown.push_back(common::labelToUtf8(common::labelFromFile(lines_[i], isUtf8())));
+            shown.push_back(
+                common::labelToUtf8(common::labelFromFile(lines_[i], common::isValidUtf8(lines_[i]))));
         return shown;
     }
 
@@ -143,7 +144,7 @@ struct SETTLING {
     [[nodiscard]] std::vector<std::string> labelsUnder(char separator) const
     {
         const std::string* const line = lines.line(header.desc.headerLine);
-        return line ? splitLabels(*line, separator, lines.isUtf8()) : std::vector<std::string>();
+        return line ? splitLabels(*line, separator, common::isValidUtf8(*line)) : std::vector<std::string>();
     }
 
     // The label of the column behind the last that holds variables; nothing if there is none.
@@ -256,6 +257,13 @@ void takeLastFlags(const SETTLING& settling)
     if (label && isFlagLabel(*label)) last.qfColumn = maxColumns;
 }
 
+// Such a line is no chance: it tells the coding of the file, whatever single bytes of its labels are.
+bool isUtf8BeyondAscii(const std::string& line)
+{
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 128; };
+    return common::isValidUtf8(line) && !std::all_of(line.begin(), line.end(), isAscii);
+}
+
 HeaderResult settle(SETTLING& settling)
 {
     SPREADSHEETHEADER& header = settling.header;
@@ -271,6 +279,7 @@ HeaderResult settle(SETTLING& settling)
     header.sources = sourcesOf(header.desc, header.labels);
     takeLastFlags(settling);
     noteLosses(settling);
+    header.fileIsUtf8 = header.fileIsUtf8 || isUtf8BeyondAscii(*settling.lines.line(header.desc.headerLine));
     return HeaderResult::ok;
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "common/textcoding.h"
 #include "import/headerconversions.h"
 #include "import/spreadsheetfixture.h"
 
@@ -285,6 +286,28 @@ TEST(ReadSpreadsheet, LabelsAreCutToTwentyBytesAndTheTypeToOne)
     file.read(twoVariables + line("Ørsted-Ærø-Ålborg-Øst-Æ", "1\t0\t2\t0"));
     EXPECT_EQ(file.stations[0].label().size(), 20u);
     EXPECT_EQ(file.stations[0].label().substr(0, 4), "\xD8rst");
+}
+
+TEST(ReadSpreadsheet, StationsWhoseLabelsDifferOnlyInWhatIsCutStayApart)
+{
+    const auto withCruise = [](const char* cruise, const char* data) {
+        return replaced(line("1", data), "A16", cruise);
+    };
+    RSpreadsheetFixture file;
+    stationsOf(file, withCruise("EXPEDITION-LABEL-LONG-1", "10\t0\t2\t0") +
+                         withCruise(" EXPEDITION-LABEL-LONG-1 ", "20\t0\t3\t0") +
+                         withCruise("EXPEDITION-LABEL-LONG-2", "10\t0\t4\t0") +
+                         withCruise("EXPEDITION-LABEL-LON", "30\t0\t4\t0"));
+    ASSERT_EQ(file.stations.size(), 3u);
+    for (const READSTATION& station : file.stations)
+        EXPECT_STREQ(station.header.cruise, "EXPEDITION-LABEL-LON");
+    EXPECT_EQ(file.stations[0].counts[1], 2);
+    EXPECT_EQ(file.account.labelsCut, 2);
+    EXPECT_EQ(file.account.firstCut, "EXPEDITION-LABEL-LONG-1");
+    expectSums(file.account);
+    stationsOf(file, withCruise("EXPEDITION         ", "10\t0\t2\t0") +
+                         withCruise("  EXPEDITION                  ", "20\t0\t3\t0"));
+    EXPECT_EQ(file.stations.size(), 1u); // none is cut
 }
 
 TEST(ReadSpreadsheet, TheTypeIsSettledByTheNumberOfLevels)
@@ -607,6 +630,21 @@ TEST(ReadSpreadsheet, ADefaultValueFillsItsVariable)
     EXPECT_EQ(read.values[2], (Values{7.5f, 7.5f}));
     EXPECT_EQ(read.flags[2], (std::vector<int>{1, 1}));
     EXPECT_EQ(read.counts[2], 2);
+}
+
+TEST(ReadSpreadsheet, ABrokenLabelDoesNotHideTheColumnsOfAHeaderInUtf8)
+{
+    RSpreadsheetFixture file;
+    stationsOf(file, line("\u00E9", "1\t0\t2\t0") + line("\xC3", "1\t0\t2\t0") + line("\xE9", "1\t0\t2\t0"));
+    ASSERT_EQ(file.result, HeaderResult::ok);
+    EXPECT_TRUE(file.header.standardLayout);
+    EXPECT_EQ(file.header.labels[5], "Lon (°E)");
+    ASSERT_EQ(file.stations.size(), 3u);
+    EXPECT_EQ(file.stations[0].label(), common::labelFromFile("\u00E9", true));
+    EXPECT_EQ(file.stations[1].label(), "\xC3");
+    EXPECT_EQ(file.stations[2].label(), "\xE9");
+    EXPECT_TRUE(file.user.notes.empty());
+    EXPECT_TRUE(file.user.messages.empty());
 }
 
 TEST(ReadSpreadsheet, ALaterLabelInLatin1TurnsTheFileLatin1)
