@@ -175,6 +175,14 @@ std::string firstCutLabel(const METAFIELDS& fields, bool fileIsUtf8)
     return {};
 }
 
+std::string wholeLabels(const METAFIELDS& fields)
+{
+    std::string labels;
+    for (const int meta : {metaCruise, metaStation, metaType})
+        labels.append(common::trimLabel(fields.text[index(meta)])).push_back('\0');
+    return labels;
+}
+
 std::vector<int> faultyMetas(const STATIONHDR& header, const SPREADSHEETDESC& desc)
 {
     std::vector<int> faulty;

@@ -38,6 +38,9 @@ void labelByNumber(collection::STATIONHDR& header, int runningNumber);
 // The first of the labels that is longer than its field, whole and as UTF-8; empty if all fit.
 [[nodiscard]] std::string firstCutLabel(const METAFIELDS& fields, bool fileIsUtf8);
 
+// The labels whole, as they stand in the file, in one text that differs if any of them does.
+[[nodiscard]] std::string wholeLabels(const METAFIELDS& fields);
+
 // The metavariables for which the header check refuses a header.
 [[nodiscard]] std::vector<int> faultyMetas(const collection::STATIONHDR& header, const SPREADSHEETDESC& desc);
 

@@ -171,6 +171,8 @@ struct RSpreadsheetReader::State {
     std::string metaBytes;      // what the line in hand, or one before it of the same station, begins with
     std::size_t metaLength = 0; // 0: not to be compared
     char metaSeparator = 0;     // of metaBytes
+    std::string lineLabels;     // whole, of the line in hand; empty where none is cut
+    std::string stationLabels;  // of the first line of the station
     bool labelCut = false;      // a label of the line in hand may be longer than its field
     std::int64_t lastFilled = notLooked; // where the file's last byte is that is no blank
     bool comparesBytes = false;
@@ -221,6 +223,8 @@ bool RSpreadsheetReader::State::parseLine()
     labelCut = text[metaCruise].size() > common::labelLength ||
                text[metaStation].size() > common::labelLength || text[metaType].size() > 1;
     lineHeader = headerOf(desc, split.fields, stationsRead + 1, fileIsUtf8);
+    const bool cuts = labelCut && !firstCutLabel(split.fields, fileIsUtf8).empty();
+    lineLabels = cuts ? wholeLabels(split.fields) : std::string();
     metaLength = comparesBytes ? split.length : 0;
     metaBytes.assign(line.substr(0, metaLength));
     metaSeparator = separator;
@@ -458,6 +462,7 @@ bool RSpreadsheetReader::State::readLevels()
 {
     clearSamples();
     stationHeader = lineHeader;
+    stationLabels = lineLabels;
     noteCutLabel();
     for (;;) {
         storeLine();
@@ -465,7 +470,7 @@ bool RSpreadsheetReader::State::readLevels()
         if (restIsBlank()) return true;
         if (sameBytes()) continue;
         if (!parseLine()) return true;
-        if (!isSameStation(stationHeader, lineHeader)) break;
+        if (!isSameStation(stationHeader, lineHeader) || lineLabels != stationLabels) break;
     }
     hasLine = true;
     return true;
