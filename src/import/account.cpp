@@ -93,6 +93,15 @@ Parts remarksOf(const READACCOUNT& read, const STOREACCOUNT& stored)
             format("Fields without a number: %lld, the first in ", static_cast<long long>(read.unreadable)) +
             read.firstUnreadable);
     }
+    if (read.partly > 0) {
+        parts.push_back(format("Fields that are only partly a number: %lld, the first in ",
+                               static_cast<long long>(read.partly)) +
+                        read.firstPartly);
+    }
+    if (read.linesCut > 0)
+        parts.push_back(format("Lines with text behind a line end of another kind, which is not read: %d, "
+                               "the first line %d",
+                               read.linesCut, read.firstCutLine));
     if (read.labelsCut > 0)
         parts.push_back(format("Stations with a cut label: %d, the first ", read.labelsCut) + read.firstCut);
     return parts;
@@ -126,6 +135,10 @@ READACCOUNT& operator+=(READACCOUNT& sum, const READACCOUNT& more)
     sum.valuesRefused += more.valuesRefused;
     sum.unreadable += more.unreadable;
     keepFirst(sum.firstUnreadable, more.firstUnreadable);
+    sum.partly += more.partly;
+    keepFirst(sum.firstPartly, more.firstPartly);
+    sum.linesCut += more.linesCut;
+    if (sum.firstCutLine == 0) sum.firstCutLine = more.firstCutLine;
     sum.stationsRefused += more.stationsRefused;
     sum.labelsCut += more.labelsCut;
     keepFirst(sum.firstCut, more.firstCut);

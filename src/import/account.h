@@ -29,6 +29,11 @@ struct READACCOUNT {
     std::int64_t unreadable = 0;      // fields that hold something, but no number: no value
     std::string firstUnreadable;      // where: line 17, column "Oxygen": "n/a"
 
+    std::int64_t partly = 0; // fields of which only the front is a number: that is the value
+    std::string firstPartly; // where: line 17, column "Oxygen": "1.5D+03", read up to "1.5"
+    int linesCut = 0;        // with text behind a line end of another kind than the file's: it was not read
+    int firstCutLine = 0;    // the first of them
+
     int stationsRefused = 0; // told and passed over by the reader
     int labelsCut = 0;       // stations with a label that was longer than its field
     std::string firstCut;    // the first such label, whole, as UTF-8

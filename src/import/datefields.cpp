@@ -1,5 +1,6 @@
 #include "import/datefields.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 
@@ -42,24 +43,59 @@ bool takeDate(std::string_view& rest, HEADERTIME& time)
     return takeThree(rest, '.', n) && set(full(n[2]), n[1], n[0]);
 }
 
-// True for nothing, a "Z", and zero hours and minutes.
-bool isGreenwich(std::string_view zone)
+bool takeWord(std::string_view& rest, std::string_view lowerWord)
 {
-    if (!zone.starts_with('+') && !zone.starts_with('-')) return true;
-    return zone.find_first_of("123456789") == std::string_view::npos;
+    if (common::toLower(rest.substr(0, lowerWord.size())) != lowerWord) return false;
+    rest.remove_prefix(lowerWord.size());
+    return true;
 }
 
-// The time behind a date. False only if it is that of another place.
+// True for nothing, the names of Greenwich time, and zero hours and minutes.
+bool isGreenwich(std::string_view zone)
+{
+    if (common::equalsIgnoreCase(zone, "Z") || common::equalsIgnoreCase(zone, "h")) return true;
+    if (!takeWord(zone, "utc")) (void)takeWord(zone, "gmt");
+    return zone.find_first_not_of("+-0:") == std::string_view::npos;
+}
+
+// The halves of a 12-hour clock. False if one stands behind an hour that it can't have.
+bool takeHalf(std::string_view& rest, int& hour)
+{
+    const bool evening = takeWord(rest, "pm") || takeWord(rest, "p.m.");
+    if (!evening && !takeWord(rest, "am") && !takeWord(rest, "a.m.")) return true;
+    rest = common::trimBlanks(rest);
+    if (hour > 12) return evening; // of 24 hours after all
+    hour = hour % 12 + (evening ? 12 : 0);
+    return true;
+}
+
+void skipFraction(std::string_view& rest)
+{
+    if (!rest.starts_with('.') && !rest.starts_with(',')) return;
+    rest.remove_prefix(1);
+    rest.remove_prefix(std::min(rest.find_first_not_of("0123456789"), rest.size()));
+}
+
+// What stands behind hours and minutes. False if it makes another time of them, or can't be understood.
+bool takeRestOfTime(std::string_view rest, int& hour)
+{
+    int second = 0;
+    if (takeMark(rest, ':')) (void)common::takeInt(rest, second);
+    skipFraction(rest);
+    rest = common::trimBlanks(rest);
+    return takeHalf(rest, hour) && isGreenwich(rest);
+}
+
+// The time behind a date. False only if it is that of another place, or can't be understood.
 bool takeTimeOfDay(std::string_view rest, HEADERTIME& time)
 {
     if (!takeMark(rest, 'T') && !takeMark(rest, 't') && !takeMark(rest, ' ')) return true;
-    int hour = 0, minute = 0;
-    double second = 0;
-    if (!common::takeInt(rest, hour) || !takeMark(rest, ':') || !common::takeInt(rest, minute)) return true;
-    if (takeMark(rest, ':')) (void)common::takeDouble(rest, second);
-    time.hour = hour;
-    time.minute = minute;
-    return isGreenwich(common::trimBlanks(rest));
+    int hour = 0;
+    std::string_view look = rest;
+    if (!common::takeInt(look, hour)) return true;
+    std::string_view half = common::trimBlanks(look);
+    const bool isTime = look.starts_with(':') || takeWord(half, "am") || takeWord(half, "pm");
+    return !isTime || scanTime(rest, time);
 }
 
 } // namespace
@@ -73,12 +109,18 @@ bool scanDate(std::string_view text, HEADERTIME& time)
     return true;
 }
 
-void scanTime(std::string_view text, HEADERTIME& time)
+bool scanTime(std::string_view text, HEADERTIME& time)
 {
     int hour = 0, minute = 0;
-    if (common::takeInt(text, hour) && takeMark(text, ':') && !common::takeInt(text, minute)) minute = 0;
+    bool understood = true;
+    if (common::takeInt(text, hour)) {
+        if (takeMark(text, ':') && !common::takeInt(text, minute)) minute = 0;
+        understood = takeRestOfTime(text, hour);
+    }
+    if (!understood) return false;
     time.hour = hour;
     time.minute = minute;
+    return true;
 }
 
 } // namespace importing

@@ -13,7 +13,8 @@ namespace importing {
 // taken too. False, with `time` as it was, if there is no such date, or if its time is not that of Greenwich.
 [[nodiscard]] bool scanDate(std::string_view text, HEADERTIME& time);
 
-// Reads hours and minutes, 12:34; what isn't there is 0.
-void scanTime(std::string_view text, HEADERTIME& time);
+// Reads hours and minutes, 12:34, also of a 12-hour clock, 1:30 PM; what isn't there is 0. False, with `time`
+// as it was, if text follows that names another zone than Greenwich or can't be understood.
+[[nodiscard]] bool scanTime(std::string_view text, HEADERTIME& time);
 
 } // namespace importing

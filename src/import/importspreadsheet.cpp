@@ -59,7 +59,7 @@ IMPORTRESULT importSpreadsheet(RCollection& collection, STATIONDATA& station, co
     const std::int64_t code = importStations(reader, run, station);
     run.closeImport(true);
     result = resultOf(run, code);
-    if (reader.refusedHeader()) result.end = ImportEnd::failed;
+    if (reader.endedEarly() && result.end == ImportEnd::done) result.end = ImportEnd::failed;
     return result;
 }
 

@@ -32,7 +32,7 @@ bool RLineReader::open(const std::string& path)
     buffer_ = std::make_unique_for_overwrite<char[]>(bufferSize); // not filled: most files are smaller
     begin_ = end_ = 0;
     bytesRead_ = 0;
-    lineNumber_ = 0;
+    lineNumber_ = linesCut_ = firstCut_ = 0;
     atEnd_ = quotes_ = false;
     size_ = common::fileSize(file_.get());
     while (end_ < maxLine && !atEnd_) {
@@ -74,6 +74,13 @@ bool RLineReader::fill()
     return true;
 }
 
+void RLineReader::noteCut(std::string_view dropped)
+{
+    const auto isBlank = [](char c) { return static_cast<unsigned char>(c) <= 32 || c == 127; };
+    if (std::all_of(dropped.begin(), dropped.end(), isBlank)) return;
+    if (++linesCut_ == 1) firstCut_ = lineNumber_;
+}
+
 RLineReader::Result RLineReader::next(std::string_view& line)
 {
     std::size_t searched = begin_;
@@ -99,8 +106,11 @@ RLineReader::Result RLineReader::next(std::string_view& line)
     // The other kind of line end may stand in front of or behind this one.
     if (terminator_ == '\r' && line.starts_with('\n')) line.remove_prefix(1);
     const char other = terminator_ == '\r' ? '\n' : '\r';
-    if (const void* const cut = std::memchr(line.data(), other, line.size()))
-        line = line.substr(0, static_cast<std::size_t>(static_cast<const char*>(cut) - line.data()));
+    if (const void* const cut = std::memchr(line.data(), other, line.size())) {
+        const auto length = static_cast<std::size_t>(static_cast<const char*>(cut) - line.data());
+        if (length + 1 < line.size()) noteCut(line.substr(length + 1));
+        line = line.substr(0, length);
+    }
     return Result::line;
 }
 

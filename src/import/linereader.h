@@ -29,6 +29,10 @@ public:
     [[nodiscard]] std::int64_t bytesRead() const { return bytesRead_; }
     [[nodiscard]] std::int64_t size() const { return size_; } // bytes of the file when it was opened
 
+    // Lines that were cut at a line end of the other kind with text behind it, and the first of them.
+    [[nodiscard]] int linesCut() const { return linesCut_; }
+    [[nodiscard]] int firstCut() const { return firstCut_; }
+
     // How the file's text is coded: UTF-8 as long as no byte has told otherwise.
     [[nodiscard]] bool isUtf8() const { return utf8_; }
     void setLatin1() { utf8_ = false; }
@@ -39,12 +43,13 @@ public:
 private:
     [[nodiscard]] bool fill();
     void inspectFirstBlock();
+    void noteCut(std::string_view dropped);
 
     common::FilePtr file_;
     std::unique_ptr<char[]> buffer_; // lines stand between begin_ and end_
     std::size_t begin_ = 0, end_ = 0;
     std::int64_t size_ = 0, bytesRead_ = 0;
-    int lineNumber_ = 0;
+    int lineNumber_ = 0, linesCut_ = 0, firstCut_ = 0;
     char terminator_ = '\n';
     bool utf8_ = true, atEnd_ = false, quotes_ = false;
 };

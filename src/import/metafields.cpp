@@ -76,7 +76,7 @@ HEADERTIME timeOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields)
         if (desc.convId[index(meta)] > linearRow) {
             convertField(desc, meta, text, time);
         } else if (meta == metaTime) {
-            scanTime(text, time);
+            if (!scanTime(text, time)) time.hour = time.minute = -1;
         } else if (!scanDate(text, time)) {
             time = {0, 0, 0, desc.defHour, desc.defMinute};
         }
@@ -150,7 +150,8 @@ STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int r
 {
     STATIONHDR header{};
     setLabels(desc, fields, runningNumber, fileIsUtf8, header);
-    const HEADERTIME time = timeOf(desc, fields);
+    HEADERTIME time = timeOf(desc, fields);
+    if (clampedShort(time.year) != time.year) time = {}; // no date, and never another one
     header.year = clampedShort(time.year);
     header.month = clampedShort(time.month);
     header.day = clampedShort(time.day);
@@ -172,6 +173,14 @@ std::string firstCutLabel(const METAFIELDS& fields, bool fileIsUtf8)
         if (label.size() > room) return common::labelToUtf8(label);
     }
     return {};
+}
+
+std::string wholeLabels(const METAFIELDS& fields)
+{
+    std::string labels;
+    for (const int meta : {metaCruise, metaStation, metaType})
+        labels.append(common::trimLabel(fields.text[index(meta)])).push_back('\0');
+    return labels;
 }
 
 std::vector<int> faultyMetas(const STATIONHDR& header, const SPREADSHEETDESC& desc)

@@ -30,12 +30,16 @@ struct METASPLIT {
 void labelByNumber(collection::STATIONHDR& header, int runningNumber);
 
 // The header that the fields give. `fileIsUtf8` becomes false with the first label that is not UTF-8. A date
-// that can't be read gives 0/0/0, a position that can't be read MISSING_VALUE: the header check refuses both.
+// that can't be read, or whose year has no room, gives 0/0/0, a time that can't be understood -1:-1, a
+// position that can't be read MISSING_VALUE: the header check refuses them.
 [[nodiscard]] collection::STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields,
                                               int runningNumber, bool& fileIsUtf8);
 
 // The first of the labels that is longer than its field, whole and as UTF-8; empty if all fit.
 [[nodiscard]] std::string firstCutLabel(const METAFIELDS& fields, bool fileIsUtf8);
+
+// The labels whole, as they stand in the file, in one text that differs if any of them does.
+[[nodiscard]] std::string wholeLabels(const METAFIELDS& fields);
 
 // The metavariables for which the header check refuses a header.
 [[nodiscard]] std::vector<int> faultyMetas(const collection::STATIONHDR& header, const SPREADSHEETDESC& desc);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <ctime>
+#include <optional>
 
 #include "common/files.h"
 #include "common/limits.h"
@@ -111,7 +112,8 @@ public:
         (void)line(wanted);
         std::vector<std::string> shown;
         for (std::size_t i = 0; i < std::min(static_cast<std::size_t>(wanted), lines_.size()); ++i)
-            shown.push_back(common::labelToUtf8(common::labelFromFile(lines_[i], isUtf8())));
+            shown.push_back(
+                common::labelToUtf8(common::labelFromFile(lines_[i], common::isValidUtf8(lines_[i]))));
         return shown;
     }
 
@@ -142,14 +144,24 @@ struct SETTLING {
     [[nodiscard]] std::vector<std::string> labelsUnder(char separator) const
     {
         const std::string* const line = lines.line(header.desc.headerLine);
-        return line ? splitLabels(*line, separator, lines.isUtf8()) : std::vector<std::string>();
+        return line ? splitLabels(*line, separator, common::isValidUtf8(*line)) : std::vector<std::string>();
     }
 
-    // Columns of the header line, one beyond those that are read at the most.
-    [[nodiscard]] int columnCount() const
+    // The label of the column behind the last that holds variables; nothing if there is none.
+    [[nodiscard]] std::optional<std::string> labelBeyond() const
     {
         const std::string* const line = lines.line(header.desc.headerLine);
         std::array<std::string_view, maxColumns + 1> fields;
+        std::string buffer;
+        if (!line || splitQuoted(*line, header.desc.sepChars, buffer, fields) <= maxColumns) return {};
+        return std::string(common::trimLabel(fields.back()));
+    }
+
+    // Columns of the header line, at most two beyond those of variables.
+    [[nodiscard]] int columnCount() const
+    {
+        const std::string* const line = lines.line(header.desc.headerLine);
+        std::array<std::string_view, maxColumns + 2> fields;
         std::string buffer;
         return line ? splitQuoted(*line, header.desc.sepChars, buffer, fields) : 0;
     }
@@ -219,8 +231,9 @@ void noteLosses(const SETTLING& settling)
     const auto tell = [&](const std::string& text) {
         settling.user.note(format("%s:%d: %s", settling.path.c_str(), header.desc.headerLine, text.c_str()));
     };
-    if (settling.columnCount() > maxColumns)
-        tell(format("columns beyond number %d are not read", maxColumns));
+    const int lastColumn = header.sources.back().qfColumn == maxColumns ? maxColumns + 1 : maxColumns;
+    if (settling.columnCount() > lastColumn)
+        tell(format("columns beyond number %d are not read", lastColumn));
     int sources = 0;
     for (std::size_t column = 0; column < header.labels.size(); ++column) {
         const std::string& label = header.labels[column];
@@ -233,6 +246,22 @@ void noteLosses(const SETTLING& settling)
             tell(
                 format("the label of column %d is cut: \"%s\"", static_cast<int>(column) + 1, label.c_str()));
     }
+}
+
+// The flags of a variable in the last column: fifty variables with flags have one column more than is read.
+void takeLastFlags(const SETTLING& settling)
+{
+    VARINFO& last = settling.header.sources.back();
+    if (settling.header.sources.size() < 2 || last.column != maxColumns - 1) return;
+    const std::optional<std::string> label = settling.labelBeyond();
+    if (label && isFlagLabel(*label)) last.qfColumn = maxColumns;
+}
+
+// Such a line is no chance: it tells the coding of the file, whatever single bytes of its labels are.
+bool isUtf8BeyondAscii(const std::string& line)
+{
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 128; };
+    return common::isValidUtf8(line) && !std::all_of(line.begin(), line.end(), isAscii);
 }
 
 HeaderResult settle(SETTLING& settling)
@@ -248,7 +277,9 @@ HeaderResult settle(SETTLING& settling)
     }
     if (const HeaderResult result = settleColumns(settling); result != HeaderResult::ok) return result;
     header.sources = sourcesOf(header.desc, header.labels);
+    takeLastFlags(settling);
     noteLosses(settling);
+    header.fileIsUtf8 = header.fileIsUtf8 || isUtf8BeyondAscii(*settling.lines.line(header.desc.headerLine));
     return HeaderResult::ok;
 }
 

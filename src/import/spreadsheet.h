@@ -15,7 +15,7 @@
 
 namespace importing {
 
-inline constexpr int maxColumns = 107;
+inline constexpr int maxColumns = 107; // one more is read if it holds the flags of the last of them
 inline constexpr int metaCount = 8;
 
 // What a station's header takes from a line, in the order of the standard layout.

@@ -119,7 +119,15 @@ struct RSpreadsheetReader::State {
     void countDelivered(const STATIONDATA& station);
     void countRefused();
     void noteUnreadable(const STEP& step, const char* p, const char* end);
+    void notePartly(const STEP& step, const char* begin, const char* stop, const char* end);
+    [[nodiscard]] std::string placeOf(const STEP& step, std::string_view text) const;
+    [[nodiscard]] std::string shortened(std::string_view text) const
+    {
+        constexpr std::size_t shown = 60;
+        return utf8(common::cutAtCharacter(text, shown));
+    }
     void noteCutLabel();
+    void noteCutLines();
     [[nodiscard]] std::string utf8(std::string_view text) const
     {
         return common::labelToUtf8(common::labelFromFile(text, fileIsUtf8));
@@ -163,6 +171,8 @@ struct RSpreadsheetReader::State {
     std::string metaBytes;      // what the line in hand, or one before it of the same station, begins with
     std::size_t metaLength = 0; // 0: not to be compared
     char metaSeparator = 0;     // of metaBytes
+    std::string lineLabels;     // whole, of the line in hand; empty where none is cut
+    std::string stationLabels;  // of the first line of the station
     bool labelCut = false;      // a label of the line in hand may be longer than its field
     std::int64_t lastFilled = notLooked; // where the file's last byte is that is no blank
     bool comparesBytes = false;
@@ -173,7 +183,7 @@ struct RSpreadsheetReader::State {
     std::size_t slot = 0;         // of the line in hand in the buffers
     const int lastMeta;
     bool fileIsUtf8;
-    bool begun = false, refused = false;
+    bool begun = false, endedEarly = false;
     int stationsRead = 0;
     READACCOUNT account;
 };
@@ -194,6 +204,7 @@ bool RSpreadsheetReader::State::takeLine()
         }
         return true;
     }
+    noteCutLines();
     if (result != RLineReader::Result::end) failure = readBadData;
     if (result == RLineReader::Result::tooLong) count(&READACCOUNT::refusedLines, 1);
     return false;
@@ -212,6 +223,8 @@ bool RSpreadsheetReader::State::parseLine()
     labelCut = text[metaCruise].size() > common::labelLength ||
                text[metaStation].size() > common::labelLength || text[metaType].size() > 1;
     lineHeader = headerOf(desc, split.fields, stationsRead + 1, fileIsUtf8);
+    const bool cuts = labelCut && !firstCutLabel(split.fields, fileIsUtf8).empty();
+    lineLabels = cuts ? wholeLabels(split.fields) : std::string();
     metaLength = comparesBytes ? split.length : 0;
     metaBytes.assign(line.substr(0, metaLength));
     metaSeparator = separator;
@@ -246,6 +259,7 @@ bool RSpreadsheetReader::State::countRest()
         result = lines.next(line);
     }
     if (result == RLineReader::Result::tooLong) count(&READACCOUNT::refusedLines, 1);
+    noteCutLines();
     line = {};
     return any;
 }
@@ -254,9 +268,10 @@ bool RSpreadsheetReader::State::countRest()
 void RSpreadsheetReader::State::noteRest()
 {
     const int number = lines.lineNumber();
-    if (countRest())
-        user.note(format("%s:%d: the line has fewer than %d fields; it and what follows is not read",
-                         path.c_str(), number, std::max(1, desc.nMeta)));
+    if (!countRest()) return;
+    endedEarly = true;
+    user.note(format("%s:%d: the line has fewer than %d fields; it and what follows is not read",
+                     path.c_str(), number, std::max(1, desc.nMeta)));
 }
 
 bool RSpreadsheetReader::State::skipToData()
@@ -302,12 +317,31 @@ void RSpreadsheetReader::State::noteUnreadable(const STEP& step, const char* p, 
     const std::string_view text =
         common::trimBlanks(std::string_view(p, static_cast<std::size_t>(std::find(p, end, separator) - p)));
     if (text.empty() || meansNoValue(text)) return;
-    if (++account.unreadable > 1) return;
+    if (++account.unreadable == 1) account.firstUnreadable = placeOf(step, text);
+}
+
+// The line in hand, the column and the text of one of its fields.
+std::string RSpreadsheetReader::State::placeOf(const STEP& step, std::string_view text) const
+{
     const auto column = static_cast<std::size_t>(step.column);
     const std::string label = column < header.labels.size() ? header.labels[column] : std::string();
-    constexpr std::size_t shown = 60;
-    account.firstUnreadable = format("line %d, column \"%s\": \"%s\"", lines.lineNumber(), label.c_str(),
-                                     utf8(common::cutAtCharacter(text, shown)).c_str());
+    return format("line %d, column \"%s\": \"%s\"", lines.lineNumber(), label.c_str(),
+                  shortened(text).c_str());
+}
+
+// A number was read that ends in front of `stop`: text behind it in the field was not.
+void RSpreadsheetReader::State::notePartly(const STEP& step, const char* begin, const char* stop,
+                                           const char* end)
+{
+    const char* const fieldEnd = std::find(stop, end, separator);
+    const auto isBlank = [](char c) { return static_cast<unsigned char>(c) <= 32 || c == 127; };
+    if (std::all_of(stop, fieldEnd, isBlank)) return;
+    if (++account.partly > 1) return;
+    const auto between = [](const char* from, const char* to) {
+        return common::trimBlanks(std::string_view(from, static_cast<std::size_t>(to - from)));
+    };
+    account.firstPartly =
+        placeOf(step, between(begin, fieldEnd)) + ", read up to \"" + shortened(between(begin, stop)) + "\"";
 }
 
 // Notes a label of the line in hand, which begins a station, that does not fit its field.
@@ -317,6 +351,13 @@ void RSpreadsheetReader::State::noteCutLabel()
     const std::string label = firstCutLabel(splitMeta(desc, line, separator).fields, fileIsUtf8);
     if (label.empty()) return;
     if (++account.labelsCut == 1) account.firstCut = label;
+}
+
+// Lines of which only the front was read; known when the file was read to its end.
+void RSpreadsheetReader::State::noteCutLines()
+{
+    account.linesCut = lines.linesCut();
+    account.firstCutLine = lines.firstCut();
 }
 
 void RSpreadsheetReader::State::growTo(std::size_t wanted)
@@ -355,8 +396,10 @@ inline void RSpreadsheetReader::State::storeField(const STEP& step, char divider
         return;
     }
     if (p == end || *p == divider) return;
+    const char* const begin = p;
     float value = 0;
     if (!scanFloat(p, end, divider, value)) return noteUnreadable(step, p, end);
+    if (p != end && *p != divider) notePartly(step, begin, p, end);
     if (value == desc.missingValue || value == MISSING_VALUE) return;
     sample.values[level] = value;
     ++sample.count;
@@ -383,7 +426,7 @@ void RSpreadsheetReader::State::storeFields(const char* p, int column)
 // The same where runs of blanks divide the fields.
 void RSpreadsheetReader::State::storeBlankSeparated()
 {
-    std::array<std::string_view, maxColumns> fields;
+    std::array<std::string_view, maxColumns + 1> fields;
     const int count = common::splitFields(line, ' ', fields);
     for (const STEP& step : plan.steps) {
         if (step.column >= count) return;
@@ -419,6 +462,7 @@ bool RSpreadsheetReader::State::readLevels()
 {
     clearSamples();
     stationHeader = lineHeader;
+    stationLabels = lineLabels;
     noteCutLabel();
     for (;;) {
         storeLine();
@@ -426,7 +470,7 @@ bool RSpreadsheetReader::State::readLevels()
         if (restIsBlank()) return true;
         if (sameBytes()) continue;
         if (!parseLine()) return true;
-        if (!isSameStation(stationHeader, lineHeader)) break;
+        if (!isSameStation(stationHeader, lineHeader) || lineLabels != stationLabels) break;
     }
     hasLine = true;
     return true;
@@ -485,7 +529,7 @@ void RSpreadsheetReader::State::refuseHeader(const std::string& fault)
     ++account.stationsRefused;
     static_cast<void>(countRest());
     hasLine = false;
-    refused = true;
+    endedEarly = true;
 }
 
 std::int64_t RSpreadsheetReader::State::readStation(STATIONDATA& station)
@@ -567,9 +611,9 @@ const READACCOUNT& RSpreadsheetReader::account() const
     return state_->account;
 }
 
-bool RSpreadsheetReader::refusedHeader() const
+bool RSpreadsheetReader::endedEarly() const
 {
-    return state_->refused;
+    return state_->endedEarly;
 }
 
 } // namespace importing

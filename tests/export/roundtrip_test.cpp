@@ -28,12 +28,9 @@ public:
 
     void fill(const RANDOMSTATIONS& kind) { RRandomStations(kind).fillCollection(sample_.collection); }
     // unflagged: a variable whose flags are those that an import gives by itself.
-    void put(RRandomStations& random, int levels, std::size_t unflagged = 0)
+    void put(RRandomStations& random, int levels)
     {
         random.fill(sample_.station, sample_.collection.variableCount, levels);
-        if (unflagged > 0)
-            std::fill_n(sample_.station.flags.get() + sample_.station.offset.at(unflagged), levels,
-                        collection::flagUnknown);
         ASSERT_EQ(sample_.collection.writeStation(0, sample_.station, false), collection::WriteResult::ok);
     }
     [[nodiscard]] RCollection& source() { return sample_.collection; }
@@ -177,12 +174,11 @@ TEST(RoundTrip, ASpreadsheetOfManyVariablesComesBack)
     expectSame(trip.source(), *back);
 }
 
-// The flags of the last variable stand behind the columns that an import reads.
-TEST(RoundTrip, ASpreadsheetOfFiftyVariablesComesBackButForTheLastFlags)
+TEST(RoundTrip, ASpreadsheetOfFiftyVariablesComesBackWithTheFlagsOfTheLast)
 {
     RTrip trip(hostMagic, 50);
     RRandomStations random({.seed = 4});
-    for (const int levels : {1999, 30, 1}) trip.put(random, levels, 50);
+    for (const int levels : {1999, 30, 1}) trip.put(random, levels);
     const auto back = trip.imported(trip.spreadsheetOf(trip.source()), hostMagic);
     expectSameVariables(trip.source(), *back);
     expectSame(trip.source(), *back);

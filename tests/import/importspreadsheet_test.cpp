@@ -451,6 +451,20 @@ TEST(ImportSpreadsheet, AFaultyHeaderEndsTheImportAsAFailure)
     EXPECT_TRUE(run.told("Line 5: Invalid date 77/15/1995"));
 }
 
+TEST(ImportSpreadsheet, AShortLineInFrontOfOthersEndsTheImportAsAFailure)
+{
+    for (const char* line : {"\n", "# comment\n"}) {
+        RImports run;
+        run.import(cast("1", 3) + line + cast("2", 3));
+        EXPECT_EQ(run.result.end, ImportEnd::failed);
+        EXPECT_EQ(run.labels(), Labels{"1"}); // what was stored stays
+        EXPECT_FALSE(run.user().notes.empty());
+    }
+    RImports run;
+    run.import(cast("1", 3) + "\n\n");
+    EXPECT_EQ(run.result.end, ImportEnd::done);
+}
+
 TEST(ImportSpreadsheet, ColumnsThatNothingTakesAreTold)
 {
     RImports run;

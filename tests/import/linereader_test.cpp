@@ -14,6 +14,7 @@ struct LINES {
     RLineReader::Result end = RLineReader::Result::failed;
     std::int64_t bytes = 0;
     bool utf8 = false;
+    std::pair<int, int> cuts; // how many, and the first line
 };
 
 LINES linesOf(const std::string& content)
@@ -32,6 +33,7 @@ LINES linesOf(const std::string& content)
     }
     result.bytes = reader.bytesRead();
     result.utf8 = reader.isUtf8();
+    result.cuts = {reader.linesCut(), reader.firstCut()};
     return result;
 }
 
@@ -56,6 +58,14 @@ TEST(LineReader, BareCarriageReturnsEndLinesIfTheFirstLineEndIsOne)
 TEST(LineReader, ALineIsCutAtItsFirstCarriageReturn)
 {
     EXPECT_EQ(linesOf("a\nb\rc\nd\n").lines, (Lines{"a", "b", "d"}));
+}
+
+TEST(LineReader, TextBehindACutIsCountedWithItsFirstLine)
+{
+    EXPECT_EQ(linesOf("a\nb\rc\nd\re\n").cuts, (std::pair{2, 2}));
+    EXPECT_EQ(linesOf("a\rb\nc\r").cuts, (std::pair{1, 2}));
+    EXPECT_EQ(linesOf("a\r\nb\r\r\nc\n").cuts, (std::pair{0, 0}));
+    EXPECT_EQ(linesOf("a\rb\r\nc\r").cuts, (std::pair{0, 0}));
 }
 
 TEST(LineReader, TheLastLineNeedsNoEnd)

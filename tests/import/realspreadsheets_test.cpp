@@ -207,6 +207,34 @@ TEST(RealSpreadsheet, ColumnsBeyondTheLastAreToldOnce)
               std::vector<std::string>{file.path() + ":1: columns beyond number 107 are not read"});
 }
 
+TEST(RealSpreadsheet, TheFlagsOfTheFiftiethVariableAreRead)
+{
+    std::string header = metaHeader, data;
+    for (int i = 1; i <= 50; ++i) {
+        header += "\tV" + std::to_string(i) + "\tQF";
+        data += (i > 1 ? "\t" : "") + std::to_string(i) + "\t" + std::to_string(i % 10 + 1);
+    }
+    for (const bool another : {false, true}) {
+        RSpreadsheetFixture file;
+        file.read(header + "\n" + line("1", data));
+        ASSERT_EQ(file.header.sourceCount(), 50);
+        ASSERT_EQ(file.stations.size(), 1u);
+        EXPECT_EQ(file.stations[0].values[50], std::vector<float>{50});
+        EXPECT_EQ(file.stations[0].flags[49], std::vector<int>{10});
+        EXPECT_EQ(file.stations[0].flags[50], std::vector<int>{1});
+        EXPECT_TRUE(file.user.notes.empty());
+        data.back() = '7';
+        file.read(header + (another ? "\tmore\n" : ":V50\n") + line("1", data + (another ? "\t3" : "")));
+        EXPECT_EQ(file.stations.at(0).flags[50], std::vector<int>{7});
+        EXPECT_EQ(file.user.notes.size(), another ? 1u : 0u);
+        data.back() = '1';
+    }
+    RSpreadsheetFixture other;
+    other.read(header.substr(0, header.size() - 2) + "Quality\n" + line("1", data));
+    EXPECT_EQ(other.user.notes,
+              std::vector<std::string>{other.path() + ":1: columns beyond number 107 are not read"});
+}
+
 TEST(RealSpreadsheet, VariablesBeyondTheFiftiethAndCutLabelsAreTold)
 {
     std::string header = metaHeader + "\t" + std::string(61, 'a');
@@ -256,7 +284,7 @@ TEST(RealSpreadsheet, ALineOfSeparatorsInsideIsAStationThatTheCheckRejects)
     file.read(twoVariables + line("1", "5\t0\t20\t4") + "\t\t\t\t\t\t\t\t\t\t\t\n" +
               line("2", "6\t0\t21\t4") + "\n");
     EXPECT_EQ(file.stations.size(), 1u);
-    EXPECT_TRUE(file.refused);
+    EXPECT_TRUE(file.endedEarly);
     EXPECT_EQ(file.account.dataLines, 1);
     EXPECT_EQ(file.account.refusedLines, 1);
     EXPECT_EQ(file.account.blankLines, 2);

@@ -73,6 +73,8 @@ inline void expectSums(const importing::READACCOUNT& account)
               account.headerLines + account.dataLines + account.blankLines + account.refusedLines);
     EXPECT_EQ(account.valuesRead, account.valuesDelivered + account.valuesRefused);
     EXPECT_EQ(account.unreadable == 0, account.firstUnreadable.empty());
+    EXPECT_EQ(account.partly == 0, account.firstPartly.empty());
+    EXPECT_EQ(account.linesCut == 0, account.firstCutLine == 0);
     EXPECT_EQ(account.labelsCut == 0, account.firstCut.empty());
 }
 
@@ -84,7 +86,7 @@ public:
     std::vector<READSTATION> stations;
     std::int64_t code = 0;  // with which the reader ended
     std::int64_t bytes = 0; // sum of what it returned
-    bool refused = false;
+    bool endedEarly = false;
     importing::READACCOUNT account;
     RScriptedUser user;
     RTemporaryDirectory directory;
@@ -118,7 +120,7 @@ public:
             bytes += code;
             stations.push_back(copyOf(station, header.sourceCount()));
         }
-        refused = reader.refusedHeader();
+        endedEarly = reader.endedEarly();
         account = reader.account();
     }
 };

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "common/textcoding.h"
+#include "import/headerconversions.h"
 #include "import/spreadsheetfixture.h"
 
 namespace {
@@ -180,6 +182,27 @@ TEST(ReadSpreadsheet, EmptyFieldsAndTextAreNoValues)
     EXPECT_EQ(file.stations[0].counts[2], 1);
 }
 
+TEST(ReadSpreadsheet, NumbersWithTextBehindThemAreReadUpToItAndTold)
+{
+    RSpreadsheetFixture file;
+    stationsOf(file, line("1", "0\t0\t1.25  \t0") + line("1", "1\t0\t1.5D+03\t0") +
+                         line("1", "2\t0\t1,234.5\t0") + line("1", "3\t0\t1 234,5\t0") +
+                         line("1", "4\t0\t5*\t0") + line("1", "5\t0\t0x10\t0") + line("1", "6\t0\t1e3 \t0"));
+    ASSERT_EQ(file.stations.size(), 1u);
+    EXPECT_EQ(file.stations[0].values[2], (Values{1.25f, 1.5f, 1.234f, 1, 5, 0, 1000}));
+    EXPECT_EQ(file.account.partly, 5);
+    EXPECT_EQ(file.account.firstPartly,
+              "line 3, column \"Temperature [°C]\": \"1.5D+03\", read up to \"1.5\"");
+    EXPECT_EQ(file.account.unreadable, 0);
+    EXPECT_EQ(file.account.valuesRead, 14);
+    expectSums(file.account);
+    EXPECT_NE(accountText(file.account, {}, ImportMode::addReplace)
+                  .find("Fields that are only partly a number: 5, the first in line 3, "),
+              std::string::npos);
+    stationsOf(file, line("1", "0\t0\t2.5 m/s"));
+    EXPECT_EQ(file.account.partly, 1); // the last field of its line
+}
+
 TEST(ReadSpreadsheet, FlagsAreReadOnlyBesideAValueAndAreUnknownOtherwise)
 {
     RSpreadsheetFixture file;
@@ -221,6 +244,27 @@ TEST(ReadSpreadsheet, YearsBelowAHundredAreOfTheLastCentury)
     EXPECT_EQ(yearOf("x"), -1);
 }
 
+TEST(ReadSpreadsheet, AYearThatAHeaderCannotHoldIsRefusedWithItsField)
+{
+    const std::string header = replaced(twoVariables, "mon/day/yr", "days since 1900-01-01 00:00:00");
+    RSpreadsheetFixture file;
+    file.read(header + line("1", "1\t0\t2\t0", "40000") + line("2", "1\t0\t2\t0", "20000000"));
+    ASSERT_EQ(file.result, HeaderResult::ok);
+    file.header.desc.metaColumn[metaDate] = 3;
+    file.header.desc.convId[metaDate] = daysSinceRow;
+    ASSERT_TRUE(referenceDayOf(file.header.labels[3], file.header.desc.referenceDay[metaDate]));
+    file.readStations();
+    ASSERT_EQ(file.stations.size(), 1u);
+    EXPECT_EQ(file.stations[0].header.year, 2009);
+    EXPECT_TRUE(file.endedEarly);
+    ASSERT_EQ(file.user.messages.size(), 1u);
+    EXPECT_NE(file.user.messages[0].find("Line 3: Invalid date 00/00/0000"), std::string::npos);
+    EXPECT_NE(
+        file.user.messages[0].find(":3: column 4 \"days since 1900-01-01 00:00:00\" holds \"20000000\""),
+        std::string::npos)
+        << file.user.messages[0];
+}
+
 TEST(ReadSpreadsheet, LongitudesWestAreCountedOnEastwards)
 {
     RSpreadsheetFixture file;
@@ -244,6 +288,28 @@ TEST(ReadSpreadsheet, LabelsAreCutToTwentyBytesAndTheTypeToOne)
     EXPECT_EQ(file.stations[0].label().substr(0, 4), "\xD8rst");
 }
 
+TEST(ReadSpreadsheet, StationsWhoseLabelsDifferOnlyInWhatIsCutStayApart)
+{
+    const auto withCruise = [](const char* cruise, const char* data) {
+        return replaced(line("1", data), "A16", cruise);
+    };
+    RSpreadsheetFixture file;
+    stationsOf(file, withCruise("EXPEDITION-LABEL-LONG-1", "10\t0\t2\t0") +
+                         withCruise(" EXPEDITION-LABEL-LONG-1 ", "20\t0\t3\t0") +
+                         withCruise("EXPEDITION-LABEL-LONG-2", "10\t0\t4\t0") +
+                         withCruise("EXPEDITION-LABEL-LON", "30\t0\t4\t0"));
+    ASSERT_EQ(file.stations.size(), 3u);
+    for (const READSTATION& station : file.stations)
+        EXPECT_STREQ(station.header.cruise, "EXPEDITION-LABEL-LON");
+    EXPECT_EQ(file.stations[0].counts[1], 2);
+    EXPECT_EQ(file.account.labelsCut, 2);
+    EXPECT_EQ(file.account.firstCut, "EXPEDITION-LABEL-LONG-1");
+    expectSums(file.account);
+    stationsOf(file, withCruise("EXPEDITION         ", "10\t0\t2\t0") +
+                         withCruise("  EXPEDITION                  ", "20\t0\t3\t0"));
+    EXPECT_EQ(file.stations.size(), 1u); // none is cut
+}
+
 TEST(ReadSpreadsheet, TheTypeIsSettledByTheNumberOfLevels)
 {
     for (const auto& [count, expected] : {std::pair(250, "B"), std::pair(251, "C")}) {
@@ -261,7 +327,7 @@ TEST(ReadSpreadsheet, ALineOfSeparatorsBeginsAStationThatTheCheckRejects)
     RSpreadsheetFixture file;
     stationsOf(file, levels("1", 2) + "\t\t\t\t\t\t\t\t\t\t\t\n" + levels("2", 2));
     ASSERT_EQ(file.stations.size(), 1u);
-    EXPECT_TRUE(file.refused);
+    EXPECT_TRUE(file.endedEarly);
     ASSERT_EQ(file.user.messages.size(), 1u);
     EXPECT_TRUE(
         file.user.messages[0].starts_with("NVQ Data Import: Line 4: Invalid date 00/00/0000 (mm/dd/yyyy).\n"))
@@ -300,6 +366,55 @@ TEST(ReadSpreadsheet, HourTwentyFourBecomesHourZero)
     EXPECT_EQ(file.stations[0].header.day, 15);
 }
 
+std::pair<int, int> clockOf(const RSpreadsheetFixture& file)
+{
+    const collection::STATIONHDR& header = file.stations.at(0).header;
+    return {header.hour, header.minute};
+}
+
+TEST(ReadSpreadsheet, TimesOfATwelveHourClock)
+{
+    const std::vector<std::pair<std::string, std::pair<int, int>>> times = {
+        {"1:30 PM", {13, 30}},   {"12:05 am", {0, 5}}, {"12:05 p.m.", {12, 5}}, {"1:30pm", {13, 30}},
+        {"9:15:30 AM", {9, 15}}, {"1 PM", {13, 0}},    {"13:30 PM", {13, 30}},  {"11:59:59.5 Pm", {23, 59}}};
+    for (const auto& [text, expected] : times) {
+        RSpreadsheetFixture column, date;
+        stationsOf(column, line("1", "1\t0\t2\t0", "7/15/95", text));
+        ASSERT_EQ(column.stations.size(), 1u) << text;
+        EXPECT_EQ(clockOf(column), expected) << text;
+        date.read(replaced(twoVariables, "\thh:mm", "") +
+                  replaced(line("1", "1\t0\t2\t0", "7/15/95 " + text, "gone"), "gone\t", ""));
+        ASSERT_EQ(date.stations.size(), 1u) << text;
+        EXPECT_EQ(clockOf(date), expected) << text;
+    }
+}
+
+TEST(ReadSpreadsheet, ATimeOfGreenwichIsReadAndOneOfAnotherZoneIsRefusedWithItsField)
+{
+    for (const char* text :
+         {"12:30", "12:30Z", "12:30 UTC", "12:30:15 gmt", "12:30+00:00", "12:30 UTC+0", "12:30h"}) {
+        RSpreadsheetFixture file;
+        stationsOf(file, line("1", "1\t0\t2\t0", "7/15/95", text));
+        ASSERT_EQ(file.stations.size(), 1u) << text;
+        EXPECT_EQ(file.stations[0].header.hour, 12) << text;
+        EXPECT_EQ(file.stations[0].header.minute, 30) << text;
+    }
+    for (const std::string text :
+         {"12:30 EST", "12:30+02:00", "12:30 UTC-3", "13:30 AM", "12:30 MESZ", "12:30 - 13:00"}) {
+        RSpreadsheetFixture column, date;
+        stationsOf(column, line("1", "1\t0\t2\t0", "7/15/95", text));
+        EXPECT_TRUE(column.stations.empty()) << text;
+        ASSERT_EQ(column.user.messages.size(), 1u) << text;
+        EXPECT_NE(column.user.messages[0].find(":2: column 5 \"hh:mm\" holds \"" + text + "\""),
+                  std::string::npos)
+            << column.user.messages[0];
+        date.read(replaced(twoVariables, "\thh:mm", "") +
+                  replaced(line("1", "1\t0\t2\t0", "2009-07-14T" + text, "gone"), "gone\t", ""));
+        EXPECT_TRUE(date.stations.empty()) << text;
+        ASSERT_EQ(date.user.messages.size(), 1u) << text;
+    }
+}
+
 TEST(ReadSpreadsheet, ALineWithTooFewFieldsEndsTheFileAndIsTold)
 {
     RSpreadsheetFixture file;
@@ -311,6 +426,43 @@ TEST(ReadSpreadsheet, ALineWithTooFewFieldsEndsTheFileAndIsTold)
     stationsOf(blank, levels("1", 2) + "\n" + levels("2", 2));
     EXPECT_EQ(blank.stations.size(), 1u);
     EXPECT_EQ(blank.user.notes.size(), 1u);
+}
+
+TEST(ReadSpreadsheet, AFileThatIsLeftBeforeItsEndHasEndedEarly)
+{
+    for (const char* rest : {"the end\n", "the end", "# comment\n\n", "A16\t2\tB"}) {
+        RSpreadsheetFixture file;
+        stationsOf(file, levels("1", 2) + rest);
+        EXPECT_EQ(file.stations.size(), 1u) << rest;
+        EXPECT_TRUE(file.endedEarly) << rest;
+        EXPECT_EQ(file.user.notes.size(), 1u) << rest;
+    }
+    for (const char* blank : {"\n", "   \n", " \t \n"}) {
+        RSpreadsheetFixture file;
+        stationsOf(file, levels("1", 2) + blank + levels("2", 2));
+        EXPECT_EQ(file.stations.size(), 1u) << blank;
+        EXPECT_TRUE(file.endedEarly) << blank;
+        EXPECT_EQ(file.account.refusedLines, 2) << blank;
+        expectSums(file.account);
+    }
+    for (const char* nothing : {"", "\n", " \n\t\t\n\x1A"}) {
+        RSpreadsheetFixture file;
+        stationsOf(file, goodFile + nothing);
+        EXPECT_EQ(file.stations.size(), 3u) << nothing;
+        EXPECT_FALSE(file.endedEarly) << nothing;
+    }
+}
+
+TEST(ReadSpreadsheet, WhatStandsBehindACarriageReturnInsideALineIsTold)
+{
+    RSpreadsheetFixture file;
+    stationsOf(file, levels("1", 2) + replaced(line("1", "7\t0\t8\t0"), "\n", "\r") + levels("2", 2));
+    EXPECT_EQ(file.account.linesCut, 1);
+    EXPECT_EQ(file.account.firstCutLine, 4);
+    EXPECT_NE(accountText(file.account, {}, ImportMode::addReplace).find(": 1, the first line 4."),
+              std::string::npos);
+    stationsOf(file, goodFile);
+    EXPECT_EQ(file.account.linesCut, 0);
 }
 
 TEST(ReadSpreadsheet, BlankLinesAtTheEndAreNoDamage)
@@ -478,6 +630,21 @@ TEST(ReadSpreadsheet, ADefaultValueFillsItsVariable)
     EXPECT_EQ(read.values[2], (Values{7.5f, 7.5f}));
     EXPECT_EQ(read.flags[2], (std::vector<int>{1, 1}));
     EXPECT_EQ(read.counts[2], 2);
+}
+
+TEST(ReadSpreadsheet, ABrokenLabelDoesNotHideTheColumnsOfAHeaderInUtf8)
+{
+    RSpreadsheetFixture file;
+    stationsOf(file, line("\u00E9", "1\t0\t2\t0") + line("\xC3", "1\t0\t2\t0") + line("\xE9", "1\t0\t2\t0"));
+    ASSERT_EQ(file.result, HeaderResult::ok);
+    EXPECT_TRUE(file.header.standardLayout);
+    EXPECT_EQ(file.header.labels[5], "Lon (°E)");
+    ASSERT_EQ(file.stations.size(), 3u);
+    EXPECT_EQ(file.stations[0].label(), common::labelFromFile("\u00E9", true));
+    EXPECT_EQ(file.stations[1].label(), "\xC3");
+    EXPECT_EQ(file.stations[2].label(), "\xE9");
+    EXPECT_TRUE(file.user.notes.empty());
+    EXPECT_TRUE(file.user.messages.empty());
 }
 
 TEST(ReadSpreadsheet, ALaterLabelInLatin1TurnsTheFileLatin1)
