@@ -84,12 +84,42 @@ HEADERTIME timeOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields)
     return time;
 }
 
-float numberOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int meta, float standard,
-               float unreadable)
+float bottomDepthOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields)
+{
+    constexpr std::size_t meta = metaBottomDepth;
+    if (desc.metaColumn[meta] < 0) return desc.defBotDepth;
+    float value = 0;
+    if (!scanField(fields.text[meta], value)) return 0;
+    if (desc.convId[meta] != linearRow) return value;
+    return desc.convA[meta] * value + desc.convB[meta];
+}
+
+// What may stand behind a position's number: nothing, a degree sign, a letter of its hemisphere. False for
+// anything else, such as minutes: a number that means something else is no position.
+bool takeHemisphere(std::string_view rest, char positive, char negative, float& value)
+{
+    rest = common::trimBlanks(rest);
+    for (const std::string_view degree : {"\xC2\xB0", "\xB0"}) {
+        if (rest.starts_with(degree)) rest = common::trimBlanks(rest.substr(degree.size()));
+    }
+    if (rest.empty()) return true;
+    const char letter = common::toUpper(rest)[0];
+    if (rest.size() > 1 || (letter != positive && letter != negative) || value < 0) return false;
+    if (letter == negative) value = -value;
+    return true;
+}
+
+// Degrees of the column `meta`, with `hemispheres` as "EW" or "NS".
+float positionOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int meta, float standard,
+                 std::string_view hemispheres)
 {
     if (desc.metaColumn[index(meta)] < 0) return standard;
+    const std::string field(fields.text[index(meta)]);
+    const char* p = field.data();
+    const char* const end = p + field.size();
     float value = 0;
-    if (!scanField(fields.text[index(meta)], value)) return unreadable;
+    if (!scanFloat(p, end, '\n', value) || !takeHemisphere({p, end}, hemispheres[0], hemispheres[1], value))
+        return MISSING_VALUE;
     if (desc.convId[index(meta)] != linearRow) return value;
     return desc.convA[index(meta)] * value + desc.convB[index(meta)];
 }
@@ -157,9 +187,9 @@ STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int r
     header.day = clampedShort(time.day);
     header.hour = clampedShort(time.hour);
     header.minute = clampedShort(time.minute);
-    header.longitude = wrappedLongitude(numberOf(desc, fields, metaLongitude, desc.defLon, MISSING_VALUE));
-    header.latitude = numberOf(desc, fields, metaLatitude, desc.defLat, MISSING_VALUE);
-    header.bottomDepth = numberOf(desc, fields, metaBottomDepth, desc.defBotDepth, 0);
+    header.longitude = wrappedLongitude(positionOf(desc, fields, metaLongitude, desc.defLon, "EW"));
+    header.latitude = positionOf(desc, fields, metaLatitude, desc.defLat, "NS");
+    header.bottomDepth = bottomDepthOf(desc, fields);
     return header;
 }
 

@@ -277,6 +277,29 @@ TEST(ReadSpreadsheet, LongitudesWestAreCountedOnEastwards)
     EXPECT_EQ(file.stations[2].header.longitude, 0);
 }
 
+TEST(ReadSpreadsheet, LettersOfTheHemispheresAreSigns)
+{
+    RSpreadsheetFixture file;
+    stationsOf(file, line("1", "1\t0\t2\t0", "7/15/95", "0:0", "10.5W\t20.25S") +
+                         line("1", "1\t0\t2\t0", "7/15/95", "0:0", "10,5° e\t20.25 N"));
+    ASSERT_EQ(file.stations.size(), 2u);
+    EXPECT_EQ(file.stations[0].header.longitude, 349.5f);
+    EXPECT_EQ(file.stations[0].header.latitude, -20.25f);
+    EXPECT_EQ(file.stations[1].header.longitude, 10.5f);
+    EXPECT_EQ(file.stations[1].header.latitude, 20.25f);
+}
+
+TEST(ReadSpreadsheet, PositionsWithMoreThanANumberAreRefused)
+{
+    for (const char* const position : {"10 30.5\t20", "10\t20 15 S", "-10.5W\t20", "10:30\t20", "10N\t20"}) {
+        RSpreadsheetFixture file;
+        stationsOf(file, line("1", "1\t0\t2\t0", "7/15/95", "0:0", position));
+        EXPECT_TRUE(file.stations.empty()) << position;
+        ASSERT_EQ(file.user.messages.size(), 1u) << position;
+        EXPECT_NE(file.user.messages[0].find("Invalid location"), std::string::npos) << position;
+    }
+}
+
 TEST(ReadSpreadsheet, LabelsAreCutToTwentyBytesAndTheTypeToOne)
 {
     RSpreadsheetFixture file;
