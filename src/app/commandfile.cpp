@@ -168,19 +168,20 @@ std::string runPlotStation(Fields fields, RCommandTarget& target)
 
 // --- data in and out
 
+constexpr auto resetWord = std::to_array<std::string_view>({"reset"}); // stands without a value
+
 std::string runSetImport(Fields fields, RCommandTarget& target)
 {
     constexpr auto pairs = std::to_array<std::string_view>({"assoc", "cruise"});
     std::vector<KEYVALUE> settings;
-    std::string wrong = readKeyValues(fields[0], {pairs, {}}, settings);
+    std::string wrong = readKeyValues(fields[0], {pairs, resetWord}, settings);
     return wrong.empty() ? target.setImport(settings) : wrong;
 }
 
 std::string runSelect(Fields fields, RCommandTarget& target)
 {
-    constexpr auto bare = std::to_array<std::string_view>({"reset"});
     std::vector<KEYVALUE> criteria;
-    std::string wrong = readKeyValues(fields[0], {{}, bare}, criteria);
+    std::string wrong = readKeyValues(fields[0], {{}, resetWord}, criteria);
     return wrong.empty() ? target.select(criteria) : wrong;
 }
 

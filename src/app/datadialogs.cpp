@@ -4,6 +4,8 @@
 #include "common/text.h"
 #include "dialogs/importsettler.h"
 #include "dialogs/outvarsel.h"
+#include "dialogs/selcriteria.h"
+#include "selection/cruisestations.h"
 
 namespace app {
 namespace {
@@ -32,7 +34,39 @@ std::optional<std::vector<int>> RAppWindow::chooseOutputVariables(const std::vec
 
 bool RAppWindow::editCriteria(EDITEDCRITERIA& edited)
 {
-    return RSessionView::editCriteria(edited);
+    if (!user_.interactive()) return RSessionView::editCriteria(edited);
+    dialogs::CRITERIAMAP map; // points can't be picked on it yet
+    map.mapDomain = [this] { return session_.mapDomain(); };
+    map.highlightCruise = [this](const std::string& cruise, const std::string& type) {
+        highlightCruise(cruise, type);
+    };
+    const collection::RCollection& open = session_.collection;
+    const auto last = open.variables.begin() + open.totalVariableCount + 1;
+    dialogs::selcriteriaDlg dialog(
+        edited.criteria, edited.polygon,
+        {{open.variables.begin(), last}, open.variableCount, selection::cruiseLabels(open)}, std::move(map),
+        this);
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    takeHighlightAway();
+    if (accepted) edited = {dialog.criteria(), dialog.polygon()};
+    return accepted;
+}
+
+// The stations of a cruise of the inventory, until another one is chosen or the dialog is left.
+void RAppWindow::highlightCruise(const std::string& cruise, const std::string& type)
+{
+    takeHighlightAway();
+    user_.status("Identifying stations ...");
+    drawDots(selection::findCruiseStations(session_.collection, cruise, type, session_.mapDomain()),
+             highlightSize, highlightColor);
+    highlighted_ = true;
+    statusMessage();
+}
+
+void RAppWindow::takeHighlightAway()
+{
+    if (highlighted_) redraw(false);
+    highlighted_ = false;
 }
 
 // Behind the next picture the dots are part of the map.

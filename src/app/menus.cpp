@@ -178,7 +178,7 @@ bool RAppWindow::dispatch(int commandId)
         }
     }
     for (const COLLECTIONCOMMAND& command : dataCommands) {
-        if (command.id == commandId) static_cast<void>(command.run(session_));
+        if (command.id == commandId) return command.run(session_) && commandId == cmdSelectionCriteria;
     }
     if (commandId == cmdOpen) openByDialog();
     if (commandId == cmdClose) session_.close(false);

@@ -81,6 +81,8 @@ private:
     chooseOutputVariables(const std::vector<int>& proposed) override;
     [[nodiscard]] bool editCriteria(EDITEDCRITERIA& edited) override;
     void showImported(std::span<const selection::SELECTEDSTATION> stations) override;
+    void highlightCruise(const std::string& cruise, const std::string& type);
+    void takeHighlightAway();
     void drawDots(std::span<const selection::SELECTEDSTATION> stations, float size, int color);
     [[nodiscard]] std::optional<SETUPSETTINGS> askSetup(const SETUPSETTINGS& proposal,
                                                         const std::string& systemTemp);
@@ -117,7 +119,7 @@ private:
     RCanvas* canvas_ = nullptr;
     QLabel *statusLabel_ = nullptr, *stationLabel_ = nullptr, *positionLabel_ = nullptr;
     std::map<int, QAction*> actions_;
-    bool dispatching_ = false, drawing_ = false;
+    bool dispatching_ = false, drawing_ = false, highlighted_ = false;
     bool closed_ = false, failed_ = false;
 };
 

@@ -255,6 +255,10 @@ std::string setImportSetting(IMPORTSETTINGS& settings, std::string_view key, std
         return store(settings.overwrite, switchNamed(value), key, value, "is neither yes nor no");
     if (key == "existing")
         return store(settings.existing, existingNamed(value), key, value, "is none of replace, keep, abort");
+    if (key == "reset" && value.empty()) {
+        settings = {};
+        return {};
+    }
     if (key == "assoc") return setAssociation(settings, value);
     if (key == "cruise") return setCruise(settings, value);
     for (int meta = 0; meta < metaCount; ++meta) {

@@ -402,6 +402,12 @@ TEST(CommandFile, ImportFileHasAFormatAPathAndAMode)
                 ElementsAre("file 0 a.txt 1", "file 2 b/a b.o4x 2", "file 1 c.o3x 3", "file 0 d.txt 1"));
 }
 
+TEST(CommandFile, ResetOfTheImportSettingsHasNoValue)
+{
+    EXPECT_TRUE(run("set_import reset\n").complete);
+    EXPECT_FALSE(run("set_import missing\n").complete);
+}
+
 TEST(CommandFile, PathOfAnImportMayHoldCommas)
 {
     EXPECT_THAT(run("import_file spreadsheet,a, merge.txt\nimport_file spreadsheet,a,b,merge\n"

@@ -68,6 +68,24 @@ TEST_F(DataProgram, AnExportedCollectionTellsHowManyStationsItReplaces)
     EXPECT_THAT(out.error, HasSubstr(file("other.var") + ": 5 stations were replaced"));
 }
 
+TEST_F(DataProgram, SettingsOfAnImportHoldUntilTheyAreReset)
+{
+    makeCollection();
+    const std::string cast = castText(5, 8);
+    std::string renamed = cast;
+    renamed.replace(renamed.find("Salinity [psu]"), 14, "Theta");
+    writeText(file("theta.txt"), renamed);
+    writeText(file("plain.txt"), cast);
+    const std::string
+        theta = "set_import assoc \"Theta\"=\"Salinity [psu]\"\nimport_file spreadsheet,theta.txt\n",
+        plain = "import_file spreadsheet,plain.txt\n";
+    const RUN held = withCast(theta + plain);
+    EXPECT_EQ(held.code, 1);
+    EXPECT_THAT(held.error, HasSubstr("\"Theta\""));
+    const RUN reset = withCast(theta + "set_import reset\n" + plain);
+    EXPECT_EQ(reset.code, 0) << reset.error;
+}
+
 TEST_F(DataProgram, OldListingBecomesACollectionBesideItsDescription)
 {
     makeCollection();

@@ -1,5 +1,6 @@
 // Imports, exports and the selection from the window: what they ask, and what comes of the answers.
 
+#include <QComboBox>
 #include <QInputDialog>
 
 #include <gmock/gmock.h>
@@ -8,6 +9,7 @@
 #include "common/files.h"
 #include "dialogs/importopt.h"
 #include "dialogs/outvarsel.h"
+#include "dialogs/selcriteria.h"
 #include "dialogs/spreadshproperties.h"
 #include "nextdialog.h"
 #include "windowfixture.h"
@@ -145,6 +147,52 @@ TEST_F(WindowData, SelectionOfACommandFileChangesThePicture)
     EXPECT_NE(picture(), before);
     runLines("select reset\n");
     EXPECT_EQ(picture(), before);
+}
+
+TEST_F(WindowData, CriteriaAreEditedInTheirDialog)
+{
+    openCast();
+    withNext<dialogs::selcriteriaDlg>([](dialogs::selcriteriaDlg& dialog) {
+        dialog.rbBottle();
+        dialog.qfGood();
+        dialog.processOK();
+    });
+    answer({"&OK"}); // no station is one of a bottle
+    window->processMenuItem(app::cmdSelectionCriteria);
+    EXPECT_STREQ(open().criteria.stationType, "B");
+    EXPECT_EQ(open().qualityLimit, 0);
+    EXPECT_EQ(open().selectedStationCount, 0);
+    ASSERT_EQ(boxes.size(), 1u);
+    EXPECT_THAT(boxes[0], HasSubstr("No Valid Station Found!"));
+}
+
+TEST_F(WindowData, ChosenCruiseIsHighlightedUntilTheDialogIsLeft)
+{
+    openCast();
+    const QImage before = picture();
+    QImage during;
+    withNext<dialogs::selcriteriaDlg>([&](dialogs::selcriteriaDlg& dialog) {
+        dialog.findChild<QComboBox*>(QStringLiteral("cruise"))->setCurrentText(QStringLiteral("TEST"));
+        dialog.cruiseChange();
+        during = picture();
+        dialog.reject();
+    });
+    window->processMenuItem(app::cmdSelectionCriteria);
+    EXPECT_NE(during, before);
+    EXPECT_EQ(picture(), before);
+    EXPECT_EQ(open().selectedStationCount, 3);
+}
+
+TEST_F(WindowData, CancelledCriteriaStayAsTheyWere)
+{
+    openCast();
+    withNext<dialogs::selcriteriaDlg>([](dialogs::selcriteriaDlg& dialog) {
+        dialog.rbXBT();
+        dialog.processCancel();
+    });
+    window->processMenuItem(app::cmdSelectionCriteria);
+    EXPECT_STREQ(open().criteria.stationType, "*");
+    EXPECT_EQ(open().selectedStationCount, 3);
 }
 
 TEST_F(WindowData, RefusedCommandsAskNothing)

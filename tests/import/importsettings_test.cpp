@@ -99,6 +99,19 @@ TEST(ImportSetting, DefaultsAreLookedAtWhenTheyAreSet)
     EXPECT_FALSE(settings.defaults[metaLongitude]);
 }
 
+TEST(ImportSetting, AResetTakesAllOfThemBack)
+{
+    IMPORTSETTINGS settings;
+    ASSERT_EQ(setImportSetting(settings, "missing", "-999"), "");
+    ASSERT_EQ(setImportSetting(settings, "existing", "keep"), "");
+    ASSERT_EQ(setImportSetting(settings, "assoc", "\"a\"=\"b\""), "");
+    EXPECT_EQ(setImportSetting(settings, "reset", ""), "");
+    EXPECT_FALSE(settings.missing);
+    EXPECT_EQ(settings.existing, Existing::replace);
+    EXPECT_TRUE(settings.associations.empty());
+    EXPECT_NE(setImportSetting(settings, "reset", "yes"), "");
+}
+
 TEST(ImportSetting, SwitchesAndExistingStations)
 {
     EXPECT_EQ(with({{"check", "no"}}).check, false);
