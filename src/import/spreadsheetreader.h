@@ -31,8 +31,8 @@ public:
     [[nodiscard]] int lineNumber() const override;
     [[nodiscard]] std::string_view currentLine() const override;
     [[nodiscard]] const READACCOUNT& account() const override;
-    // True if what was left of the file when the reading ended is not blank: a station's header was refused, or
-    // a line was too short. That was told.
+    // True if what was left of the file when the reading ended is not blank: a station's header was refused,
+    // or a line was too short. That was told.
     [[nodiscard]] bool endedEarly() const;
 
 private:
