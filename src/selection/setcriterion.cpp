@@ -199,8 +199,8 @@ std::string setMonths(SELECTIONCRITERIA& criteria, std::string_view value)
 
 // --- domain
 
-// An end that is left out is the date line for one that is west of Greenwich, else Greenwich: "-30:" ends at 180,
-// "10:" at 360, ":10" begins at -180.
+// An end that is left out is the date line for one that is west of Greenwich, else Greenwich: "-30:" ends at
+// 180, "10:" at 360, ":10" begins at -180.
 std::string readLongitudes(std::string_view value, double& west, double& east)
 {
     constexpr double least = -360, most = 720;

@@ -30,7 +30,8 @@ TEST(VariableIds, GoToTheFirstOfSeveralVariablesOfOneOrigin)
 TEST(VariableIds, MayBeDividedByATabAndLinesOfNoFormAreLeftOut)
 {
     constexpr auto origins = std::to_array<int>({0, 1});
-    EXPECT_EQ(renumberedVariableIds("Depth\t1\nno form\nno number=x\n\nTime=1", origins), "Depth=1\nTime=1\n");
+    EXPECT_EQ(renumberedVariableIds("Depth\t1\nno form\nno number=x\n\nTime=1", origins),
+              "Depth=1\nTime=1\n");
 }
 
 } // namespace
