@@ -200,10 +200,12 @@ void deriveDirectories(const std::string& root, common::INSTALLATION& installati
     installation.coast = installation.root + "coast/";
     installation.include = installation.root + "include/";
     installation.atmhist = installation.root + "atmhist/";
+    installation.support = installation.root + "support/";
     installation.help = installation.root + "doc/";
     installation.guide = installation.help + "nvqGuide.htm";
     installation.userTree = installation.home + "nvq_local/";
     installation.palettes = installation.userTree + "palettes/";
+    installation.macros = installation.userTree + "macros/";
 }
 
 // Copies the files of a folder of the installation to the same place in the user's tree.

@@ -253,7 +253,7 @@ bool RAppWindow::checkInstallation()
 
 void RAppWindow::loadHistories()
 {
-    app::loadHistories(session_.installation.atmhist, session_.histories);
+    variables::loadHistories(session_.installation.atmhist, session_.surroundings.histories);
 }
 
 void RAppWindow::workThrough(std::span<const ARGUMENT> arguments)

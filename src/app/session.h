@@ -15,7 +15,6 @@
 
 #include "app/filekind.h"
 #include "app/gate.h"
-#include "app/histories.h"
 #include "app/keyvalues.h"
 #include "app/scratchfolder.h"
 #include "app/settings.h"
@@ -33,6 +32,7 @@
 #include "import/importsettings.h"
 #include "import/importspreadsheet.h"
 #include "selection/criteria.h"
+#include "variables/derivation.h"
 
 namespace app {
 
@@ -115,9 +115,10 @@ public:
     // --- what all of the program looks at
     common::INSTALLATION installation;
     SETTINGS settings;
-    ATMHISTORIES histories;
+
     collection::RCollection collection;
     collection::STATIONDATA currentStation;
+    variables::SURROUNDINGS surroundings; // of the derived variables
     graphics::GRAPHICSSETUP setup;
     graphics::MAPCACHE mapCache;
     collection::LASTFILES lastFiles;

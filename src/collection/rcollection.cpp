@@ -15,7 +15,7 @@ void resetVariables(std::array<VARINFO, common::variableSlots>& variables)
 RCollection::RCollection() : files_(std::make_unique<Files>())
 {
     resetVariables(variables);
-    neededMask.fill(1);
+    forgetDerived();
 }
 
 RCollection::~RCollection()
@@ -39,12 +39,23 @@ void RCollection::reset()
     headerRecordSize = 80;
     currentStation = currentSample = 0;
     resetVariables(variables);
-    neededMask.fill(1);
+    forgetDerived();
     cruises.clear();
     selectedCruises.clear();
     criteria = defaultCriteria();
     polygon = {};
     qualityLimit = common::noQualityLimit;
+}
+
+void RCollection::forgetDerived()
+{
+    totalVariableCount = variableCount;
+    for (int v = variableCount + 1; v < common::variableSlots; ++v)
+        variables[static_cast<std::size_t>(v)] = emptyVariable(v);
+    nMacros = 0;
+    formulas.fill({});
+    timeOrigins.fill(0);
+    neededMask.fill(1);
 }
 
 } // namespace collection

@@ -105,6 +105,13 @@ public:
     DOMAINPOLYGON polygon;
     int qualityLimit = common::noQualityLimit;
 
+    // --- derived variables: numbers variableCount + 1 to totalVariableCount, in the order of their making;
+    // each is computed from variables of smaller numbers only
+    int nMacros = 0;                                       // formulas in use, from the first on
+    std::array<std::string, common::maxFormulas> formulas; // a variable's own is that of its intParam
+    // Origin of a variable that reads times "since" a date, as a day number with its fraction.
+    std::array<double, common::variableSlots> timeOrigins{};
+
     // --- station files
     bool swapBytes = false;        // stored byte order differs from the host's
     bool foreignTimeOrder = false; // the file has the magic "NVQsol"
@@ -227,6 +234,8 @@ public:
     [[nodiscard]] bool openTemporaryFiles();
     void closeTemporaryFiles(); // and deletes all files of this tempId
 
+    // Only the collection's own variables are left, and all are needed.
+    void forgetDerived();
     // Everything as before the first open; files are closed. `stages`, tempDirectory and the names for the
     // log stay.
     void reset();

@@ -11,6 +11,8 @@ struct INSTALLATION {
     std::string palettes; // palettes in force: the user's own folder
     std::string include;  // the PostScript preamble "PSGraph.ps"
     std::string atmhist;  // atmospheric histories
+    std::string macros;   // macro files: the user's own folder
+    std::string support;  // optional packages, "gamma_n/" among them
     std::string help;     // user guide
     std::string guide;    // start page of the help, a file
     std::string home;     // the user's home directory

@@ -6,7 +6,7 @@
 #include "common/textcoding.h"
 #include "dialogs/enterednumber.h"
 #include "dialogs/formparts.h"
-#include "import/headerconversions.h"
+#include "variables/timeconversions.h"
 
 namespace dialogs {
 namespace {
@@ -42,7 +42,7 @@ bool isDateOrTime(int meta)
 
 bool countsSince(int id)
 {
-    return id >= importing::daysSinceRow && id <= importing::secondsSinceRow;
+    return id >= variables::daysSinceRow && id <= variables::secondsSinceRow;
 }
 
 QString prefixed(bool joined, const QString& line)
@@ -140,11 +140,11 @@ QStringList REditedHeader::targetLines() const
 QString REditedHeader::conversionText(int meta) const
 {
     const int id = desc_.convId[index(meta)];
-    if (id == importing::linearRow)
+    if (id == variables::linearRow)
         return QStringLiteral(" (%1 x + %2)")
             .arg(numberText(desc_.convA[index(meta)]), numberText(desc_.convB[index(meta)]));
-    for (const importing::HEADERROW& row : importing::headerRows) {
-        if (row.id == id && id > importing::linearRow)
+    for (const variables::HEADERROW& row : variables::headerRows) {
+        if (row.id == id && id > variables::linearRow)
             return QStringLiteral(" (") + fromUtf8(common::trimBlanks(row.source)) + QStringLiteral(")");
     }
     return {};
@@ -191,19 +191,19 @@ bool REditedHeader::mayConvert() const
 int REditedHeader::namedRow() const
 {
     if (pairs_.source() == RPairedLists::none || pairs_.target() != importing::metaDate) return -1;
-    return importing::sinceRowOf(labels_[index(pairs_.source())]);
+    return variables::sinceRowOf(labels_[index(pairs_.source())]);
 }
 
 bool REditedHeader::isRowPossible(int id) const
 {
-    if (id == importing::identityRow) return true;
-    return isDateOrTime(pairs_.target()) == (id != importing::linearRow);
+    if (id == variables::identityRow) return true;
+    return isDateOrTime(pairs_.target()) == (id != variables::linearRow);
 }
 
 bool REditedHeader::needsOrigin(int id) const
 {
     double day = 0;
-    return countsSince(id) && !importing::referenceDayOf(labels_[index(pairs_.source())], day);
+    return countsSince(id) && !variables::referenceDayOf(labels_[index(pairs_.source())], day);
 }
 
 void REditedHeader::convert(int id, float a, float b)
@@ -216,14 +216,14 @@ void REditedHeader::convert(int id, float a, float b)
     desc_.convA[index(meta)] = a;
     desc_.convB[index(meta)] = b;
     double day = 0;
-    if (countsSince(id) && importing::referenceDayOf(labels_[index(pairs_.source())], day))
+    if (countsSince(id) && variables::referenceDayOf(labels_[index(pairs_.source())], day))
         desc_.referenceDay[index(meta)] = day;
 }
 
 bool REditedHeader::convertFrom(int id, const QString& origin)
 {
     double day = 0;
-    if (!importing::referenceDayOf("days since " + origin.trimmed().toStdString(), day)) return false;
+    if (!variables::referenceDayOf("days since " + origin.trimmed().toStdString(), day)) return false;
     convert(id);
     desc_.referenceDay[index(pairs_.target())] = day;
     return true;

@@ -47,7 +47,7 @@ public:
     [[nodiscard]] bool isRowPossible(int id) const;
     // True if the row counts from a day that the selected column's label doesn't tell.
     [[nodiscard]] bool needsOrigin(int id) const;
-    // Joins the selected lines under a row of headerconversions.h; a and b are those of the linear one.
+    // Joins the selected lines under a row of timeconversions.h; a and b are those of the linear one.
     void convert(int id, float a = 1, float b = 0);
     // The same for a row that counts from `origin` ("yyyy-mm-dd hh:mm:ss"). False if that is no date.
     [[nodiscard]] bool convertFrom(int id, const QString& origin);

@@ -7,17 +7,16 @@
 #include "dialogs/formparts.h"
 #include "dialogs/lineinput.h"
 #include "dialogs/selconversion.h"
-#include "import/headerconversions.h"
+#include "variables/timeconversions.h"
 
 namespace dialogs {
 namespace {
 
-using importing::headerRows;
-
 QStringList conversionLines()
 {
     QStringList lines;
-    for (const importing::HEADERROW& row : headerRows) lines += fromUtf8(importing::headerRowLabel(row));
+    for (const variables::HEADERROW& row : variables::headerRows)
+        lines += fromUtf8(variables::headerRowLabel(row));
     return lines;
 }
 
@@ -110,11 +109,11 @@ void hvarassocDlg::processConvert()
     if (id < 0) {
         selconversionDlg dialog(source, target, conversionLines(), 0, this);
         if (dialog.exec() != QDialog::Accepted) return;
-        id = headerRows[static_cast<std::size_t>(dialog.row())].id;
+        id = variables::headerRows[static_cast<std::size_t>(dialog.row())].id;
     }
     if (!header_.isRowPossible(id))
         return tell(this, caption, QStringLiteral("This conversion gives no value for %1.").arg(target));
-    if (id == importing::linearRow) {
+    if (id == variables::linearRow) {
         deflinconversionDlg numbers(caption, this);
         if (numbers.exec() != QDialog::Accepted) return;
         header_.convert(id, numbers.a(), numbers.b());

@@ -27,7 +27,7 @@ bool takeThree(std::string_view& rest, char mark, int (&numbers)[3])
     return true;
 }
 
-bool takeDate(std::string_view& rest, HEADERTIME& time)
+bool takeDate(std::string_view& rest, variables::HEADERTIME& time)
 {
     const auto set = [&](int year, int month, int day) {
         time.year = year;
@@ -87,7 +87,7 @@ bool takeRestOfTime(std::string_view rest, int& hour)
 }
 
 // The time behind a date. False only if it is that of another place, or can't be understood.
-bool takeTimeOfDay(std::string_view rest, HEADERTIME& time)
+bool takeTimeOfDay(std::string_view rest, variables::HEADERTIME& time)
 {
     if (!takeMark(rest, 'T') && !takeMark(rest, 't') && !takeMark(rest, ' ')) return true;
     int hour = 0;
@@ -100,16 +100,16 @@ bool takeTimeOfDay(std::string_view rest, HEADERTIME& time)
 
 } // namespace
 
-bool scanDate(std::string_view text, HEADERTIME& time)
+bool scanDate(std::string_view text, variables::HEADERTIME& time)
 {
     std::string_view rest = common::trimBlanks(text);
-    HEADERTIME read = time;
+    variables::HEADERTIME read = time;
     if (!takeDate(rest, read) || !takeTimeOfDay(rest, read)) return false;
     time = read;
     return true;
 }
 
-bool scanTime(std::string_view text, HEADERTIME& time)
+bool scanTime(std::string_view text, variables::HEADERTIME& time)
 {
     int hour = 0, minute = 0;
     bool understood = true;

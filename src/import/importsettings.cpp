@@ -7,8 +7,8 @@
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "import/conversions.h"
-#include "import/headerconversions.h"
 #include "import/metadefaults.h"
+#include "variables/timeconversions.h"
 
 namespace importing {
 namespace {
@@ -165,17 +165,17 @@ std::optional<CHOSENCONVERSION> variableConversionNamed(std::string_view text)
 // True if a row makes what the metavariable takes from it.
 bool suits(int meta, int id)
 {
-    if (id == identityRow) return true;
-    if (meta == metaDate || meta == metaTime) return id > linearRow;
+    if (id == variables::identityRow) return true;
+    if (meta == metaDate || meta == metaTime) return id > variables::linearRow;
     return false;
 }
 
 std::optional<CHOSENCONVERSION> headerConversionNamed(int meta, std::string_view text)
 {
-    const auto linear = linearNamed(text, linearRow);
+    const auto linear = linearNamed(text, variables::linearRow);
     if (linear && meta >= metaLongitude) return linear;
-    for (const HEADERROW& row : headerRows) {
-        const bool named = sameLabel(headerRowLabel(row), text) || sameLabel(row.source, text) ||
+    for (const variables::HEADERROW& row : variables::headerRows) {
+        const bool named = sameLabel(variables::headerRowLabel(row), text) || sameLabel(row.source, text) ||
                            common::parseInt(text) == row.id;
         if (named && suits(meta, row.id)) return CHOSENCONVERSION{row.id, 1, 0};
     }

@@ -21,7 +21,7 @@ std::string setLabel(char (&field)[N], std::string_view text)
 
 std::string setDate(SPREADSHEETDESC& desc, std::string_view text)
 {
-    HEADERTIME date;
+    variables::HEADERTIME date;
     if (!scanDate(text, date) || date.month < 1 || date.month > 12 || date.day < 1 || date.day > 31)
         return "is no date (mm/dd/yyyy)";
     desc.defYear = static_cast<std::int16_t>(date.year);

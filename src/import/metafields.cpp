@@ -11,7 +11,7 @@
 #include "common/textcoding.h"
 #include "import/datefields.h"
 #include "import/fieldscan.h"
-#include "import/headerconversions.h"
+#include "variables/timeconversions.h"
 
 namespace importing {
 namespace {
@@ -57,23 +57,23 @@ bool scanField(std::string_view field, float& value)
 }
 
 // Reads the date or the time column by its conversion.
-void convertField(const SPREADSHEETDESC& desc, int meta, std::string_view text, HEADERTIME& time)
+void convertField(const SPREADSHEETDESC& desc, int meta, std::string_view text, variables::HEADERTIME& time)
 {
     double x = 0;
     if (scanField(text, x) &&
-        convertHeaderTime(desc.convId[index(meta)], x, desc.referenceDay[index(meta)], time))
+        variables::convertHeaderTime(desc.convId[index(meta)], x, desc.referenceDay[index(meta)], time))
         return;
     if (meta == metaDate) time = {};
 }
 
-HEADERTIME timeOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields)
+variables::HEADERTIME timeOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields)
 {
-    HEADERTIME time{desc.defYear, desc.defMonth, desc.defDay, desc.defHour, desc.defMinute};
+    variables::HEADERTIME time{desc.defYear, desc.defMonth, desc.defDay, desc.defHour, desc.defMinute};
     for (const int meta : {metaDate, metaTime}) {
         if (desc.metaColumn[index(meta)] < 0) continue;
         // The label rule would take digits of a year such as 14.07.2010.
         const std::string_view text = common::trimBlanks(fields.text[index(meta)]);
-        if (desc.convId[index(meta)] > linearRow) {
+        if (desc.convId[index(meta)] > variables::linearRow) {
             convertField(desc, meta, text, time);
         } else if (meta == metaTime) {
             if (!scanTime(text, time)) time.hour = time.minute = -1;
@@ -90,7 +90,7 @@ float bottomDepthOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields)
     if (desc.metaColumn[meta] < 0) return desc.defBotDepth;
     float value = 0;
     if (!scanField(fields.text[meta], value)) return 0;
-    if (desc.convId[meta] != linearRow) return value;
+    if (desc.convId[meta] != variables::linearRow) return value;
     return desc.convA[meta] * value + desc.convB[meta];
 }
 
@@ -120,7 +120,7 @@ float positionOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int meta
     float value = 0;
     if (!scanFloat(p, end, '\n', value) || !takeHemisphere({p, end}, hemispheres[0], hemispheres[1], value))
         return MISSING_VALUE;
-    if (desc.convId[index(meta)] != linearRow) return value;
+    if (desc.convId[index(meta)] != variables::linearRow) return value;
     return desc.convA[index(meta)] * value + desc.convB[index(meta)];
 }
 
@@ -180,7 +180,7 @@ STATIONHDR headerOf(const SPREADSHEETDESC& desc, const METAFIELDS& fields, int r
 {
     STATIONHDR header{};
     setLabels(desc, fields, runningNumber, fileIsUtf8, header);
-    HEADERTIME time = timeOf(desc, fields);
+    variables::HEADERTIME time = timeOf(desc, fields);
     if (clampedShort(time.year) != time.year) time = {}; // no date, and never another one
     header.year = clampedShort(time.year);
     header.month = clampedShort(time.month);

@@ -3,9 +3,9 @@
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "import/conversions.h"
-#include "import/headerconversions.h"
 #include "import/importsettings.h"
 #include "import/metadefaults.h"
+#include "variables/timeconversions.h"
 
 namespace importing {
 namespace {
@@ -148,10 +148,10 @@ bool RSettingsSettler::arrange(const ASSOCIATIONSETTING& association, SPREADSHEE
     const int column = columnNamed(labels, association.source);
     if (column < 0) return refuse("set_import assoc: there is no column " + quoted(association.source));
     const std::string& label = labels[index(column)];
-    const int since = meta == metaDate || meta == metaTime ? sinceRowOf(label) : -1;
-    const int row = association.conversion.row == identityRow ? since : association.conversion.row;
+    const int since = meta == metaDate || meta == metaTime ? variables::sinceRowOf(label) : -1;
+    const int row = association.conversion.row == variables::identityRow ? since : association.conversion.row;
     double referenceDay = 0;
-    if (row >= daysSinceRow && !referenceDayOf(label, referenceDay))
+    if (row >= variables::daysSinceRow && !variables::referenceDayOf(label, referenceDay))
         return refuse("set_import assoc: the label of column " + quoted(label) +
                       " holds no date behind \"since\"");
     assignColumn(desc, meta, column);

@@ -9,10 +9,10 @@
 #include "common/limits.h"
 #include "common/text.h"
 #include "common/textcoding.h"
-#include "import/headerconversions.h"
 #include "import/importsettings.h"
 #include "import/linereader.h"
 #include "import/quotedline.h"
+#include "variables/timeconversions.h"
 
 namespace importing {
 namespace {
@@ -41,7 +41,7 @@ bool looksLike(int meta, const std::string& label)
     const auto holds = [&](std::string_view part) { return lower.find(part) != std::string::npos; };
     switch (meta) {
     case metaDate:
-        return sinceRowOf(label) >= 0;
+        return variables::sinceRowOf(label) >= 0;
     case metaLongitude:
         return holds("degree_e") || holds("degrees_e");
     case metaLatitude:
@@ -385,8 +385,8 @@ std::vector<int> findMetaColumns(SPREADSHEETDESC& desc, std::span<const std::str
         desc.role[static_cast<std::size_t>(column)] = meta;
         const std::string& label = labels[static_cast<std::size_t>(column)];
         if (meta != metaDate || common::equalsIgnoreCase(label, metaLabels[slot])) continue;
-        desc.convId[slot] = sinceRowOf(label);
-        if (!referenceDayOf(label, desc.referenceDay[slot])) desc.referenceDay[slot] = 0;
+        desc.convId[slot] = variables::sinceRowOf(label);
+        if (!variables::referenceDayOf(label, desc.referenceDay[slot])) desc.referenceDay[slot] = 0;
     }
     return unsettledMetas(desc, standard, timeWanted);
 }

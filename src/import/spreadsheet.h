@@ -47,7 +47,7 @@ struct SPREADSHEETDESC {
     std::array<int, maxColumns> role;           // -1 data or unknown, else a Meta
     std::array<int, metaCount> metaColumn;      // column of each metavariable from 0, -1 none
     int nMeta;                                  // metavariables that have a column
-    std::array<int, metaCount> convId;          // row of headerconversions.h, -1 none
+    std::array<int, metaCount> convId;          // row of timeconversions.h, -1 none
     std::array<float, metaCount> convA, convB;  // constants of the linear conversion
     std::array<double, metaCount> referenceDay; // origin of a "since" conversion, a day number
     float missingValue;                         // stands for no value in the file

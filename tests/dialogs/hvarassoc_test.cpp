@@ -8,9 +8,9 @@
 
 #include "dialogs/deflinconversion.h"
 #include "dialogs/selconversion.h"
-#include "import/headerconversions.h"
 #include "nextdialog.h"
 #include "variables.h"
+#include "variables/timeconversions.h"
 
 namespace {
 
@@ -148,19 +148,19 @@ TEST_F(HeaderVariables, AConversionIsStoredByItsId)
 TEST_F(HeaderVariables, ADateThatCountsSinceSomeDayTakesItsConversionWithoutAsking)
 {
     open({"x", "HOURS since 2000-01-02"});
-    EXPECT_EQ(dialog->desc().convId[date], importing::hoursSinceRow); // found by its label
+    EXPECT_EQ(dialog->desc().convId[date], variables::hoursSinceRow); // found by its label
     select(-1, date);
     EXPECT_EQ(hint(), "mon/day/yr is read from column 2 (hours since yyyy-mm-dd hh:mm:ss)");
     press("PB_Undo");
     EXPECT_EQ(dialog->desc().convId[date], -1);
     press("PB_Convert"); // no dialog comes up
-    EXPECT_EQ(dialog->desc().convId[date], importing::hoursSinceRow);
+    EXPECT_EQ(dialog->desc().convId[date], variables::hoursSinceRow);
     double day = 0;
-    ASSERT_TRUE(importing::referenceDayOf("hours since 2000-01-02", day));
+    ASSERT_TRUE(variables::referenceDayOf("hours since 2000-01-02", day));
     EXPECT_EQ(dialog->desc().referenceDay[date], day);
     press("PB_Undo");
     press("PB_Associate"); // as a plain date nothing could be read
-    EXPECT_EQ(dialog->desc().convId[date], importing::hoursSinceRow);
+    EXPECT_EQ(dialog->desc().convId[date], variables::hoursSinceRow);
     EXPECT_EQ(dialog->desc().referenceDay[date], day);
 }
 
@@ -176,8 +176,8 @@ TEST_F(HeaderVariables, AnOriginThatTheLabelDoesNotTellIsAsked)
     });
     press("PB_Convert");
     double day = 0;
-    ASSERT_TRUE(importing::referenceDayOf("days since 1970-01-01 12:00:00", day));
-    EXPECT_EQ(dialog->desc().convId[date], importing::daysSinceRow);
+    ASSERT_TRUE(variables::referenceDayOf("days since 1970-01-01 12:00:00", day));
+    EXPECT_EQ(dialog->desc().convId[date], variables::daysSinceRow);
     EXPECT_EQ(dialog->desc().referenceDay[date], day);
 }
 

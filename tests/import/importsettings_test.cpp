@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "common/textcoding.h"
-#include "import/headerconversions.h"
 #include "import/importsettings.h"
 #include "import/listsettler.h"
 #include "import/spreadsheetfixture.h"
+#include "variables/timeconversions.h"
 
 namespace {
 
@@ -185,7 +185,7 @@ TEST(ImportSetting, AHeaderVariableTakesTheConversionsOfHeaders)
     EXPECT_EQ(association("a=\"mon/day/yr\":\"date as YYYYMMDD -> mon/day/year\"").conversion.row, 2);
     EXPECT_EQ(association("a=time:13").conversion.row, 13);
     EXPECT_EQ(association("a=time:time as hhmm -> hh:mm").conversion.row, 13);
-    EXPECT_EQ(association("a=lon:linear:-1:0").conversion.row, linearRow);
+    EXPECT_EQ(association("a=lon:linear:-1:0").conversion.row, variables::linearRow);
     IMPORTSETTINGS settings;
     for (const std::string text :
          {"a=lon:2", "a=cruise:linear:1:0", "a=date:linear:1:0", "a=date:1", "a=date:99"})

@@ -90,26 +90,27 @@ TEST(RealSpreadsheet, QuotesBehindTheFirstBlocksAreFound)
 
 // --- dates
 
-HEADERTIME dateOf(const std::string& text)
+variables::HEADERTIME dateOf(const std::string& text)
 {
-    HEADERTIME time;
-    return scanDate(text, time) ? time : HEADERTIME{};
+    variables::HEADERTIME time;
+    return scanDate(text, time) ? time : variables::HEADERTIME{};
 }
 
 TEST(DateField, IsReadInEachOfItsForms)
 {
-    const HEADERTIME day{2009, 7, 14, 0, 0};
+    const variables::HEADERTIME day{2009, 7, 14, 0, 0};
     for (const char* text : {"07/14/2009", "7/14/2009", "2009-07-14", "2009-7-14", "14.07.2009", "14.7.2009",
                              " 2009-07-14 ", "2009-07-14Z", "2009-07-14T"})
         EXPECT_EQ(dateOf(text), day) << text;
     EXPECT_EQ(dateOf("14.07.99").year, 1999);
-    EXPECT_EQ(dateOf("14.07.2010"), (HEADERTIME{2010, 7, 14, 0, 0})); // its last zero is no fraction
+    EXPECT_EQ(dateOf("14.07.2010"),
+              (variables::HEADERTIME{2010, 7, 14, 0, 0})); // its last zero is no fraction
     EXPECT_EQ(dateOf("0099-07-14").year, 99);
 }
 
 TEST(DateField, TakesTheTimeBehindIt)
 {
-    const HEADERTIME moment{2009, 7, 14, 12, 30};
+    const variables::HEADERTIME moment{2009, 7, 14, 12, 30};
     for (const char* text :
          {"2009-07-14T12:30", "2009-07-14T12:30:00", "2009-07-14T12:30:59.5Z", "2009-07-14 12:30",
           "2009-07-14t12:30+00:00", "2009-07-14T12:30-0000", "14.07.2009 12:30", "07/14/2009 12:30"})
@@ -120,7 +121,7 @@ TEST(DateField, RefusesWhatItCanNotRead)
 {
     for (const char* text : {"", "x", "2009", "20090714", "09-07-14", "2009-07", "14.07", "07/14",
                              "2009-07-14T12:30+02:00", "2009-07-14T12:30:00-0330", "1/2/40000"})
-        EXPECT_EQ(dateOf(text), HEADERTIME{}) << text;
+        EXPECT_EQ(dateOf(text), variables::HEADERTIME{}) << text;
 }
 
 TEST(RealSpreadsheet, DatesOfOtherFormsAreRead)

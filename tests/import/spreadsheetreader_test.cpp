@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "common/textcoding.h"
-#include "import/headerconversions.h"
 #include "import/spreadsheetfixture.h"
+#include "variables/timeconversions.h"
 
 namespace {
 
@@ -251,8 +251,8 @@ TEST(ReadSpreadsheet, AYearThatAHeaderCannotHoldIsRefusedWithItsField)
     file.read(header + line("1", "1\t0\t2\t0", "40000") + line("2", "1\t0\t2\t0", "20000000"));
     ASSERT_EQ(file.result, HeaderResult::ok);
     file.header.desc.metaColumn[metaDate] = 3;
-    file.header.desc.convId[metaDate] = daysSinceRow;
-    ASSERT_TRUE(referenceDayOf(file.header.labels[3], file.header.desc.referenceDay[metaDate]));
+    file.header.desc.convId[metaDate] = variables::daysSinceRow;
+    ASSERT_TRUE(variables::referenceDayOf(file.header.labels[3], file.header.desc.referenceDay[metaDate]));
     file.readStations();
     ASSERT_EQ(file.stations.size(), 1u);
     EXPECT_EQ(file.stations[0].header.year, 2009);

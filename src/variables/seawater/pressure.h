@@ -15,4 +15,9 @@ namespace seawater {
 // Check: depthFromPressure(10000, 30) = 9712.653.
 [[nodiscard]] double depthFromPressure(float pressure, float latitude);
 
+// Acceleration of gravity [m/s2] at the surface at a latitude [degrees].
+// Source: International Gravity Formula of 1967 in the form 9.780318 (1 + 0.0053024 sin2 - 0.0000059 sin2(2
+// lat)).
+[[nodiscard]] double gravity(float latitude);
+
 } // namespace seawater

@@ -1,4 +1,4 @@
-#include "import/headerconversions.h"
+#include "variables/timeconversions.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,7 +6,7 @@
 #include "common/calendar.h"
 #include "common/text.h"
 
-namespace importing {
+namespace variables {
 namespace {
 
 constexpr double largestNumber = 1e15; // far beyond any date, and exact as a whole number
@@ -239,4 +239,4 @@ bool convertToDayOfYear(int id, double x, double referenceDay, double& day)
     return true;
 }
 
-} // namespace importing
+} // namespace variables

@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include "common/calendar.h"
-#include "import/headerconversions.h"
+#include "variables/timeconversions.h"
 
 namespace {
 
-using namespace importing;
+using namespace variables;
 
 HEADERTIME converted(int id, double x, double reference = 0)
 {

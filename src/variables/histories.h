@@ -6,18 +6,19 @@
 #include <string>
 #include <string_view>
 
-namespace app {
+#include "variables/seawater/solubility.h"
+
+namespace variables {
 
 inline constexpr int maxHistoryRows = 200;
 
 struct ATMHISTORY {
-    int count = 0;                                      // rows, 0 to 200
-    std::array<float, maxHistoryRows> year{};           // decimal years, in the file's order
-    std::array<float, maxHistoryRows> north{}, south{}; // value of each hemisphere, in the file's units
+    int n = 0;                                                // rows, 0 to 200
+    std::array<float, maxHistoryRows> years{};                // decimal years, in the file's order
+    std::array<float, maxHistoryRows> northern{}, southern{}; // value of each hemisphere, in the file's units
 };
 
-enum HistoryGas : int { gasCfc11 = 0, gasCfc12 = 1, gasCfc10 = 2, gasCfc113 = 3, gasCh4 = 4, gasCount = 5 };
-using ATMHISTORIES = std::array<ATMHISTORY, gasCount>;
+using ATMHISTORIES = std::array<ATMHISTORY, seawater::gasCount>; // by seawater::Gas
 
 // Rows of "year north south" behind a heading line, up to the first line that doesn't give three numbers;
 // rows beyond the 200th are dropped.
@@ -26,4 +27,4 @@ using ATMHISTORIES = std::array<ATMHISTORY, gasCount>;
 // Reads the five files of a folder; a missing file leaves its table empty.
 void loadHistories(const std::string& atmhistFolder, ATMHISTORIES& histories);
 
-} // namespace app
+} // namespace variables

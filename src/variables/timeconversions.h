@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace importing {
+namespace variables {
 
 struct HEADERROW {
     int id;                  // the same for all rows of one reading
@@ -79,4 +79,4 @@ struct HEADERTIME {
 [[nodiscard]] bool convertToYears(int id, double x, double referenceDay, double& years);
 [[nodiscard]] bool convertToDayOfYear(int id, double x, double referenceDay, double& day);
 
-} // namespace importing
+} // namespace variables

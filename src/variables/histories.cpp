@@ -1,13 +1,13 @@
-#include "app/histories.h"
+#include "variables/histories.h"
 
 #include "common/files.h"
 #include "common/text.h"
 
-namespace app {
+namespace variables {
 namespace {
 
-constexpr std::array<const char*, gasCount> fileNames = {"atmcfc11.his", "atmcfc12.his", "atmcfc10.his",
-                                                         "atmcfc113.his", "atmch4.his"};
+constexpr std::array<const char*, seawater::gasCount> fileNames = {
+    "atmcfc11.his", "atmcfc12.his", "atmcfc10.his", "atmcfc113.his", "atmch4.his"};
 constexpr std::int64_t largestFile = 1 << 20; // bytes
 
 } // namespace
@@ -16,16 +16,16 @@ ATMHISTORY parseHistory(std::string_view content)
 {
     ATMHISTORY table;
     (void)common::takeLine(content);
-    while (!content.empty() && table.count < maxHistoryRows) {
+    while (!content.empty() && table.n < maxHistoryRows) {
         std::string_view line = common::takeLine(content);
         float year = 0, north = 0, south = 0;
         if (!common::takeFloat(line, year) || !common::takeFloat(line, north) ||
             !common::takeFloat(line, south))
             break;
-        const auto row = static_cast<std::size_t>(table.count++);
-        table.year[row] = year;
-        table.north[row] = north;
-        table.south[row] = south;
+        const auto row = static_cast<std::size_t>(table.n++);
+        table.years[row] = year;
+        table.northern[row] = north;
+        table.southern[row] = south;
     }
     return table;
 }
@@ -38,4 +38,4 @@ void loadHistories(const std::string& atmhistFolder, ATMHISTORIES& histories)
     }
 }
 
-} // namespace app
+} // namespace variables

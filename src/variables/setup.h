@@ -1,0 +1,108 @@
+#pragma once
+
+// Adding and deleting derived variables, and the roles that variables play.
+
+#include <array>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "collection/rcollection.h"
+#include "common/installation.h"
+#include "common/user.h"
+#include "variables/derivation.h"
+#include "variables/registry.h"
+
+namespace variables {
+
+// A question for a variable.
+struct IDENTIFICATION {
+    std::string title;   // "%s - Identify %s"
+    std::string keyText; // the role, "Depth [m]", or "Numerator", "Variable", ...
+    int proposed = 0;    // the variable that is likely meant, 0 if there is none
+    bool isKey = true;   // the answer is a role that `.idv` keeps
+};
+
+// A formula as the user defines it.
+struct EXPRESSIONDEFINITION {
+    std::string label = "New Var [units]"; // in UTF-8 or Latin-1, at most 60 bytes
+    int width = 8, decimals = 3;
+    std::string formula;
+    std::vector<int> inputs; // numbers of variables, at most 9
+};
+
+// Who answers the questions of a set-up. Each answer is nothing if it was cancelled.
+class RVariableSettler {
+public:
+    virtual ~RVariableSettler() = default;
+    [[nodiscard]] virtual std::optional<int> identify(const IDENTIFICATION& question,
+                                                      const collection::RCollection& collection) = 0;
+    // A number as text, read with "%f".
+    [[nodiscard]] virtual std::optional<std::string>
+    askNumber(std::string_view title, std::string_view prompt, std::string_view preset) = 0;
+    // One of the ways to read a time (row ids of timeconversions.h); `target` is "Time [yr]" or "Day of Year
+    // [days]".
+    [[nodiscard]] virtual std::optional<int> chooseTimeForm(std::string_view label,
+                                                            std::string_view target) = 0;
+    // The origin "yyyy-mm-dd hh:mm:ss" that the label of a time variable lacks.
+    [[nodiscard]] virtual std::optional<std::string> askOrigin(std::string_view label) = 0;
+    [[nodiscard]] virtual std::optional<EXPRESSIONDEFINITION>
+    defineExpression(const collection::RCollection& collection) = 0;
+    // A macro file; empty if cancelled.
+    [[nodiscard]] virtual std::string chooseMacroFile(const std::string& folder) = 0;
+};
+
+// What a set-up works with.
+struct SETUPTOOLS {
+    SURROUNDINGS& surroundings;
+    const common::INSTALLATION& installation;
+    RVariableSettler& settler;
+    common::RUser& user;
+};
+
+// Adds one variable of a row of the table. Returns its number; 0 if nothing was added, after a message unless
+// the user cancelled.
+[[nodiscard]] int addDerivedVariable(collection::RCollection& collection, int rowIndex,
+                                     const SETUPTOOLS& tools);
+
+// Removes derived variable k (1 is the first) and all that depend on it. Returns how many were removed at or
+// before k; 0 if there is no such variable.
+int deleteDerivedVariable(collection::RCollection& collection, int k);
+// Which variables that would be, by their numbers, ascending.
+[[nodiscard]] std::vector<int> dependentVariables(const collection::RCollection& collection, int number);
+
+// The variable that plays a role: by `.idv` if `recordable` (the answer is then noted there, if it is one of
+// the collection's own), else by the settler. 0 if the user cancelled.
+[[nodiscard]] int identifyVariable(collection::RCollection& collection, std::string_view title,
+                                   std::string_view keyText, bool recordable, RVariableSettler& settler);
+// The variable that is likely meant: the first whose label holds the key text, else the first with the same
+// name in front of its units (case ignored); 0 if there is none.
+[[nodiscard]] int proposedVariable(const collection::RCollection& collection, std::string_view keyText);
+
+struct KEYROLE {
+    std::string keyText;
+    int variable = 0;
+};
+// The roles that `.idv` records, in its order.
+[[nodiscard]] std::vector<KEYROLE> recordedRoles(const collection::RCollection& collection);
+// Asks again for each of them. Returns the number of changes.
+int resetKeyVariables(collection::RCollection& collection, RVariableSettler& settler);
+
+// The derived variables of a collection, to be put back when its own variables have become others.
+struct DERIVEDSET {
+    int firstNumber = 1; // of the derived variables
+    std::vector<collection::VARINFO> variables;
+    std::vector<double> timeOrigins;
+    int nMacros = 0;
+    std::array<std::string, common::maxFormulas> formulas;
+};
+[[nodiscard]] DERIVEDSET derivedSet(const collection::RCollection& collection);
+// newNumbers[old]: the new number of each of the old collection variables, 0 for one that is gone (index 0 is
+// no variable). Variables that have lost a source, or for which there is no room, are left out. Returns the
+// new number of each variable of the set, 0 for those.
+std::vector<int> restoreDerived(collection::RCollection& collection, const DERIVEDSET& set,
+                                std::span<const int> newNumbers);
+
+} // namespace variables
