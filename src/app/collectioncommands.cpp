@@ -236,12 +236,31 @@ bool RSession::sortAndCondense()
     return true;
 }
 
-void RSession::variablesChanged(std::span<const collection::VARINFO> newVariables, int oldCount)
+// numbers[old]: the new number of each variable, derived ones included; 0 for one that is gone.
+void RSession::variablesChanged(std::span<const int> numbers)
 {
-    const std::vector<int> numbers = newNumbersOf(newVariables, oldCount);
     graphics::GRAPHICSSETUP defaults;
     graphics::setDefaultSetup(defaults, collection, installation);
     followVariables(setup, numbers, defaults, ranged_);
+}
+
+// Derived variables stay as long as what they are computed from does. `sample` are the criteria of before.
+void RSession::keepDerived(const variables::DERIVEDSET& derived, std::vector<int>& numbers,
+                           const collection::SELECTIONCRITERIA& sample)
+{
+    const std::vector<int> kept = variables::restoreDerived(collection, derived, numbers);
+    numbers.insert(numbers.end(), kept.begin(), kept.end());
+    const auto lost = std::count(kept.begin(), kept.end(), 0);
+    if (lost > 0)
+        user_.note(common::format("%s.var: %d derived variables are gone with what they were computed from",
+                                  collection.path.c_str(), static_cast<int>(lost)));
+    const bool wasDerived = sample.sampleVariable >= derived.firstNumber &&
+                            sample.sampleVariable < static_cast<int>(numbers.size());
+    if (!wasDerived) return;
+    collection.criteria.sampleVariable = numbers[static_cast<std::size_t>(sample.sampleVariable)];
+    if (collection.criteria.sampleVariable == 0) return;
+    collection.criteria.sampleMin = sample.sampleMin;
+    collection.criteria.sampleMax = sample.sampleMax;
 }
 
 bool RSession::changeVariables(std::vector<collection::VARINFO> newVariables)
@@ -255,8 +274,14 @@ bool RSession::changeVariables(std::vector<collection::VARINFO> newVariables)
         if (!view_.editVariables(collection.name, newVariables, old)) return false;
     }
     const std::string path = collection.path;
+    const variables::DERIVEDSET derived = variables::derivedSet(collection);
+    const collection::SELECTIONCRITERIA criteria = collection.criteria;
     const bool done = collection.changeVariableSet(scratch_, newVariables, user_);
-    if (done && collection.isOpen) variablesChanged(newVariables, oldCount);
+    if (done && collection.isOpen) {
+        std::vector<int> numbers = newNumbersOf(newVariables, oldCount);
+        keepDerived(derived, numbers, criteria);
+        variablesChanged(numbers);
+    }
     if (done || !collection.isOpen) stationsChanged();
     if (done)
         tellDone(common::format("%s.var: has %d variables now, had %d", path.c_str(),

@@ -52,6 +52,16 @@ struct TABLEEXPORT { // a spreadsheet
     std::vector<std::string> variables; // each a number or a label; empty: all of the collection
 };
 
+struct DERIVEDCHOICE {
+    int row = 0;                         // of variables::derivedRows
+    std::vector<std::string> parameters; // answers to the questions of its set-up, in their order
+};
+struct FORMULACHOICE {
+    std::string label, formula;
+    int width = 8, decimals = 3;
+    std::vector<std::string> inputs; // each a number or a label
+};
+
 // What a call gives back that has failed and has told why.
 inline constexpr std::string_view toldFault = "failed";
 
@@ -102,6 +112,13 @@ public:
     [[nodiscard]] virtual std::string exportListing(exporting::ListingForm form, const std::string& path) = 0;
     [[nodiscard]] virtual std::string exportCollection(const std::string& path) = 0;
     [[nodiscard]] virtual std::string exportSpreadsheet(const TABLEEXPORT& table) = 0;
+    // Variables are numbers or labels.
+    [[nodiscard]] virtual std::string setKey(const std::string& keyText, const std::string& variable) = 0;
+    [[nodiscard]] virtual std::string addDerived(const DERIVEDCHOICE& choice) = 0;
+    [[nodiscard]] virtual std::string addExpression(const FORMULACHOICE& choice) = 0;
+    [[nodiscard]] virtual std::string addMacro(const std::string& path,
+                                               const std::vector<std::string>& inputs) = 0;
+    [[nodiscard]] virtual std::string deleteDerived(const std::string& variable) = 0;
 };
 
 // Runs the lines of a command file. `name` is its name in messages; `note` takes each message, in the form

@@ -36,6 +36,10 @@ enum CommandId : int {
     cmdDeleteEmpty = 40107,
     cmdDeleteCurrent = 40108,
     cmdSelectionCriteria = 40201,
+    cmdDerivedVariables = 40202,
+    cmdVariablesSettings = 40205,
+    cmdKeyVariables = 40206,
+    cmdGeneralSettings = 40207,
     cmdLoadConfiguration = 40209,
     cmdFirstLayout = 40220,
     cmdImportSpreadsheet = 40313,
@@ -51,6 +55,7 @@ enum CommandId : int {
     cmdVersion = 40603,
     cmdFirstMode = 40700, // MAP; mode + 40701
     cmdFullRange = 40918,
+    cmdMacroEditor = 40997,
     cmdRedraw = 40999
 };
 

@@ -67,6 +67,56 @@ constexpr auto dataCommands = std::to_array<COLLECTIONCOMMAND>({
     {cmdExportCollection, [](RSession& s) { return s.exportCollection({}); }},
 });
 
+// The menus whose entries are all commands. An id of 0 is a separator.
+struct MENUENTRY {
+    int id;
+    const char* text;
+};
+struct MENU {
+    const char* title;
+    std::span<const MENUENTRY> entries;
+};
+constexpr MENUENTRY collectionEntries[] = {{cmdNew, "&New"},
+                                           {cmdOpen, "&Open Collection"},
+                                           {cmdClose, "&Close"},
+                                           {0, nullptr},
+                                           {cmdCopy, "C&opy"},
+                                           {cmdMove, "&Move/Rename"},
+                                           {cmdDelete, "&Delete"},
+                                           {0, nullptr},
+                                           {cmdSortAndCondense, "&Sort and Condense"},
+                                           {cmdChangeVariables, "&Add/Delete Variables"},
+                                           {0, nullptr},
+                                           {cmdDeleteSelected, "Delete Station Subset"},
+                                           {cmdDeleteEmpty, "Delete Empty Stations"},
+                                           {cmdDeleteCurrent, "Delete Current Station"}};
+constexpr MENUENTRY configurationEntries[] = {{cmdSelectionCriteria, "Selection Criteria"},
+                                              {cmdDerivedVariables, "Derived Variables"},
+                                              {cmdVariablesSettings, "Variables Settings"},
+                                              {cmdKeyVariables, "Identify Key Variables"},
+                                              {0, nullptr},
+                                              {cmdGeneralSettings, "General Settings"}};
+constexpr MENUENTRY importEntries[] = {{cmdImportSpreadsheet, "NVQ SpreadSheet"},
+                                       {cmdImportListing4, "NVQ 4.x Listing"},
+                                       {cmdImportListing3, "NVQ 3.0 Listing"}};
+constexpr MENUENTRY exportEntries[] = {{cmdExportSpreadsheet, "NVQ SpreadSheet"},
+                                       {cmdExportCollection, "NVQ Collection"},
+                                       {cmdExportListing4, "NVQ 4.x Listing"},
+                                       {cmdExportListing3, "NVQ 3.0 Listing"}};
+constexpr MENUENTRY utilityEntries[] = {
+    {cmdLogComment, "Add log File Comment"}, {0, nullptr}, {cmdMacroEditor, "Invoke Macro Editor"}};
+constexpr MENU commandMenus[] = {{"&Collection", collectionEntries},
+                                 {"C&onfiguration", configurationEntries},
+                                 {"&Import", importEntries},
+                                 {"&Export", exportEntries},
+                                 {"&Utilities", utilityEntries}};
+
+// The commands that the window carries out by dialogs over the session.
+struct WINDOWCOMMAND {
+    int id;
+    void (RAppWindow::*run)();
+};
+
 QString fromUtf8(const std::string& text)
 {
     return QString::fromStdString(text);
@@ -74,13 +124,18 @@ QString fromUtf8(const std::string& text)
 
 } // namespace
 
+// A command that stands in several menus is one action.
 void RAppWindow::addEntry(QMenu* menu, int commandId, const QString& text, const QKeySequence& key)
 {
-    QAction* const entry = menu->addAction(text);
+    QAction*& entry = actions_[commandId];
+    if (entry) {
+        menu->addAction(entry);
+        return;
+    }
+    entry = menu->addAction(text);
     entry->setShortcut(key);
     connect(entry, &QAction::triggered, this, [this, commandId] { processMenuItem(commandId); });
     connect(entry, &QAction::hovered, this, [this, commandId] { showMenuHelp(commandId); });
-    actions_[commandId] = entry;
 }
 
 void RAppWindow::buildMenus()
@@ -88,7 +143,20 @@ void RAppWindow::buildMenus()
     menuBar()->clear();
     actions_.clear();
     buildFileMenu();
+    buildCommandMenus();
     buildViewMenu();
+}
+
+void RAppWindow::buildCommandMenus()
+{
+    for (const MENU& commands : commandMenus) {
+        QMenu* const menu = menuBar()->addMenu(QString::fromLatin1(commands.title));
+        for (const MENUENTRY& entry : commands.entries) {
+            if (entry.id == 0) menu->addSeparator();
+            if (entry.id != 0) addEntry(menu, entry.id, QString::fromLatin1(entry.text));
+        }
+        enableMenu(menu);
+    }
 }
 
 void RAppWindow::buildFileMenu()
@@ -179,6 +247,14 @@ bool RAppWindow::dispatch(int commandId)
     }
     for (const COLLECTIONCOMMAND& command : dataCommands) {
         if (command.id == commandId) return command.run(session_) && commandId == cmdSelectionCriteria;
+    }
+    constexpr WINDOWCOMMAND windowCommands[] = {{cmdDerivedVariables, &RAppWindow::editDerivedVariables},
+                                                {cmdVariablesSettings, &RAppWindow::editVariablesSettings},
+                                                {cmdKeyVariables, &RAppWindow::resetKeyVariables},
+                                                {cmdGeneralSettings, &RAppWindow::editGeneralSettings},
+                                                {cmdMacroEditor, &RAppWindow::editMacro}};
+    for (const WINDOWCOMMAND& command : windowCommands) {
+        if (command.id == commandId) (this->*command.run)();
     }
     if (commandId == cmdOpen) openByDialog();
     if (commandId == cmdClose) session_.close(false);

@@ -233,6 +233,7 @@ void RSession::becomeReady(const std::string& path)
 void RSession::listChanged()
 {
     setup.map.toDraw = 1;
+    takeMapDomain();
     graphics::PLOTCONTEXT context = plotContext();
     graphics::refreshSelection(context);
     invalidate();

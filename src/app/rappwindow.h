@@ -98,11 +98,17 @@ private:
     void redraw(bool full);
     void addEntry(QMenu* menu, int commandId, const QString& text, const QKeySequence& key = {});
     void buildFileMenu();
+    void buildCommandMenus();
     void buildViewMenu();
     void enableMenu(QMenu* menu);
     void showMenuHelp(int commandId);
     void fillRecentFiles();
     [[nodiscard]] bool dispatch(int commandId);
+    void editDerivedVariables(); // deriveddialogs.cpp
+    void editVariablesSettings();
+    void resetKeyVariables();
+    void editGeneralSettings();
+    void editMacro();
     void openByDialog();
     void executeByDialog();
     void saveScreen();

@@ -19,6 +19,7 @@
 #include "app/scratchfolder.h"
 #include "app/settings.h"
 #include "app/setupvariables.h"
+#include "app/stages.h"
 #include "collection/collectionfiles.h"
 #include "collection/collectionlock.h"
 #include "collection/rcollection.h"
@@ -32,7 +33,7 @@
 #include "import/importsettings.h"
 #include "import/importspreadsheet.h"
 #include "selection/criteria.h"
-#include "variables/derivation.h"
+#include "variables/setup.h"
 
 namespace app {
 
@@ -169,6 +170,25 @@ public:
     // What is wrong, empty if nothing is: then all pairs are in force, else none. "reset" has no value.
     [[nodiscard]] std::string select(std::span<const KEYVALUE> pairs);
     [[nodiscard]] bool editSelection();
+
+    // --- derived variables (derivedcommands.cpp)
+    // These give back what is wrong, empty if nothing is, or that it was told. Variables are numbers or
+    // labels.
+    [[nodiscard]] std::string setKey(std::string_view keyText, std::string_view variable);
+    [[nodiscard]] std::string addDerived(int row, std::span<const std::string> parameters);
+    [[nodiscard]] std::string addExpression(variables::EXPRESSIONDEFINITION definition,
+                                            std::span<const std::string> inputs);
+    [[nodiscard]] std::string addMacro(const std::string& path, std::span<const std::string> inputs);
+    [[nodiscard]] std::string deleteDerived(std::string_view variable);
+    // The number of a new variable of a row, whose questions the settler answers; 0 if none was added.
+    int addDerivedVariable(int row, variables::RVariableSettler& settler);
+    // With all that depend on it.
+    void deleteDerivedVariable(int number);
+    // New labels, formats and positions of all variables (index 0 is no variable).
+    void takeVariableSettings(std::span<const collection::VARINFO> edited);
+    void takeCoverage(const variables::COVERAGECRITERIA& coverage);
+    // Variables that were computed for a station, since the session began.
+    [[nodiscard]] std::int64_t calculations() const { return stages_.calculations(); }
     [[nodiscard]] selection::MAPDOMAIN mapDomain() const;
     // Number of a variable, also a derived one, by number or label; 0 if there is none.
     [[nodiscard]] int variableOf(std::string_view text) const;
@@ -243,6 +263,11 @@ private:
     [[nodiscard]] bool mayDescribe(const std::string& listing);
     [[nodiscard]] std::optional<std::vector<int>> outputVariables(bool asked);
 
+    // derivedcommands.cpp
+    [[nodiscard]] std::string tellAdded(int number, std::string_view fault);
+    [[nodiscard]] std::string macroPath(const std::string& path) const;
+    void takeMapDomain();
+
     // selectioncommands.cpp
     void takeCriteria(const EDITEDCRITERIA& edited);
     void tellSelected();
@@ -275,7 +300,9 @@ private:
     [[nodiscard]] std::string targetBase(const std::string& path, const FILEQUESTION& question);
     [[nodiscard]] bool deleteStations(const std::function<int()>& remove);
     void stationsChanged();
-    void variablesChanged(std::span<const collection::VARINFO> newVariables, int oldCount);
+    void variablesChanged(std::span<const int> numbers);
+    void keepDerived(const variables::DERIVEDSET& derived, std::vector<int>& numbers,
+                     const collection::SELECTIONCRITERIA& sample);
     void forgetRecentFile(const std::string& path);
     void tellDone(const std::string& text);
 
@@ -296,7 +323,7 @@ private:
 
     common::RUser& user_;
     RSessionView& view_;
-    selection::RSelectionStages stages_;
+    RProgramStages stages_{surroundings};
     collection::RCollectionLock lock_;
     bool openingTemporary_ = false; // what is being opened was unpacked and goes when it is closed
     std::string importDirectory_;   // of the file that was imported last

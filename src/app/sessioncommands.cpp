@@ -209,6 +209,16 @@ std::string RSessionCommands::exportSpreadsheet(const TABLEEXPORT& table)
     return told(session_.exportSpreadsheet(table.path, options));
 }
 
+std::string RSessionCommands::addExpression(const FORMULACHOICE& choice)
+{
+    variables::EXPRESSIONDEFINITION definition;
+    definition.label = choice.label;
+    definition.width = choice.width;
+    definition.decimals = choice.decimals;
+    definition.formula = choice.formula;
+    return session_.addExpression(std::move(definition), choice.inputs);
+}
+
 bool executeCommandFile(const std::string& path, RSession& session, RSessionView& view, common::RUser& user)
 {
     const RRunModeGuard guard(session);

@@ -57,6 +57,24 @@ public:
     [[nodiscard]] std::string exportListing(exporting::ListingForm form, const std::string& path) override;
     [[nodiscard]] std::string exportCollection(const std::string& path) override;
     [[nodiscard]] std::string exportSpreadsheet(const TABLEEXPORT& table) override;
+    [[nodiscard]] std::string setKey(const std::string& keyText, const std::string& variable) override
+    {
+        return session_.setKey(keyText, variable);
+    }
+    [[nodiscard]] std::string addDerived(const DERIVEDCHOICE& choice) override
+    {
+        return session_.addDerived(choice.row, choice.parameters);
+    }
+    [[nodiscard]] std::string addExpression(const FORMULACHOICE& choice) override;
+    [[nodiscard]] std::string addMacro(const std::string& path,
+                                       const std::vector<std::string>& inputs) override
+    {
+        return session_.addMacro(path, inputs);
+    }
+    [[nodiscard]] std::string deleteDerived(const std::string& variable) override
+    {
+        return session_.deleteDerived(variable);
+    }
 
 private:
     RSession& session_;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "common/text.h"
+#include "variables/registry.h"
 
 namespace {
 
@@ -110,8 +111,34 @@ public:
         for (const std::string& variable : table.variables) text += "|" + variable;
         return tell(text);
     }
+    std::string setKey(const std::string& keyText, const std::string& variable) override
+    {
+        return tell("key " + keyText + "|" + variable);
+    }
+    std::string addDerived(const app::DERIVEDCHOICE& choice) override
+    {
+        const auto row = static_cast<std::size_t>(choice.row);
+        return tell("derived " + std::string(variables::derivedRows()[row].label) +
+                    joined(choice.parameters));
+    }
+    std::string addExpression(const app::FORMULACHOICE& choice) override
+    {
+        return tell("expression " + choice.label + common::format("|%d.%d|", choice.width, choice.decimals) +
+                    choice.formula + joined(choice.inputs));
+    }
+    std::string addMacro(const std::string& path, const std::vector<std::string>& inputs) override
+    {
+        return tell("macro " + path + joined(inputs));
+    }
+    std::string deleteDerived(const std::string& variable) override { return tell("without " + variable); }
 
 private:
+    static std::string joined(const std::vector<std::string>& parts)
+    {
+        std::string text;
+        for (const std::string& part : parts) text += "|" + part;
+        return text;
+    }
     static std::string textOf(std::span<const app::KEYVALUE> pairs)
     {
         std::string text;
@@ -541,6 +568,61 @@ TEST(CommandFile, CollectionCommandsWithWrongFields)
     }
     EXPECT_THAT(run("delete_station 0").notes,
                 ElementsAre("run.cmd:1: delete_station: station numbers begin at 1"));
+}
+
+TEST(CommandFile, WordsOfDerivedVariables)
+{
+    const RRun r = run("set_key Depth [m]=1\n"
+                       "set_key \"CFC-11 [pmol/kg]\" = \"CFC, 11 [pmol/kg]\"\n"
+                       "add_derived potential temperature,0\n"
+                       "add_derived Cruise Number\n"
+                       "add_derived Ratio, Oxygen , \"Nitrate, filtered\",0.5\n"
+                       "add_macro aou.mac,Oxygen\n"
+                       "add_macro \"a,b.mac\"\n"
+                       "delete_derived Tpot-0\n");
+    EXPECT_TRUE(r.complete);
+    EXPECT_THAT(r.recorder.calls, ElementsAre("key Depth [m]|1", "key CFC-11 [pmol/kg]|CFC, 11 [pmol/kg]",
+                                              "derived Potential Temperature|0", "derived Cruise Number",
+                                              "derived Ratio|Oxygen|Nitrate, filtered|0.5",
+                                              "macro aou.mac|Oxygen", "macro a,b.mac", "without Tpot-0"));
+}
+
+TEST(CommandFile, RowsWithCommasInTheirLabels)
+{
+    const RRun r = run("add_derived CO2(TCO2,TALK)\nadd_derived pH(TCO2,TALK),7,8\n"
+                       "add_derived \"in situ Temperature(z,Tp,s)\",Theta\n");
+    EXPECT_TRUE(r.complete);
+    EXPECT_THAT(r.recorder.calls, ElementsAre("derived CO2(TCO2,TALK)", "derived pH(TCO2,TALK)|7|8",
+                                              "derived in situ Temperature(z,Tp,s)|Theta"));
+}
+
+TEST(CommandFile, InputsOfAFormulaAreNoComments)
+{
+    const RRun r = run("add_expression N:P [],8.2,#1 #2 / 3 **,Nitrate,Phosphate # of bottles\n"
+                       "add_expression Time [yr],8,%t\n");
+    EXPECT_TRUE(r.complete);
+    EXPECT_THAT(r.recorder.calls, ElementsAre("expression N:P []|8.2|#1 #2 / 3 **|Nitrate|Phosphate",
+                                              "expression Time [yr]|8.0|%t"));
+}
+
+TEST(CommandFile, FaultyWordsOfDerivedVariablesEndTheFile)
+{
+    for (const auto& [line, note] : std::vector<std::pair<std::string, std::string>>{
+             {"set_key Depth [m]", "set_key: \"Depth [m]\" stands without \"=\" and a variable"},
+             {"set_key Depth [m]=", "set_key: \"Depth [m]\" is given no variable"},
+             {"set_key =1", "set_key: names no key"},
+             {"add_derived Potential", "add_derived: there is no derived variable \"Potential\""},
+             {"add_derived CO2(TCO2", "add_derived: there is no derived variable \"CO2(TCO2\""},
+             {"add_expression A,8.2", "add_expression: needs a label, a format and a formula"},
+             {"add_expression A,x,1", "add_expression: \"x\" is no format \"width.decimals\""},
+             {"add_expression A,0.2,1", "add_expression: \"0.2\" is no format \"width.decimals\""},
+             {"add_macro ,1", "add_macro: names no file"},
+             {"delete_derived", "delete_derived needs 1 field, not 0"}}) {
+        const RRun r = run(line + "\nquit\n");
+        EXPECT_FALSE(r.complete) << line;
+        EXPECT_THAT(r.notes, ElementsAre("run.cmd:1: " + note)) << line;
+        EXPECT_THAT(r.recorder.calls, IsEmpty()) << line;
+    }
 }
 
 TEST(CommandFile, WrongNumberOfFieldsIsTold)

@@ -1,0 +1,165 @@
+// Derived variables, and what is set about variables.
+
+#include <algorithm>
+
+#include "app/session.h"
+#include "common/files.h"
+#include "common/text.h"
+#include "common/textcoding.h"
+#include "variables/parametersettler.h"
+
+namespace app {
+namespace {
+
+std::string quoted(std::string_view text)
+{
+    return "\"" + std::string(text) + "\"";
+}
+
+// The new number of each variable when those of `removed` are gone; 0 for these.
+std::vector<int> numbersWithout(std::span<const int> removed, int count)
+{
+    std::vector<int> numbers(static_cast<std::size_t>(count) + 1);
+    int next = 0;
+    for (int v = 1; v <= count; ++v) {
+        const bool gone = std::find(removed.begin(), removed.end(), v) != removed.end();
+        numbers[static_cast<std::size_t>(v)] = gone ? 0 : ++next;
+    }
+    return numbers;
+}
+
+} // namespace
+
+// The row "Longitude" counts as the map does.
+void RSession::takeMapDomain()
+{
+    surroundings.mapWest = setup.map.geometry.lonMin;
+    surroundings.mapEast = setup.map.geometry.lonMax;
+}
+
+// --- by words
+
+std::string RSession::setKey(std::string_view keyText, std::string_view variable)
+{
+    if (!collection.isOpen) return openFault();
+    const int number = variableOf(variable);
+    if (number == 0) return "there is no variable " + quoted(variable);
+    if (number > collection.variableCount)
+        return quoted(variable) + " is a derived variable, and only a stored one can play a role";
+    if (!collection.writable) return "the collection is read-only";
+    const std::string key = common::labelFromFile(keyText, common::isValidUtf8(keyText));
+    return collection.setVariableId(key, number) ? std::string() : collection.path + ".idv can't be written";
+}
+
+std::string RSession::addDerived(int row, std::span<const std::string> parameters)
+{
+    if (!collection.isOpen) return openFault();
+    variables::RParameterSettler settler(collection, row, parameters, user_);
+    if (!settler.fault().empty()) return settler.fault();
+    return tellAdded(addDerivedVariable(row, settler), settler.fault());
+}
+
+std::string RSession::addExpression(variables::EXPRESSIONDEFINITION definition,
+                                    std::span<const std::string> inputs)
+{
+    if (!collection.isOpen) return openFault();
+    for (const std::string& input : inputs) {
+        const int number = variableOf(input);
+        if (number == 0) return "there is no variable " + quoted(input);
+        definition.inputs.push_back(number);
+    }
+    variables::RParameterSettler settler(collection, std::move(definition), user_);
+    return tellAdded(addDerivedVariable(variables::rowOfCalculator(variables::idExpression), settler),
+                     settler.fault());
+}
+
+std::string RSession::addMacro(const std::string& path, std::span<const std::string> inputs)
+{
+    if (!collection.isOpen) return openFault();
+    variables::RParameterSettler settler(collection, macroPath(path), inputs, user_);
+    return tellAdded(addDerivedVariable(variables::rowOfCalculator(variables::idMacro), settler),
+                     settler.fault());
+}
+
+// Relative to the current directory, or else one of the user's macros or of the installation's.
+std::string RSession::macroPath(const std::string& path) const
+{
+    for (const std::string& folder : {installation.macros, installation.root + "macros/"}) {
+        if (common::fileExists(path)) break;
+        if (common::fileExists(folder + path)) return folder + path;
+    }
+    return common::absolutePath(path);
+}
+
+std::string RSession::tellAdded(int number, std::string_view fault)
+{
+    if (number == 0) return std::string(fault.empty() ? toldFault : fault);
+    const collection::VARINFO& variable = collection.variables[static_cast<std::size_t>(number)];
+    tellDone(common::format("%s.var: variable %d is %s", collection.path.c_str(), number,
+                            common::labelToUtf8(common::fieldText(variable.plainLabel)).c_str()));
+    return {};
+}
+
+std::string RSession::deleteDerived(std::string_view variable)
+{
+    if (!collection.isOpen) return openFault();
+    const int number = variableOf(variable);
+    if (number == 0) return "there is no variable " + quoted(variable);
+    if (number <= collection.variableCount)
+        return quoted(variable) + " is stored in the collection; change_variables takes it out";
+    const int before = collection.totalVariableCount;
+    deleteDerivedVariable(number);
+    tellDone(common::format("%s.var: %d derived variables deleted", collection.path.c_str(),
+                            before - collection.totalVariableCount));
+    return {};
+}
+
+// --- by numbers
+
+int RSession::addDerivedVariable(int row, variables::RVariableSettler& settler)
+{
+    const int number =
+        variables::addDerivedVariable(collection, row, {surroundings, installation, settler, user_});
+    if (number > 0) collection.configChanged = true;
+    return number;
+}
+
+void RSession::deleteDerivedVariable(int number)
+{
+    const int oldCount = collection.totalVariableCount;
+    const std::vector<int> removed = variables::dependentVariables(collection, number);
+    if (variables::deleteDerivedVariable(collection, number - collection.variableCount) == 0) return;
+    graphics::GRAPHICSSETUP defaults;
+    graphics::setDefaultSetup(defaults, collection, installation);
+    followVariables(setup, numbersWithout(removed, oldCount), defaults, ranged_);
+    currentStation.clear();
+    viewChanged();
+    view_.statusChanged();
+}
+
+void RSession::takeVariableSettings(std::span<const collection::VARINFO> edited)
+{
+    const int count = std::min(collection.totalVariableCount, static_cast<int>(edited.size()) - 1);
+    for (int v = 1; v <= count; ++v) {
+        const collection::VARINFO& from = edited[static_cast<std::size_t>(v)];
+        collection::VARINFO& to = collection.variables[static_cast<std::size_t>(v)];
+        collection::setLabel(to, common::fieldText(from.label));
+        to.width = from.width;
+        to.decimals = from.decimals;
+        to.position = from.position;
+    }
+    graphics::markAllToDraw(setup);
+    viewChanged();
+}
+
+// Quantities that are summed up from profiles may come or go.
+void RSession::takeCoverage(const variables::COVERAGECRITERIA& coverage)
+{
+    if (coverage == surroundings.coverage) return;
+    surroundings.coverage = coverage;
+    if (!collection.isOpen) return;
+    graphics::markAllToDraw(setup);
+    viewChanged();
+}
+
+} // namespace app
