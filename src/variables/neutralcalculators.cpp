@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "variables/calculators.h"
+#include "variables/registry.h"
 #include "variables/seawater/pressure.h"
 
 namespace variables {
@@ -32,16 +33,14 @@ int neutralDensity(const CALCULATION& calculation)
                                  header.longitude, header.latitude, gamma, errorLow, errorHigh,
                                  common::MISSING_VALUE) != 0)
         return absent;
-    int present = 0;
     for (std::size_t n = 0; n < levels; ++n) {
         calculation.values[n] = cellOf(gamma[n]);
         calculation.flags[n] = maxFlagOf(calculation, n);
-        present += calculation.values[n] != common::MISSING_VALUE;
     }
-    return present;
+    return static_cast<int>(levels); // all levels count, as after every procedure over whole profiles
 }
 
-constexpr CALCULATORROW rows[] = {{44, neutralDensity}};
+constexpr CALCULATORROW rows[] = {{idNeutralDensity, neutralDensity}};
 
 } // namespace
 
