@@ -143,13 +143,6 @@ double daysOf(int id, double x)
     }
 }
 
-// Day of the year of a date, 1 on 1 January.
-double dayOfYear(const HEADERTIME& time)
-{
-    return static_cast<double>(common::dayNumber(time.year, time.month, time.day) -
-                               common::dayNumber(time.year, 1, 1) + 1);
-}
-
 // Takes a whole number and the character behind it, if that is one of `marks`.
 bool takePart(std::string_view& rest, std::string_view marks, int& value)
 {
@@ -221,22 +214,40 @@ bool convertHeaderTime(int id, double x, double referenceDay, HEADERTIME& time)
     return true;
 }
 
-bool convertToYears(int id, double x, double referenceDay, double& years)
+bool decodeTime(double value, int code, double origin, HEADERTIME& time)
 {
-    HEADERTIME time{0, 1, 1, 0, 0};
-    if (!givesDate(id) || !convertHeaderTime(id, x, referenceDay, time)) return false;
-    const double days = common::isLeapYear(time.year) ? 366 : 365;
-    years =
-        static_cast<double>(time.year) + (dayOfYear(time) - 1 + (time.hour + time.minute / 60.0) / 24) / days;
+    HEADERTIME result{time.year, time.month, time.day, 0, 0};
+    if (!givesDate(code) || !convertHeaderTime(code, value, origin, result)) return false;
+    if (result.month < 1 || result.month > 12) return false;
+    time = result;
     return true;
 }
 
-bool convertToDayOfYear(int id, double x, double referenceDay, double& day)
+std::int64_t dayOfYear(int month, int day, std::int64_t year)
 {
-    HEADERTIME time{0, 1, 1, 0, 0};
-    if (!givesDate(id) || !convertHeaderTime(id, x, referenceDay, time)) return false;
-    day = dayOfYear(time);
-    return true;
+    return common::dayNumber(year, month, day) - common::dayNumber(year, 1, 1) + 1;
+}
+
+double yearFraction(int month, int day, std::int64_t year, int hour, int minute)
+{
+    const double days = common::isLeapYear(year) ? 366 : 365;
+    const double passed = static_cast<double>(dayOfYear(month, day, year) - 1) + (hour + minute / 60.0) / 24;
+    return static_cast<double>(year) + passed / days;
+}
+
+int timeFormOf(std::string_view label)
+{
+    if (const int since = sinceRowOf(label); since >= 0) return since;
+    const std::string lower = common::toLower(label);
+    int found = -1;
+    std::size_t longest = 0;
+    for (const HEADERROW& row : timeRows) {
+        const std::string form = common::toLower(common::trimBlanks(row.source));
+        if (form.size() <= longest || lower.find(form) == std::string::npos) continue;
+        longest = form.size();
+        found = row.id;
+    }
+    return found;
 }
 
 } // namespace variables

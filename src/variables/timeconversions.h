@@ -75,8 +75,43 @@ struct HEADERTIME {
 // was, for rows 0 and 1, for numbers that are not finite or beyond any date, and for a month outside 1 to 12.
 [[nodiscard]] bool convertHeaderTime(int id, double x, double referenceDay, HEADERTIME& time);
 
-// The same as a fractional year, and as a day of the year (1 on 1 January); for rows where givesDate holds.
-[[nodiscard]] bool convertToYears(int id, double x, double referenceDay, double& years);
-[[nodiscard]] bool convertToDayOfYear(int id, double x, double referenceDay, double& day);
+// What a column gives the station whose header is `time`: only the date and the time of day that it tells,
+// the year or month that row `code` (one where givesDate holds) leaves open from `time`, and 0:00 where it
+// tells no time of day. `origin` is the day number of the "since" rows. False, with `time` as it was, where
+// convertHeaderTime is, or if the month is outside 1 to 12.
+[[nodiscard]] bool decodeTime(double value, int code, double origin, HEADERTIME& time);
+
+// Day of the year of a date, 1 on 1 January; month 1 to 12.
+[[nodiscard]] std::int64_t dayOfYear(int month, int day, std::int64_t year);
+// The year and what has passed of it, as a part of its 365 or 366 days; month 1 to 12.
+[[nodiscard]] double yearFraction(int month, int day, std::int64_t year, int hour, int minute);
+
+// --- how a time variable of a collection is read
+
+inline constexpr std::string_view yearTarget = "Time [yr]", dayOfYearTarget = "Day of Year [days]";
+
+// The rows that give a date, in the order of their list; headerRowLabel(row, yearTarget) or with
+// dayOfYearTarget is the line of the list.
+inline constexpr int timeRowCount = 15;
+inline constexpr auto timeRows = [] {
+    std::array<HEADERROW, timeRowCount> rows{};
+    std::size_t n = 0;
+    for (const HEADERROW& row : headerRows) {
+        if (givesDate(row.id)) rows[n++] = row;
+    }
+    return rows;
+}();
+static_assert(timeRows.back().id == secondsSinceRow);
+
+// The id of the row by which a variable of this label is read: that of sinceRowOf, else of the longest source
+// form that stands in the label (case ignored). -1 if there is none.
+[[nodiscard]] int timeFormOf(std::string_view label);
+
+// True for the rows whose numbers, as YYYYMMDD, are too large for the 24 bits of a stored value: odd ones
+// after 1677 become their neighbours, and a fraction is lost.
+[[nodiscard]] constexpr bool exceedsCell(int id)
+{
+    return id == 2 || id == 3;
+}
 
 } // namespace variables

@@ -86,23 +86,125 @@ TEST(ConvertHeaderTime, NumbersBeyondAnyDateAndUnknownRowsAreRefused)
     EXPECT_EQ(time, untouched);
 }
 
-TEST(ConvertToYears, GivesTheFractionOfTheYear)
+struct DECODED {
+    double value;
+    int code;
+    HEADERTIME header; // the station's
+    int year, month, day;
+    double hours;
+    int dayOfYear;
+    double yearFraction;
+};
+
+TEST(DecodeTime, ReadsTheFormsOfTheTable)
 {
-    double years = 0;
-    ASSERT_TRUE(convertToYears(2, 20010101, 0, years));
-    EXPECT_DOUBLE_EQ(years, 2001.0);
-    ASSERT_TRUE(convertToYears(3, 20000630.5, 0, years)); // 1 July 2000, noon
-    EXPECT_NEAR(years, 2000 + 182.5 / 366, 1e-12);
-    EXPECT_FALSE(convertToYears(13, 1200, 0, years));
+    const DECODED rows[] = {
+        {20081230, 2, {2003, 5, 9}, 2008, 12, 30, 0, 365, 2008.994536},
+        {20101231, 2, {2003, 5, 9}, 2010, 12, 31, 0, 365, 2010.99726}, // more than a float holds
+        {1.97, 8, {2003, 5, 9}, 2003, 2, 28, 0, 59, 2003.158904},
+        {5.84375, 6, {1993, 11, 28}, 1993, 11, 6, 20.25, 310, 1993.848887},
+        {1989, 10, {1983, 7, 27}, 1989, 6, 15, 0, 166, 1989.452055},
+        {409, 5, {2001, 4, 4}, 2001, 4, 9, 0, 99, 2001.268493},
+    };
+    for (const DECODED& row : rows) {
+        HEADERTIME time = row.header;
+        ASSERT_TRUE(decodeTime(row.value, row.code, 0, time)) << row.value;
+        EXPECT_EQ(time.year, row.year) << row.value;
+        EXPECT_EQ(time.month, row.month) << row.value;
+        EXPECT_EQ(time.day, row.day) << row.value;
+        EXPECT_NEAR(time.hour + time.minute / 60.0, row.hours, 0.02) << row.value;
+        EXPECT_EQ(dayOfYear(time.month, time.day, time.year), row.dayOfYear) << row.value;
+        EXPECT_NEAR(yearFraction(time.month, time.day, time.year, time.hour, time.minute), row.yearFraction,
+                    2e-5)
+            << row.value;
+    }
 }
 
-TEST(ConvertToDayOfYear, CountsFromOne)
+TEST(DecodeTime, AMonthOutsideOneToTwelveFails)
 {
-    double day = 0;
-    ASSERT_TRUE(convertToDayOfYear(2, 20000301, 0, day));
-    EXPECT_EQ(day, 61);
-    ASSERT_TRUE(convertToDayOfYear(31, 0, 0, day));
-    EXPECT_EQ(day, 1);
+    HEADERTIME time{2003, 5, 9};
+    EXPECT_FALSE(decodeTime(20081330, 2, 0, time));
+    EXPECT_FALSE(decodeTime(20080030, 2, 0, time));
+    EXPECT_EQ(time, (HEADERTIME{2003, 5, 9}));
+    HEADERTIME withoutMonth{2003, 0, 9}; // a day alone needs the month of the header
+    EXPECT_FALSE(decodeTime(5.5, 6, 0, withoutMonth));
+}
+
+TEST(DecodeTime, ADateWithoutATimeOfDayIsMidnight)
+{
+    HEADERTIME time{2003, 5, 9, 13, 45};
+    ASSERT_TRUE(decodeTime(409, 5, 0, time));
+    EXPECT_EQ(time, (HEADERTIME{2003, 4, 9, 0, 0}));
+}
+
+TEST(DecodeTime, OnlyFormsThatGiveADateAreDecoded)
+{
+    HEADERTIME time{2003, 5, 9};
+    for (const int code : {0, 1, 12, 13, 14, 15, 16, 17, 30, 35}) EXPECT_FALSE(decodeTime(5, code, 0, time));
+}
+
+TEST(DayOfYear, CountsFromOneByTheGregorianLeapRule)
+{
+    const int rows[][4] = {{12, 31, 2000, 366}, {12, 31, 2001, 365}, {1, 1, 1999, 1},   {3, 1, 1900, 60},
+                           {3, 1, 2000, 61},    {6, 3, 1932, 155},   {6, 3, 1889, 154}, {3, 12, 1967, 71}};
+    for (const auto& row : rows) EXPECT_EQ(dayOfYear(row[0], row[1], row[2]), row[3]) << row[2];
+}
+
+TEST(DayOfYear, OnThe31stOfDecemberOfALeapYearIs366)
+{
+    EXPECT_EQ(dayOfYear(12, 31, 2004), 366);
+    EXPECT_EQ(dayOfYear(12, 31, 1900), 365);
+}
+
+TEST(YearFraction, IsThePassedPartOfTheYear)
+{
+    struct ROW {
+        int month, day, year, hour, minute;
+        double expected;
+    };
+    const ROW rows[] = {
+        {1, 1, 2000, 0, 0, 2000},           {12, 31, 2000, 23, 59, 2000.999998},
+        {12, 31, 2001, 12, 0, 2001.99863},  {7, 2, 2001, 12, 0, 2001.5},
+        {10, 5, 1948, 20, 54, 1948.761942}, {3, 7, 1961, 17, 26, 1961.180072},
+        {2, 14, 1939, 14, 5, 1939.122156},  {5, 3, 1991, 5, 33, 1991.33488},
+    };
+    for (const ROW& row : rows)
+        EXPECT_NEAR(yearFraction(row.month, row.day, row.year, row.hour, row.minute), row.expected, 2e-6);
+}
+
+TEST(TimeForm, IsThatOfTheLongestFormInTheLabel)
+{
+    EXPECT_EQ(timeFormOf("Date as YYYYMMDD"), 2);
+    EXPECT_EQ(timeFormOf("day as %Y%m%d"), 2);
+    EXPECT_EQ(timeFormOf("day as %Y%m%d.%f"), 3);
+    EXPECT_EQ(timeFormOf("Sampling (day as %m%d.%f)"), 4);
+    EXPECT_EQ(timeFormOf("day as %m%d"), 5);
+    EXPECT_EQ(timeFormOf("day as .%f"), 6);
+    EXPECT_EQ(timeFormOf("month as %Y%m.%f"), 7);
+    EXPECT_EQ(timeFormOf("month as %m.%f"), 8);
+    EXPECT_EQ(timeFormOf("year as %Y.%f"), 9);
+    EXPECT_EQ(timeFormOf("year as %Y"), 10);
+    EXPECT_EQ(timeFormOf("year as .%f"), 11);
+    EXPECT_EQ(timeFormOf("Time [days since 1990-01-01]"), 31);
+    EXPECT_EQ(timeFormOf("seconds since 1970-01-01 00:00:00"), 34);
+    for (const char* label : {"", "Time", "Depth [m]", "time as hhmm", "day"})
+        EXPECT_EQ(timeFormOf(label), -1) << label;
+}
+
+TEST(TimeForm, HasFifteenRowsWithTheLabelsOfTheirTarget)
+{
+    ASSERT_EQ(timeRows.size(), 15u);
+    EXPECT_EQ(headerRowLabel(timeRows[0], yearTarget), "date as YYYYMMDD   -> Time [yr]");
+    EXPECT_EQ(headerRowLabel(timeRows[14], dayOfYearTarget),
+              "seconds since yyyy-mm-dd hh:mm:ss -> Day of Year [days]");
+    for (const HEADERROW& row : timeRows)
+        EXPECT_EQ(timeFormOf(headerRowLabel(row, yearTarget)), row.id) << row.source;
+}
+
+TEST(TimeForm, DatesOfEightDigitsExceedACell)
+{
+    for (const HEADERROW& row : timeRows) EXPECT_EQ(exceedsCell(row.id), row.id == 2 || row.id == 3);
+    EXPECT_NE(static_cast<double>(20101231.0f), 20101231.0);
 }
 
 TEST(SinceRow, IsFoundByWordsInAnyCase)

@@ -1,32 +1,49 @@
 #include "variables/seawater/pressure.h"
 
-#include <cmath>
-
 namespace seawater {
 namespace {
 
-constexpr float radiansPerDegree = 0.017453292f;
+constexpr double gravityAtEquator = 9.780318; // m/s2
 
-double squaredSine(float latitude)
+double radiansOf(float latitude)
 {
-    const double sine = std::sin(std::abs(static_cast<double>(latitude)) * radiansPerDegree);
+    constexpr float radiansPerDegree = 0.017453292f;
+    return std::abs(static_cast<double>(latitude)) * radiansPerDegree;
+}
+
+double squaredSine(double angle)
+{
+    const double sine = std::sin(angle);
     return sine * sine;
 }
 
 } // namespace
 
+RPressureAtLatitude::RPressureAtLatitude(float latitude)
+    : c_(1.0 - (0.00592 + 0.00525 * squaredSine(radiansOf(latitude))))
+{
+}
+
 double pressureFromDepth(float depth, float latitude)
 {
-    const double c = 1.0 - (0.00592 + 0.00525 * squaredSine(latitude));
-    return (c - std::sqrt(c * c - 8.84e-6 * static_cast<double>(depth))) * 226244.3;
+    return RPressureAtLatitude(latitude).pressure(depth);
+}
+
+RDepthAtLatitude::RDepthAtLatitude(float latitude)
+{
+    const double x = squaredSine(radiansOf(latitude));
+    surfaceGravity_ = gravityAtEquator * (1.0 + (5.2788e-3 + 2.36e-5 * x) * x);
 }
 
 double depthFromPressure(float pressure, float latitude)
 {
-    const double p = pressure;
-    const double x = squaredSine(latitude);
-    const double gravity = 9.780318 * (1.0 + (5.2788e-3 + 2.36e-5 * x) * x) + 1.092e-6 * p;
-    return (((-1.82e-15 * p + 2.279e-10) * p - 2.2512e-5) * p + 9.72659) * p / gravity;
+    return RDepthAtLatitude(latitude).depth(pressure);
+}
+
+double gravity(float latitude)
+{
+    const double angle = radiansOf(latitude);
+    return gravityAtEquator * (1.0 + 0.0053024 * squaredSine(angle) - 5.9e-6 * squaredSine(2.0 * angle));
 }
 
 } // namespace seawater

@@ -1,8 +1,8 @@
 #pragma once
 
 // Equation of state of seawater, EOS-80. Pressure [dbar], 0 to 10000; temperature [degC, IPTS-68], -2 to 40;
-// practical salinity, 0 to 42. Source of all: Fofonoff and Millard (1983), UNESCO Technical Papers in Marine
-// Science 44.
+// practical salinity, 0 to 42. Roots are taken of |salinity|, so that values slightly below 0 give results
+// too. Source of all: Fofonoff and Millard (1983), UNESCO Technical Papers in Marine Science 44.
 
 namespace seawater {
 
