@@ -138,6 +138,12 @@ bool readCasts(const std::string& path, GAMMAATLAS& atlas, std::string& fault)
 
 } // namespace
 
+std::string faultOfAtlas(const GAMMAATLAS& atlas)
+{
+    std::string fault = faultOfGrid(atlas);
+    return fault.empty() ? faultOfCasts(atlas) : fault;
+}
+
 std::shared_ptr<const GAMMAATLAS> loadGammaAtlas(const std::string& directory, std::string& fault)
 {
     const auto atlas = std::make_shared<GAMMAATLAS>();

@@ -6,9 +6,9 @@
 #include "common/text.h"
 #include "variables/calculators.h"
 #include "variables/registry.h"
-#include "variables/seawater/adiabat.h"
 #include "variables/seawater/pressure.h"
 #include "variables/seawater/profile.h"
+#include "variables/seawater/stability.h"
 #include "variables/seawater/state.h"
 #include "variables/sourceflags.h"
 
@@ -17,6 +17,7 @@ namespace {
 
 using common::MISSING_VALUE;
 using seawater::stretchedPoints;
+using seawater::WATER;
 using FLOATS = std::vector<float>;
 
 // Points of a profile: where they are and what is there.
@@ -267,10 +268,6 @@ int dynamicHeight(const CALCULATION& calculation)
 
 // --- stability
 
-struct WATER {
-    float pressure = 0, temperature = 0, salinity = 0;
-};
-
 // The station's own levels that hold everything.
 std::vector<WATER> ownLevels(const CALCULATION& calculation)
 {
@@ -310,32 +307,14 @@ std::vector<WATER> gridLevels(const CALCULATION& calculation)
     return levels;
 }
 
-// Cycles an hour between two waters, negative where the upper one is the heavier; h is half their distance
-// [dbar].
-double frequencyBetween(const WATER& upper, const WATER& lower, double gravity, double h)
-{
-    constexpr double cyclesAnHour = 573.066;
-    const auto mean = [](float a, float b) { return static_cast<float>((static_cast<double>(a) + b) / 2); };
-    const float p = mean(upper.pressure, lower.pressure);
-    const double lapse = seawater::adiabaticLapseRate(p, mean(upper.temperature, lower.temperature),
-                                                      mean(upper.salinity, lower.salinity));
-    const double shift = lapse * 0.001 * h;
-    const double volume1 =
-        seawater::specificVolume(p, static_cast<float>(upper.temperature + shift), upper.salinity);
-    const double volume2 =
-        seawater::specificVolume(p, static_cast<float>(lower.temperature - shift), lower.salinity);
-    const double g = gravity / ((volume1 + volume2) / 2);
-    const double n2 = -0.1 * g * g * (volume2 - volume1) / 2 / h;
-    return std::copysign(std::sqrt(std::abs(n2)), n2) * cyclesAnHour;
-}
-
 PROFILE frequencies(const std::vector<WATER>& levels, double gravity)
 {
     PROFILE result;
     result.reserve(levels.size());
     for (std::size_t i = 0; i + 1 < levels.size(); ++i) {
-        const double p1 = levels[i].pressure, p2 = levels[i + 1].pressure, h = (p2 - p1) / 2;
-        if (h != 0) result.add((p1 + p2) / 2, frequencyBetween(levels[i], levels[i + 1], gravity, h));
+        const double p1 = levels[i].pressure, p2 = levels[i + 1].pressure;
+        if (p1 != p2)
+            result.add((p1 + p2) / 2, seawater::buoyancyFrequency(levels[i], levels[i + 1], gravity));
     }
     return result;
 }

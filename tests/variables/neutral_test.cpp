@@ -118,4 +118,36 @@ TEST_F(NeutralDensity, AgreesWithThePublishedExampleToAllItsDigits)
         EXPECT_NEAR(example.gamma[n], published[n], halfADigit + ofTheInput) << example.pressure[n];
 }
 
+TEST_F(NeutralDensity, IsTheSameWestOfGreenwich)
+{
+    const LABEL west = labelOf(-30.8327, -57.8015, 3609, 34.6597f, -0.0493f);
+    const LABEL east = labelOf(329.1673, -57.8015, 3609, 34.6597f, -0.0493f);
+    EXPECT_NEAR(west.gamma, east.gamma, 1e-9);
+}
+
+// The water of the example at every fourth degree: where there is a label it grows with depth, as density
+// does.
+TEST_F(NeutralDensity, LabelsOfAStableCastGrowWithDepthAllOverTheWorld)
+{
+    EXAMPLE example;
+    int stations = 0, leaps = 0;
+    for (double longitude = 2; longitude < 360; longitude += 12) {
+        for (double latitude = -76; latitude <= 64; latitude += 7) {
+            example.label(*atlas, longitude, latitude);
+            if (example.status != 0) continue;
+            ++stations;
+            double last = 0;
+            bool leapt = false;
+            for (const double gamma : example.gamma) {
+                if (gamma == missing) continue;
+                leapt = leapt || gamma <= last;
+                last = gamma;
+            }
+            leaps += leapt;
+        }
+    }
+    EXPECT_GT(stations, 200);
+    EXPECT_LE(leaps, stations / 100);
+}
+
 } // namespace
