@@ -33,7 +33,9 @@ bool RNetcdfFile::hasShape(int variable, const std::vector<std::size_t>& shape)
     return true;
 }
 
-std::vector<float> RNetcdfFile::floats(const std::string& name, const std::vector<std::size_t>& shape)
+template <typename Number, typename Reader>
+std::vector<Number> RNetcdfFile::read(const std::string& name, const std::vector<std::size_t>& shape,
+                                      Reader reader)
 {
     int variable = -1;
     if (!error_.empty()) return {};
@@ -42,12 +44,23 @@ std::vector<float> RNetcdfFile::floats(const std::string& name, const std::vecto
         return {};
     }
     const auto size = std::accumulate(shape.begin(), shape.end(), std::size_t{1}, std::multiplies<>());
-    std::vector<float> values(size);
-    if (const int status = nc_get_var_float(id_, variable, values.data()); status != NC_NOERR) {
+    std::vector<Number> values(size);
+    if (const int status = reader(id_, variable, values.data()); status != NC_NOERR) {
         error_ = name + ": " + nc_strerror(status);
         return {};
     }
     return values;
+}
+
+std::vector<float> RNetcdfFile::floats(const std::string& name, const std::vector<std::size_t>& shape)
+{
+    return read<float>(name, shape, nc_get_var_float);
+}
+
+std::vector<std::int32_t> RNetcdfFile::integers(const std::string& name,
+                                                const std::vector<std::size_t>& shape)
+{
+    return read<std::int32_t>(name, shape, nc_get_var_int);
 }
 
 } // namespace tools

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -16,10 +17,14 @@ public:
 
     // All values of a variable that must have exactly this shape.
     [[nodiscard]] std::vector<float> floats(const std::string& name, const std::vector<std::size_t>& shape);
+    [[nodiscard]] std::vector<std::int32_t> integers(const std::string& name,
+                                                     const std::vector<std::size_t>& shape);
     [[nodiscard]] const std::string& error() const { return error_; } // empty while all is well
 
 private:
     bool hasShape(int variable, const std::vector<std::size_t>& shape);
+    template <typename Number, typename Reader>
+    std::vector<Number> read(const std::string& name, const std::vector<std::size_t>& shape, Reader reader);
     int id_ = -1;
     std::string error_;
 };

@@ -15,4 +15,7 @@ namespace variables {
 [[nodiscard]] std::shared_ptr<const seawater::GAMMAATLAS> loadGammaAtlas(const std::string& directory,
                                                                          std::string& fault);
 
+// What of an atlas in memory can't be true; empty if it may be believed.
+[[nodiscard]] std::string faultOfAtlas(const seawater::GAMMAATLAS& atlas);
+
 } // namespace variables

@@ -6,8 +6,6 @@
 namespace variables {
 namespace {
 
-constexpr std::array<const char*, seawater::gasCount> fileNames = {
-    "atmcfc11.his", "atmcfc12.his", "atmcfc10.his", "atmcfc113.his", "atmch4.his"};
 constexpr std::int64_t largestFile = 1 << 20; // bytes
 
 } // namespace
@@ -32,8 +30,8 @@ ATMHISTORY parseHistory(std::string_view content)
 
 void loadHistories(const std::string& atmhistFolder, ATMHISTORIES& histories)
 {
-    for (std::size_t gas = 0; gas < fileNames.size(); ++gas) {
-        const auto content = common::readFile(atmhistFolder + fileNames[gas], largestFile);
+    for (std::size_t gas = 0; gas < historyFiles.size(); ++gas) {
+        const auto content = common::readFile(atmhistFolder + std::string(historyFiles[gas]), largestFile);
         histories[gas] = content ? parseHistory(*content) : ATMHISTORY{};
     }
 }

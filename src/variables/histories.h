@@ -20,6 +20,10 @@ struct ATMHISTORY {
 
 using ATMHISTORIES = std::array<ATMHISTORY, seawater::gasCount>; // by seawater::Gas
 
+// The file of each history.
+inline constexpr std::array<std::string_view, seawater::gasCount> historyFiles = {
+    "atmcfc11.his", "atmcfc12.his", "atmcfc10.his", "atmcfc113.his", "atmch4.his"};
+
 // Rows of "year north south" behind a heading line, up to the first line that doesn't give three numbers;
 // rows beyond the 200th are dropped.
 [[nodiscard]] ATMHISTORY parseHistory(std::string_view content);

@@ -3,6 +3,7 @@
 // Macro files (`.mac`): a formula with the names of its inputs, for use with any collection.
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -12,12 +13,14 @@ namespace variables {
 
 inline constexpr int maxMacroInputs = 9;
 
+inline constexpr std::size_t longestMacroComment = 1000; // bytes
+
 struct MACRO {
     std::int32_t nInputs = 0, width = 8, decimals = 2;
     std::string label = "New Variable [units]";     // at most 60 bytes
     std::array<std::string, maxMacroInputs> inputs; // the text of #1 to #9, at most 60 bytes each
     std::string expression = "1\n";                 // with its line feeds, below 500 bytes
-    std::string comment;                            // with its line feeds, at most 1000 bytes
+    std::string comment;                            // whole lines with their line feeds, at most 1000 bytes
 
     bool operator==(const MACRO&) const = default;
 };
@@ -31,8 +34,11 @@ struct MACROFAULT {
 // behind it, below 500 bytes.
 [[nodiscard]] std::string joinedFormula(std::string_view expression);
 
-// False, with `fault` set and `macro` as it was, for what is no macro file.
+// False, with `fault` set and `macro` as it was, for what is no macro file. What is longer than the fields of
+// a macro is cut; a format that can't be read is 8.2.
 [[nodiscard]] bool parseMacro(std::string_view content, MACRO& macro, MACROFAULT& fault);
+// The file of a macro, which reads back as the same macro if it is one that can be read: texts without blanks
+// at their ends, a comment of whole lines. A marker line in the comment gets a blank, so that it is none.
 [[nodiscard]] std::string formatMacro(const MACRO& macro);
 [[nodiscard]] bool readMacroFile(const std::string& path, MACRO& macro, MACROFAULT& fault);
 // The whole file, or it is as it was and the result is false.

@@ -19,7 +19,8 @@ namespace variables {
 
 // A question for a variable.
 struct IDENTIFICATION {
-    std::string title;   // "%s - Identify %s"
+    std::string title;   // "%s - Identify %s": the task and the key text
+    std::string task;    // the label of what is set up
     std::string keyText; // the role, "Depth [m]", or "Numerator", "Variable", ...
     int proposed = 0;    // the variable that is likely meant, 0 if there is none
     bool isKey = true;   // the answer is a role that `.idv` keeps
@@ -33,10 +34,28 @@ struct EXPRESSIONDEFINITION {
     std::vector<int> inputs; // numbers of variables, at most 9
 };
 
+// A question that a set-up is going to ask.
+struct SETUPQUESTION {
+    enum class Kind { role, variable, number };
+    Kind kind = Kind::role;
+    std::string text;   // the key text, or the prompt of a number
+    int source = 0;     // which source of the variable the answer is, from 1; 0 for a number
+    int recorded = 0;   // a role that `.idv` knows: its variable; it isn't asked for
+    std::string preset; // of a number
+};
+
 // Who answers the questions of a set-up. Each answer is nothing if it was cancelled.
 class RVariableSettler {
 public:
     virtual ~RVariableSettler() = default;
+    // What is going to be asked, as far as that is known before the first answer: a way to read a time, and
+    // its origin, may follow. False ends the set-up.
+    [[nodiscard]] virtual bool begin(std::span<const SETUPQUESTION>, const collection::RCollection&)
+    {
+        return true;
+    }
+    // All is answered and nothing is changed yet. False ends the set-up.
+    [[nodiscard]] virtual bool finish() { return true; }
     [[nodiscard]] virtual std::optional<int> identify(const IDENTIFICATION& question,
                                                       const collection::RCollection& collection) = 0;
     // A number as text, read with "%f".
@@ -54,24 +73,38 @@ public:
     [[nodiscard]] virtual std::string chooseMacroFile(const std::string& folder) = 0;
 };
 
+// The format of the row "Macro File": that of the macro that was loaded last. One a program.
+struct MACROFORMAT {
+    int width = 8, decimals = 3;
+};
+
 // What a set-up works with.
 struct SETUPTOOLS {
     SURROUNDINGS& surroundings;
     const common::INSTALLATION& installation;
     RVariableSettler& settler;
     common::RUser& user;
+    MACROFORMAT& macroFormat;
 };
 
 // Adds one variable of a row of the table. Returns its number; 0 if nothing was added, after a message unless
-// the user cancelled.
+// the user cancelled. Nothing is changed, `.idv` included, before the last question is answered.
 [[nodiscard]] int addDerivedVariable(collection::RCollection& collection, int rowIndex,
                                      const SETUPTOOLS& tools);
 
-// Removes derived variable k (1 is the first) and all that depend on it. Returns how many were removed at or
+// Removes derived variable k (1 is the first) and all that depend on it; what refers to later ones by their
+// numbers (sources, criteria, needed variables) is brought behind them. Returns how many were removed at or
 // before k; 0 if there is no such variable.
 int deleteDerivedVariable(collection::RCollection& collection, int k);
 // Which variables that would be, by their numbers, ascending.
 [[nodiscard]] std::vector<int> dependentVariables(const collection::RCollection& collection, int number);
+
+// True if the answer to a question of this calculator is a role that `.idv` keeps.
+[[nodiscard]] bool isRecordable(int id, std::string_view keyText);
+// The variable that plays a role by `.idv`; 0 if there is none among the collection's own.
+[[nodiscard]] int recordedVariable(const collection::RCollection& collection, std::string_view keyText);
+// Notes it there. False if it can't be: the collection can't be written to, or the variable is a derived one.
+bool recordVariable(collection::RCollection& collection, std::string_view keyText, int number);
 
 // The variable that plays a role: by `.idv` if `recordable` (the answer is then noted there, if it is one of
 // the collection's own), else by the settler. 0 if the user cancelled.

@@ -1,0 +1,99 @@
+#include "dialogs/editedexpression.h"
+
+#include <algorithm>
+
+#include "common/text.h"
+#include "common/textcoding.h"
+#include "dialogs/editedvariables.h"
+#include "variables/formula.h"
+#include "variables/macrofile.h"
+
+namespace dialogs {
+namespace {
+
+constexpr std::size_t labelBytes = 60;
+constexpr std::size_t mostInputs = variables::maxMacroInputs;
+
+} // namespace
+
+void takeFormat(const QString& widthText, const QString& decimalsText, int& width, int& decimals)
+{
+    decimals = std::clamp(common::parseInt(decimalsText.toStdString()).value_or(decimals), 0, mostDecimals);
+    width = std::clamp(common::parseInt(widthText.toStdString()).value_or(width), decimals + leastExtraWidth,
+                       decimals + mostExtraWidth);
+}
+
+REditedExpression::REditedExpression(variables::EXPRESSIONDEFINITION definition,
+                                     std::span<const collection::VARINFO> variables)
+    : definition_(std::move(definition)), variables_(variables)
+{
+    std::erase_if(definition_.inputs, [&](int number) {
+        return number < 1 || static_cast<std::size_t>(number) >= variables_.size();
+    });
+    if (definition_.inputs.size() > mostInputs) definition_.inputs.resize(mostInputs);
+}
+
+QStringList REditedExpression::definedLines() const
+{
+    QStringList lines;
+    for (std::size_t v = 1; v < variables_.size(); ++v) lines += plainOf(variables_[v]);
+    return lines;
+}
+
+QStringList REditedExpression::chosenLines() const
+{
+    QStringList lines;
+    for (const int number : definition_.inputs) {
+        lines += QStringLiteral("#%1 ").arg(lines.size() + 1) +
+                 plainOf(variables_[static_cast<std::size_t>(number)]);
+    }
+    return lines;
+}
+
+bool REditedExpression::addInput(int definedRow)
+{
+    const auto number = static_cast<std::size_t>(definedRow + 1);
+    if (definedRow < 0 || number >= variables_.size() || definition_.inputs.size() >= mostInputs)
+        return false;
+    definition_.inputs.push_back(definedRow + 1);
+    return true;
+}
+
+bool REditedExpression::removeInput(int chosenRow)
+{
+    if (chosenRow < 0 || static_cast<std::size_t>(chosenRow) >= definition_.inputs.size()) return false;
+    definition_.inputs.erase(definition_.inputs.begin() + chosenRow);
+    return true;
+}
+
+void REditedExpression::setLabel(const QString& text)
+{
+    definition_.label = common::encodeLabel(text.simplified(), labelBytes);
+}
+
+void REditedExpression::setFormat(const QString& widthText, const QString& decimalsText)
+{
+    takeFormat(widthText, decimalsText, definition_.width, definition_.decimals);
+}
+
+void REditedExpression::setFormula(const QString& text)
+{
+    definition_.formula = text.toStdString();
+    std::replace_if(
+        definition_.formula.begin(), definition_.formula.end(), [](char c) { return c == '\n' || c == '\r'; },
+        ' ');
+}
+
+COMPLAINT REditedExpression::complaint() const
+{
+    const QString missing = QStringLiteral("Information missing ...");
+    if (definition_.label.empty()) return {missing, QStringLiteral("You must enter a Label!")};
+    if (common::trimBlanks(definition_.formula).empty())
+        return {missing, QStringLiteral("You must enter an Expression!")};
+    const std::string fault =
+        variables::formulaFault(definition_.formula, static_cast<int>(definition_.inputs.size()));
+    if (fault.empty()) return {};
+    return {QStringLiteral("Faulty expression ..."), QString::fromStdString(fault)};
+}
+
+} // namespace dialogs

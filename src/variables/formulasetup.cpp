@@ -1,0 +1,142 @@
+// Variables with formulas: expressions and macro files.
+
+#include <algorithm>
+#include <filesystem>
+
+#include "common/text.h"
+#include "common/textcoding.h"
+#include "variables/formula.h"
+#include "variables/macrofile.h"
+#include "variables/newvariable.h"
+
+namespace variables {
+namespace {
+
+using collection::RCollection;
+using collection::VARINFO;
+
+constexpr std::string_view missingTitle = "Information missing ...";
+
+const DRVVAR& rowOf(int id)
+{
+    return derivedRows()[static_cast<std::size_t>(rowOfCalculator(id))];
+}
+
+std::string onOneLine(std::string formula)
+{
+    std::replace_if(
+        formula.begin(), formula.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+    return formula;
+}
+
+bool setInputs(VARINFO& variable, const std::vector<int>& inputs, const RCollection& collection)
+{
+    if (inputs.size() > maxMacroInputs) return false;
+    for (const int input : inputs) {
+        if (input < 1 || input > collection.totalVariableCount) return false;
+        variable.sources[variable.nSources++] = input;
+    }
+    return true;
+}
+
+// What keeps a definition from becoming a variable, as a title and a text; empty if nothing does.
+std::pair<std::string_view, std::string> definitionFault(const EXPRESSIONDEFINITION& definition,
+                                                         const RCollection& collection)
+{
+    const std::string_view row = rowOf(idExpression).label;
+    if (common::trimBlanks(definition.label).empty()) return {missingTitle, "You must enter a Label!"};
+    if (common::trimBlanks(definition.formula).empty())
+        return {missingTitle, "You must enter an Expression!"};
+    if (definition.formula.size() > common::formulaLength)
+        return {row, common::format("The expression is longer than %d characters.", common::formulaLength)};
+    VARINFO probe{};
+    if (!setInputs(probe, definition.inputs, collection))
+        return {row, common::format("An expression has at most %d inputs, all of them variables of the "
+                                    "collection.",
+                                    maxMacroInputs)};
+    return {row, formulaFault(onOneLine(definition.formula), probe.nSources)};
+}
+
+std::string fileName(const std::string& path)
+{
+    return std::filesystem::path(path).filename().string();
+}
+
+// Says what is wrong with a file under the title of its loading.
+void tellFault(const std::string& path, const MACROFAULT& fault, common::RUser& user)
+{
+    const std::string place = path + (fault.line > 0 ? common::format(", line %d", fault.line) : "");
+    user.about("Loading Macro", "Not a valid NVQ macro!\n\n" + place + ": " + fault.text);
+}
+
+// Binds the inputs to variables. False if the user cancelled.
+bool identifyInputs(const RCollection& collection, const MACRO& macro, VARINFO& variable, NEWROLES& roles,
+                    RVariableSettler& settler)
+{
+    variable.nSources = std::clamp(macro.nInputs, 0, maxMacroInputs);
+    for (int n = 0; n < variable.nSources; ++n) {
+        const std::string key = collection::plainLabelOf(macro.inputs[static_cast<std::size_t>(n)]);
+        const int input = identifyForSetup(collection, "Loading Macro", key, true, roles, settler);
+        if (input == 0) return false;
+        variable.sources[n] = input;
+    }
+    return true;
+}
+
+std::vector<SETUPQUESTION> inputQuestions(const RCollection& collection, const MACRO& macro)
+{
+    std::vector<SETUPQUESTION> questions;
+    for (int n = 0; n < std::clamp(macro.nInputs, 0, maxMacroInputs); ++n) {
+        const std::string key = collection::plainLabelOf(macro.inputs[static_cast<std::size_t>(n)]);
+        questions.push_back({SETUPQUESTION::Kind::role, key, n + 1, recordedVariable(collection, key), ""});
+    }
+    return questions;
+}
+
+} // namespace
+
+int addExpression(RCollection& collection, const SETUPTOOLS& tools)
+{
+    if (!tools.settler.begin({}, collection)) return 0;
+    const auto definition = tools.settler.defineExpression(collection);
+    if (!definition || !tools.settler.finish()) return 0;
+    if (const auto [title, text] = definitionFault(*definition, collection); !text.empty()) {
+        tools.user.about(title, text);
+        return 0;
+    }
+    VARINFO variable = variableOfRow(collection, rowOf(idExpression));
+    variable.width = definition->width;
+    variable.decimals = definition->decimals;
+    collection::setLabel(variable,
+                         common::labelFromFile(definition->label, common::isValidUtf8(definition->label)));
+    (void)setInputs(variable, definition->inputs, collection);
+    return joinFormula(collection, variable, onOneLine(definition->formula), {}, tools.user);
+}
+
+int loadMacroVariable(RCollection& collection, const std::string& path, const SETUPTOOLS& tools)
+{
+    const common::RBusyGuard busy(tools.user, "Loading Macro " + fileName(path) + " ...");
+    MACRO macro;
+    macro.width = tools.macroFormat.width;
+    macro.decimals = tools.macroFormat.decimals;
+    if (MACROFAULT fault; !readMacroFile(path, macro, fault)) {
+        tellFault(path, fault, tools.user);
+        return 0;
+    }
+    tools.macroFormat = {macro.width, macro.decimals};
+    VARINFO variable = variableOfRow(collection, rowOf(idMacro));
+    common::copyText(variable.source, path);
+    variable.width = macro.width;
+    variable.decimals = macro.decimals;
+    collection::setLabel(variable, macro.label);
+    NEWROLES roles;
+    if (!tools.settler.begin(inputQuestions(collection, macro), collection) ||
+        !identifyInputs(collection, macro, variable, roles, tools.settler) || !tools.settler.finish())
+        return 0;
+    const std::string formula = joinedFormula(macro.expression);
+    if (const std::string fault = formulaFault(formula, variable.nSources); !fault.empty())
+        tools.user.note(path + ": " + fault);
+    return joinFormula(collection, variable, formula, roles, tools.user);
+}
+
+} // namespace variables

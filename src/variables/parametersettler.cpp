@@ -1,0 +1,132 @@
+#include "variables/parametersettler.h"
+
+#include <algorithm>
+
+#include "common/text.h"
+#include "common/textcoding.h"
+#include "variables/timeconversions.h"
+
+namespace variables {
+
+bool RParameterSettler::begin(std::span<const SETUPQUESTION> questions, const collection::RCollection&)
+{
+    const auto others = std::count_if(questions.begin(), questions.end(), [](const SETUPQUESTION& question) {
+        return question.kind != SETUPQUESTION::Kind::role;
+    });
+    rolesWithParameter_ = static_cast<std::ptrdiff_t>(parameters_.size()) - others;
+    return true;
+}
+
+bool RParameterSettler::finish()
+{
+    if (used_ < parameters_.size())
+        fail("There is no question for the parameter \"" + parameters_[used_] + "\".");
+    if (!fault_.empty()) return false;
+    for (const std::string& note : notes_) user_.note(note);
+    return true;
+}
+
+std::optional<int> RParameterSettler::identify(const IDENTIFICATION& question,
+                                               const collection::RCollection& collection)
+{
+    if (question.isKey && rolesWithParameter_-- <= 0) return likelyVariable(question, collection);
+    return takeVariable(common::labelToUtf8(question.keyText), collection);
+}
+
+std::optional<int> RParameterSettler::takeVariable(std::string_view question,
+                                                   const collection::RCollection& collection)
+{
+    const std::string* const text = next();
+    if (!text) {
+        fail(std::string(question) + ": a parameter must tell the variable.");
+        return std::nullopt;
+    }
+    const int number = collection::findVariable(collection.variables, collection.totalVariableCount, *text);
+    if (number != 0) return number;
+    fail(std::string(question) + ": there is no variable \"" + *text + "\".");
+    return std::nullopt;
+}
+
+std::optional<int> RParameterSettler::likelyVariable(const IDENTIFICATION& question,
+                                                     const collection::RCollection& collection)
+{
+    const std::string key = common::labelToUtf8(question.keyText);
+    if (question.proposed == 0) {
+        fail(key + " isn't identified: set_key tells which variable it is.");
+        return std::nullopt;
+    }
+    const auto& variable = collection.variables[static_cast<std::size_t>(question.proposed)];
+    notes_.push_back(key + ": taken to be variable " + std::to_string(question.proposed) + ", " +
+                     common::labelToUtf8(common::fieldText(variable.plainLabel)));
+    return question.proposed;
+}
+
+std::optional<std::string> RParameterSettler::askNumber(std::string_view, std::string_view prompt,
+                                                        std::string_view preset)
+{
+    const std::string* const text = next();
+    if (!text) return std::string(preset);
+    if (common::parseDouble(*text)) return *text;
+    fail(std::string(prompt) + " \"" + *text + "\" is no number.");
+    return std::nullopt;
+}
+
+std::optional<int> RParameterSettler::chooseTimeForm(std::string_view label, std::string_view target)
+{
+    const std::string* const text = next();
+    const int form = text ? common::parseInt(*text).value_or(timeFormOf(*text)) : -1;
+    if (givesDate(form)) return form;
+    const std::string what = std::string(label) + " -> " + std::string(target) + ": ";
+    fail(what + (text
+                     ? "\"" + *text + "\" is no way to read a time."
+                     : "the label doesn't tell how its numbers are read; a parameter must, such as \"year as "
+                       "%Y.%f\"."));
+    return std::nullopt;
+}
+
+std::optional<std::string> RParameterSettler::askOrigin(std::string_view label)
+{
+    const std::string* const text = next();
+    double day = 0;
+    if (text && referenceDayOf("since " + *text, day)) return *text;
+    fail(std::string(label) +
+         (text ? ": \"" + *text + "\" is no date of the form yyyy-mm-dd hh:mm:ss."
+               : ": the label has no origin; a parameter yyyy-mm-dd hh:mm:ss must tell it."));
+    return std::nullopt;
+}
+
+std::optional<EXPRESSIONDEFINITION>
+RParameterSettler::defineExpression(const collection::RCollection& collection)
+{
+    if (!expression_) {
+        fail("The expression is missing.");
+        return std::nullopt;
+    }
+    EXPRESSIONDEFINITION definition = *expression_;
+    while (used_ < parameters_.size()) {
+        const std::string question = "#" + std::to_string(definition.inputs.size() + 1);
+        const auto input = takeVariable(question, collection);
+        if (!input) return std::nullopt;
+        definition.inputs.push_back(*input);
+    }
+    return definition;
+}
+
+std::string RParameterSettler::chooseMacroFile(const std::string&)
+{
+    if (macroFile_.empty()) fail("The macro file is missing.");
+    return macroFile_;
+}
+
+const std::string* RParameterSettler::next()
+{
+    return used_ < parameters_.size() ? &parameters_[used_++] : nullptr;
+}
+
+// The first fault is the one that is told.
+void RParameterSettler::fail(std::string text)
+{
+    if (fault_.empty()) fault_ = std::move(text);
+}
+
+} // namespace variables

@@ -1,0 +1,60 @@
+#pragma once
+
+// Answers the questions of a set-up from a list of parameters, where nobody can be asked.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "variables/setup.h"
+
+namespace variables {
+
+// Variables are named by label or number. A role that `.idv` records takes no parameter. If there are more
+// parameters than questions other than roles, roles take theirs too, in the order of the questions; else a
+// role takes the variable that is likely meant, with a note. A number without a parameter takes its preset.
+// Everything else that is missing, unknown or left over is a fault, and the set-up changes nothing.
+class RParameterSettler final : public RVariableSettler {
+public:
+    RParameterSettler(std::vector<std::string> parameters, common::RUser& user)
+        : parameters_(std::move(parameters)), user_(user)
+    {
+    }
+    // What defineExpression() answers; the parameters are its inputs.
+    void giveExpression(EXPRESSIONDEFINITION definition) { expression_ = std::move(definition); }
+    void giveMacroFile(std::string path) { macroFile_ = std::move(path); }
+
+    // What is wrong and what is missing; empty if every question had its answer.
+    [[nodiscard]] const std::string& fault() const { return fault_; }
+
+    [[nodiscard]] bool begin(std::span<const SETUPQUESTION> questions,
+                             const collection::RCollection& collection) override;
+    [[nodiscard]] bool finish() override;
+    [[nodiscard]] std::optional<int> identify(const IDENTIFICATION& question,
+                                              const collection::RCollection& collection) override;
+    [[nodiscard]] std::optional<std::string> askNumber(std::string_view title, std::string_view prompt,
+                                                       std::string_view preset) override;
+    [[nodiscard]] std::optional<int> chooseTimeForm(std::string_view label, std::string_view target) override;
+    [[nodiscard]] std::optional<std::string> askOrigin(std::string_view label) override;
+    [[nodiscard]] std::optional<EXPRESSIONDEFINITION>
+    defineExpression(const collection::RCollection& collection) override;
+    [[nodiscard]] std::string chooseMacroFile(const std::string& folder) override;
+
+private:
+    [[nodiscard]] const std::string* next();
+    [[nodiscard]] std::optional<int> takeVariable(std::string_view question,
+                                                  const collection::RCollection& collection);
+    [[nodiscard]] std::optional<int> likelyVariable(const IDENTIFICATION& question,
+                                                    const collection::RCollection& collection);
+    void fail(std::string text);
+
+    std::vector<std::string> parameters_;
+    common::RUser& user_;
+    std::size_t used_ = 0;
+    std::ptrdiff_t rolesWithParameter_ = 0;
+    std::vector<std::string> notes_; // told when all is answered
+    std::string fault_, macroFile_;
+    std::optional<EXPRESSIONDEFINITION> expression_;
+};
+
+} // namespace variables
