@@ -92,14 +92,6 @@ void mapOnto(const PROFILE& profile, std::span<const float> targets, std::span<f
         out[k] = isMissing(targets[k]) ? MISSING_VALUE : values[next++];
 }
 
-float valueAt(const PROFILE& profile, float target)
-{
-    float value = MISSING_VALUE;
-    seawater::interpolateProfile(profile.at, profile.value, MISSING_VALUE, {&target, 1}, {&value, 1},
-                                 nullptr);
-    return value;
-}
-
 // Takes the flags from the sources. Returns the count of values.
 int finish(const CALCULATION& calculation)
 {
@@ -176,10 +168,19 @@ PROFILE runningIntegral(const PROFILE& v)
     return integral;
 }
 
-// Counts the values from that at `reference` on. False if there is none.
+// The value of a running sum at a target; missing beyond its last known point, where a gap ends it.
+float sumAt(const PROFILE& sum, float target)
+{
+    float value = MISSING_VALUE;
+    const seawater::INTERPOLATION known =
+        seawater::interpolateProfile(sum.at, sum.value, MISSING_VALUE, {&target, 1}, {&value, 1}, nullptr);
+    return target <= known.xMax ? value : MISSING_VALUE;
+}
+
+// Counts a running sum from its value at `reference` on. False if there is none.
 bool subtractReference(PROFILE& profile, float reference)
 {
-    const float start = valueAt(profile, reference);
+    const float start = sumAt(profile, reference);
     if (isMissing(start)) return false;
     for (float& value : profile.value) {
         if (!isMissing(value)) value = cellOf(static_cast<double>(value) - start);

@@ -271,6 +271,16 @@ TEST(InterpolateProfile, FarFromZeroTheFitIsAsGood)
     expectDirectFits(x, y, {1.0e6f, 1.0e6f + 100, 1.0e6f + 200, 1.0e6f + 370});
 }
 
+TEST(InterpolateProfile, NumbersThatAreNoneDoNoHarm)
+{
+    const FLOATS odd{0, -INFINITY, 1e38f, NAN, -1e38f, INFINITY, missing, 5, 5, 3.4e38f};
+    const RESULT result = interpolated(odd, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, odd);
+    EXPECT_EQ(result.range.status, 0);
+    for (const float value : result.out) EXPECT_TRUE(std::isfinite(value));
+    for (const float value : interpolated({0, 1, 2}, {3.4e38f, -3.4e38f, 3.4e38f}, {0, 0.7f, 100, 101}).out)
+        EXPECT_TRUE(std::isfinite(value));
+}
+
 struct GRIDROW {
     float lowest, highest;
     std::array<float, 6> at; // points 0, 1, 2, 30, 60, 61

@@ -445,21 +445,36 @@ TEST(DynamicHeight, ALevelWithoutADepthIsMissingAndLeavesTheOthersAlone)
     EXPECT_EQ(cast.count(4), 20);
 }
 
-TEST(DynamicHeight, IsMissingFromTheFirstGapThatCantBeFilled)
+// Below 101 m there is no temperature, and the windows of the last two levels, which reach far down, hold too
+// narrow a part of the profile for a line.
+void storeWithAGapBelow101Metres(RMemoryCast& cast)
 {
-    // The last 300 m have no temperature, and the two levels there are so far apart that the line through the
-    // points of their window has too few of them.
     WATERROW row = castTo(100);
     row.depth.insert(row.depth.end(), {101, 800});
     row.temperature.insert(row.temperature.end(), {12, missing});
     row.salinity.insert(row.salinity.end(), {35, 35});
-    RMemoryCast cast;
     store(cast, row);
     cast.with.coverage = {2, 10, 5000, 0, 5000};
+}
+
+TEST(DynamicHeight, IsMissingFromTheFirstGapThatCantBeFilled)
+{
+    RMemoryCast cast;
+    storeWithAGapBelow101Metres(cast);
     const auto heights = cast.derived(idDynamicHeight, {1, 2, 3});
     ASSERT_TRUE(heights.has_value());
     EXPECT_NE((*heights)[2], missing);
+    EXPECT_EQ((*heights)[3], missing);
     EXPECT_EQ((*heights)[4], missing);
+    EXPECT_EQ(cast.count(4), 3);
+}
+
+TEST(DynamicHeight, IsAbsentIfItIsMissingAtTheReference)
+{
+    RMemoryCast cast;
+    storeWithAGapBelow101Metres(cast);
+    EXPECT_TRUE(cast.derived(idDynamicHeight, {1, 2, 3}, 50).has_value());
+    EXPECT_FALSE(cast.derived(idDynamicHeight, {1, 2, 3}, 800).has_value());
 }
 
 TEST(DynamicHeight, TheFlagIsTheLargestOfTheSources)
