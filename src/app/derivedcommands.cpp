@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/commandfile.h"
 #include "app/session.h"
 #include "common/files.h"
 #include "common/text.h"
@@ -54,31 +55,28 @@ std::string RSession::setKey(std::string_view keyText, std::string_view variable
 std::string RSession::addDerived(int row, std::span<const std::string> parameters)
 {
     if (!collection.isOpen) return openFault();
-    variables::RParameterSettler settler(collection, row, parameters, user_);
-    if (!settler.fault().empty()) return settler.fault();
-    return tellAdded(addDerivedVariable(row, settler), settler.fault());
+    variables::RParameterSettler settler({parameters.begin(), parameters.end()}, user_);
+    const int number = addDerivedVariable(row, settler);
+    return tellAdded(number, settler.fault());
 }
 
 std::string RSession::addExpression(variables::EXPRESSIONDEFINITION definition,
                                     std::span<const std::string> inputs)
 {
     if (!collection.isOpen) return openFault();
-    for (const std::string& input : inputs) {
-        const int number = variableOf(input);
-        if (number == 0) return "there is no variable " + quoted(input);
-        definition.inputs.push_back(number);
-    }
-    variables::RParameterSettler settler(collection, std::move(definition), user_);
-    return tellAdded(addDerivedVariable(variables::rowOfCalculator(variables::idExpression), settler),
-                     settler.fault());
+    variables::RParameterSettler settler({inputs.begin(), inputs.end()}, user_);
+    settler.giveExpression(std::move(definition));
+    const int number = addDerivedVariable(variables::rowOfCalculator(variables::idExpression), settler);
+    return tellAdded(number, settler.fault());
 }
 
 std::string RSession::addMacro(const std::string& path, std::span<const std::string> inputs)
 {
     if (!collection.isOpen) return openFault();
-    variables::RParameterSettler settler(collection, macroPath(path), inputs, user_);
-    return tellAdded(addDerivedVariable(variables::rowOfCalculator(variables::idMacro), settler),
-                     settler.fault());
+    variables::RParameterSettler settler({inputs.begin(), inputs.end()}, user_);
+    settler.giveMacroFile(macroPath(path));
+    const int number = addDerivedVariable(variables::rowOfCalculator(variables::idMacro), settler);
+    return tellAdded(number, settler.fault());
 }
 
 // Relative to the current directory, or else one of the user's macros or of the installation's.
@@ -118,8 +116,8 @@ std::string RSession::deleteDerived(std::string_view variable)
 
 int RSession::addDerivedVariable(int row, variables::RVariableSettler& settler)
 {
-    const int number =
-        variables::addDerivedVariable(collection, row, {surroundings, installation, settler, user_});
+    const int number = variables::addDerivedVariable(
+        collection, row, {surroundings, installation, settler, user_, macroFormat_});
     if (number > 0) collection.configChanged = true;
     return number;
 }
@@ -127,7 +125,8 @@ int RSession::addDerivedVariable(int row, variables::RVariableSettler& settler)
 void RSession::deleteDerivedVariable(int number)
 {
     const int oldCount = collection.totalVariableCount;
-    const std::vector<int> removed = variables::dependentVariables(collection, number);
+    std::vector<int> removed = variables::dependentVariables(collection, number);
+    removed.push_back(number);
     if (variables::deleteDerivedVariable(collection, number - collection.variableCount) == 0) return;
     graphics::GRAPHICSSETUP defaults;
     graphics::setDefaultSetup(defaults, collection, installation);

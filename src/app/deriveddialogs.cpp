@@ -13,4 +13,8 @@ void RAppWindow::editMacro()
     dialogs::editMacros(QString::fromStdString(mine), std::span(open.variables).first(count), user_, this);
 }
 
+void RAppWindow::editDerivedVariables() {}
+void RAppWindow::editVariablesSettings() {}
+void RAppWindow::resetKeyVariables() {}
+void RAppWindow::editGeneralSettings() {}
 } // namespace app

@@ -325,6 +325,7 @@ private:
     RSessionView& view_;
     RProgramStages stages_{surroundings};
     collection::RCollectionLock lock_;
+    variables::MACROFORMAT macroFormat_;
     bool openingTemporary_ = false; // what is being opened was unpacked and goes when it is closed
     std::string importDirectory_;   // of the file that was imported last
     std::string newDirectory_;      // where a file that is being opened makes a collection; empty: beside it

@@ -26,12 +26,14 @@ bool hasHistory(const DRVVAR& row, const SETUPTOOLS& tools)
 bool hasAtlas(const DRVVAR& row, const SETUPTOOLS& tools)
 {
     if (row.id != idNeutralDensity || tools.surroundings.atlas) return true;
+    const std::string folder = tools.installation.support + "gamma_n/";
     std::string fault;
-    tools.surroundings.atlas = loadGammaAtlas(tools.installation.support + "gamma_n/", fault);
+    tools.surroundings.atlas = loadGammaAtlas(folder, fault);
     if (tools.surroundings.atlas) return true;
-    tools.user.note(fault);
     tools.user.about("gamma_n support files not found ...",
-                     "You should install the <gamma_n> optional package!");
+                     "You should install the <gamma_n> optional package!\n\n" + fault +
+                         "\n\nThe atlas is that of Jackett and McDougall (1997). Get its netCDF file (gamma.nc) "
+                         "from the authors and run:\nmake_gamma_atlas gamma.nc " + folder);
     return false;
 }
 

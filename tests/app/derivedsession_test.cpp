@@ -3,6 +3,7 @@
 #include <numeric>
 
 #include "sessionfixture.h"
+#include "variables/needed.h"
 #include "variables/seawater/adiabat.h"
 #include "variables/seawater/pressure.h"
 #include "variables/seawater/state.h"
@@ -100,7 +101,7 @@ TEST_F(DerivedSession, ExpressionsTakeTheirInputsByLabel)
 TEST_F(DerivedSession, AFaultyFormulaIsToldWithItsWord)
 {
     EXPECT_FALSE(run("add_expression A [],8.2,#1 foo +,Temperature\n"));
-    EXPECT_THAT(user->notes, testing::Contains(HasSubstr("foo")));
+    EXPECT_THAT(user->messages, testing::Contains(HasSubstr("foo")));
     EXPECT_FALSE(run("add_expression A [],8.2,#2,Temperature\n"));
     EXPECT_FALSE(run("add_expression A [],8.2,+,Temperature\n"));
     EXPECT_FALSE(run("add_expression A [],8.2,#1,Oxygen\n"));
@@ -255,6 +256,8 @@ TEST_F(DerivedSession, SettingsOfVariablesAreTaken)
 
 TEST_F(DerivedSession, CoverageDecidesWhichStationsHaveDynamicHeight)
 {
+    writeText(file("shelf.txt"), common::replaceAll(castText(2, 6), "\t4000\t", "\t520\t"));
+    ASSERT_EQ(open("shelf.txt"), app::OpenResult::ok); // the sea floor is near
     ASSERT_TRUE(run("add_derived Dynamic Height,0\n"));
     EXPECT_NE(value("Dyn.Ht.-0", 3), common::MISSING_VALUE);
     variables::COVERAGECRITERIA strict;
