@@ -1,30 +1,16 @@
-#include <algorithm>
 #include <cmath>
-#include <initializer_list>
 
 #include "variables/calculators.h"
 #include "variables/registry.h"
 #include "variables/seawater/properties.h"
 #include "variables/seawater/state.h"
+#include "variables/sourceflags.h"
 #include "variables/waterlevels.h"
 
 namespace variables {
 namespace {
 
 using common::MISSING_VALUE;
-
-// --- flags
-
-// Each cell gets the largest flag of these sources, all of which have data.
-void setLargestFlags(const CALCULATION& calculation, std::initializer_list<int> sources)
-{
-    std::fill(calculation.flags.begin(), calculation.flags.end(), collection::flagGood);
-    for (const int n : sources) {
-        const std::span<const std::uint8_t> flags = calculation.sourceFlags(n);
-        for (std::size_t k = 0; k < flags.size(); ++k)
-            calculation.flags[k] = std::max(calculation.flags[k], flags[k]);
-    }
-}
 
 // Each cell gets the flag of the collection's first variable.
 void setPrimaryFlags(const CALCULATION& calculation)
@@ -33,8 +19,6 @@ void setPrimaryFlags(const CALCULATION& calculation)
         calculation.flags[k] =
             static_cast<std::uint8_t>(collection::flagAt(calculation.station, 1, static_cast<int>(k)));
 }
-
-// --- values
 
 // Fills the cells where `isUsable` with `resultAt`, the others with the missing value. Counts the results.
 template <typename IsUsable, typename ResultAt>
@@ -55,7 +39,7 @@ int fillFromWater(const CALCULATION& calculation, ResultAt resultAt)
 {
     const RWaterLevels water(calculation);
     if (!water.areThere()) return absent;
-    setLargestFlags(calculation, {1, 2, 3});
+    setSourceFlags(calculation);
     return fillCells(
         calculation, [&](std::size_t k) { return water.areUsable(k); },
         [&](std::size_t k) { return resultAt(water, k); });
@@ -143,7 +127,7 @@ int freezingTemperature(const CALCULATION& calculation)
 {
     const std::span<const float> depths = calculation.source(1), salinities = calculation.source(3);
     if (depths.empty() || salinities.empty()) return absent;
-    setLargestFlags(calculation, {1, 3});
+    setSourceFlags(calculation);
     const seawater::RPressureAtLatitude pressures(calculation.station.header.latitude);
     return fillCells(
         calculation, [&](std::size_t k) { return isDepth(depths[k]) && isSalinity(salinities[k]); },
@@ -165,7 +149,7 @@ bool haveValues(const CALCULATION& calculation, int sources)
 int oxygenSaturation(const CALCULATION& calculation)
 {
     if (!haveValues(calculation, 4)) return absent;
-    setLargestFlags(calculation, {1, 2, 3, 4});
+    setSourceFlags(calculation);
     const RWaterLevels water(calculation);
     const std::span<const float> oxygen = calculation.source(4);
     return fillCells(
@@ -179,7 +163,7 @@ int oxygenSaturation(const CALCULATION& calculation)
 int ratio(const CALCULATION& calculation)
 {
     if (!haveValues(calculation, 2)) return absent;
-    setLargestFlags(calculation, {1, 2});
+    setSourceFlags(calculation);
     const std::span<const float> numerators = calculation.source(1), denominators = calculation.source(2);
     const float param = calculation.variable.param, limit = param > 0 ? param : 0;
     return fillCells(
