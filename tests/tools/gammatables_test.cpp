@@ -16,7 +16,7 @@ namespace {
 using namespace testing_support;
 using seawater::GAMMAATLAS;
 
-// Writes an atlas in the netCDF form of its authors, without the variable `left out`.
+// Writes an atlas in the netCDF form of its authors, without the variable `leftOut`.
 class RAtlasWriter {
 public:
     explicit RAtlasWriter(const std::string& path) { check(nc_create(path.c_str(), NC_CLOBBER, &file_)); }
@@ -106,11 +106,11 @@ protected:
         EXPECT_FALSE(tools::readGammaTables(path, error));
         return error;
     }
-    // Runs the program; its exit code, and what it said in `said`.
+    // Runs the program where users find it; its exit code, and what it said in `said`.
     int run(const std::string& arguments)
     {
         const std::string command =
-            NVQ_BUILD_DIR "/tools/make_gamma_atlas " + arguments + " 2>" + directory.file("said");
+            NVQ_BUILD_DIR "/installed/bin/make_gamma_atlas " + arguments + " 2>" + directory.file("said");
         const int status = std::system(command.c_str());
         said = common::readFile(directory.file("said")).value_or("");
         return status;

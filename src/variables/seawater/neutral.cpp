@@ -141,7 +141,9 @@ int neutralDensity(const GAMMAATLAS& atlas, std::span<const float> salinity,
                    double latitude, std::span<double> gamma, std::span<double> errorLow,
                    std::span<double> errorHigh, double missing)
 {
-    for (const std::span<double> result : {gamma, errorLow, errorHigh}) std::ranges::fill(result, missing);
+    const std::size_t samples = salinity.size();
+    for (const std::span<double> result : {gamma, errorLow, errorHigh})
+        std::ranges::fill(result.first(samples), missing);
     if (longitude < 0) longitude += 360;
     if (!(longitude >= 0 && longitude <= 360 && latitude >= -80 && latitude <= 64)) return 1;
     if (longitude == 360) longitude = 0;
@@ -151,7 +153,7 @@ int neutralDensity(const GAMMAATLAS& atlas, std::span<const float> salinity,
     if (place.around.casts.empty()) return 1;
 
     int status = 1;
-    for (std::size_t n = 0; n < gamma.size(); ++n) {
+    for (std::size_t n = 0; n < samples; ++n) {
         if (!isUsable(salinity[n], temperature[n], pressure[n])) continue;
         const RLabelMean mean = labelOf({salinity[n], temperature[n], pressure[n]}, place, atlas);
         if (!mean.valid()) continue;
