@@ -71,9 +71,9 @@ TEST_F(NeutralDensity, AgreesWithTheCheckValues)
     for (const CHECKROW& row : checkRows) {
         const LABEL label = labelOf(row.longitude, row.latitude, row.pressure, row.salinity, row.temperature);
         EXPECT_EQ(label.status, 0) << row.what;
-        EXPECT_NEAR(label.gamma, row.gamma, 2e-4) << row.what;
-        EXPECT_NEAR(label.low, row.low, 2e-5) << row.what;
-        EXPECT_NEAR(label.high, row.high, 2e-5) << row.what;
+        EXPECT_NEAR(label.gamma, row.gamma, 1e-5) << row.what;
+        EXPECT_NEAR(label.low, row.low, 2e-6) << row.what;
+        EXPECT_NEAR(label.high, row.high, 2e-6) << row.what;
     }
 }
 
