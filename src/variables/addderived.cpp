@@ -30,10 +30,12 @@ bool hasAtlas(const DRVVAR& row, const SETUPTOOLS& tools)
     std::string fault;
     tools.surroundings.atlas = loadGammaAtlas(folder, fault);
     if (tools.surroundings.atlas) return true;
-    tools.user.about("gamma_n support files not found ...",
-                     "You should install the <gamma_n> optional package!\n\n" + fault +
-                         "\n\nThe atlas is that of Jackett and McDougall (1997). Get its netCDF file (gamma.nc) "
-                         "from the authors and run:\nmake_gamma_atlas gamma.nc " + folder);
+    tools.user.about(
+        "gamma_n support files not found ...",
+        "You should install the <gamma_n> optional package!\n\n" + fault +
+            "\n\nThe atlas is that of Jackett and McDougall (1997). Get its netCDF file (gamma.nc) "
+            "from the authors and run:\nmake_gamma_atlas gamma.nc " +
+            folder);
     return false;
 }
 

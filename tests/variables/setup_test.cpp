@@ -264,9 +264,12 @@ TEST_F(Setup, AMissingAtlasIsNamed)
 {
     surroundings.atlas = nullptr;
     EXPECT_EQ(add("Neutral Density"), 0);
-    EXPECT_EQ(user.messages, std::vector<std::string>{
-                                 "gamma_n support files not found ...: You should install the <gamma_n> "
-                                 "optional package!"});
+    ASSERT_EQ(user.messages.size(), 1u);
+    EXPECT_TRUE(user.messages[0].starts_with("gamma_n support files not found ...: You should install the "
+                                             "<gamma_n> optional package!\n\n"))
+        << user.messages[0];
+    EXPECT_NE(user.messages[0].find("gamma_n/llp.fdt"), std::string::npos); // what is missing
+    EXPECT_NE(user.messages[0].find("make_gamma_atlas gamma.nc "), std::string::npos);
 }
 
 TEST_F(Setup, RowsThatArentThereYetSaySo)
