@@ -19,14 +19,8 @@ class RDerivedStation {
 public:
     explicit RDerivedStation(const std::vector<std::vector<float>>& columns, float latitude = 30)
     {
-        fillStation(station, columns);
+        setColumns(columns, 0);
         place(station, 0, latitude);
-        station.collection = &collection;
-        collection.variableCount = collection.totalVariableCount = static_cast<int>(columns.size());
-        for (int v = 1; v <= collection.variableCount; ++v) {
-            collection.variables.at(static_cast<std::size_t>(v)) = collection::emptyVariable(v);
-            countValues(v);
-        }
         collection.neededMask.fill(1);
     }
 
@@ -80,6 +74,19 @@ public:
     collection::RCollection collection;
     collection::STATIONDATA station;
     variables::SURROUNDINGS with;
+
+protected:
+    // Takes other columns, whose flags are all the same; the header is emptied, and derived variables go.
+    void setColumns(const std::vector<std::vector<float>>& columns, std::uint8_t flag)
+    {
+        fillStation(station, columns, flag);
+        station.collection = &collection;
+        collection.variableCount = collection.totalVariableCount = static_cast<int>(columns.size());
+        for (int v = 1; v <= collection.variableCount; ++v) {
+            collection.variables.at(static_cast<std::size_t>(v)) = collection::emptyVariable(v);
+            countValues(v);
+        }
+    }
 
 private:
     [[nodiscard]] std::int32_t offsetOf(int number) const

@@ -19,9 +19,9 @@ protected:
     // The value that all levels share.
     float derived(int id)
     {
-        const int number = cast.derive(id, {});
+        const int number = cast.add(id, {});
         cast.compute();
-        const auto values = cast.values(number);
+        const auto values = cast.present(number);
         if (!values) return -1;
         EXPECT_EQ(*values, FLOATS(3, values->front()));
         EXPECT_EQ(cast.count(number), 3);

@@ -392,12 +392,12 @@ TEST(DynamicHeight, IsAbsentForAGapThatTheCoverageRefusesWhilePotentialTemperatu
 {
     RMemoryCast cast;
     cast.store({{0, 100, 900, 1000}, {20, 18, 6, 5}, {35.2f, 35.1f, 34.7f, 34.7f}});
-    const int height = cast.derive(idDynamicHeight, {1, 2, 3});
-    const int theta = cast.derive(idPotentialTemperature, {1, 2, 3});
+    const int height = cast.add(idDynamicHeight, {1, 2, 3});
+    const int theta = cast.add(idPotentialTemperature, {1, 2, 3});
     cast.compute();
-    EXPECT_FALSE(cast.values(height).has_value());
+    EXPECT_FALSE(cast.present(height).has_value());
     EXPECT_EQ(cast.count(height), 0);
-    EXPECT_TRUE(cast.values(theta).has_value());
+    EXPECT_TRUE(cast.present(theta).has_value());
 }
 
 TEST(DynamicHeight, IsAbsentForAReferenceBelowTheCast)
@@ -482,7 +482,7 @@ TEST(DynamicHeight, TheFlagIsTheLargestOfTheSources)
     RMemoryCast cast;
     store(cast, castTo(1000));
     cast.station.flags[static_cast<std::size_t>(cast.station.offset[3]) + 5] = 4;
-    const int height = cast.derive(idDynamicHeight, {1, 2, 3});
+    const int height = cast.add(idDynamicHeight, {1, 2, 3});
     cast.compute();
     EXPECT_EQ(cast.flag(height, 5), 4);
     EXPECT_EQ(cast.flag(height, 6), 0);
@@ -551,10 +551,10 @@ TEST(VerticalDerivative, OfALineIsItsSlopeAKilometre)
         values.push_back(20 - 0.01f * depth.back());
     }
     cast.store({depth, values});
-    const int first = cast.derive(idVerticalDerivative, {1, 2});
-    const int second = cast.derive(idSecondDerivative, {1, 2});
+    const int first = cast.add(idVerticalDerivative, {1, 2});
+    const int second = cast.add(idSecondDerivative, {1, 2});
     cast.compute();
-    const auto slopes = cast.values(first), curvatures = cast.values(second);
+    const auto slopes = cast.present(first), curvatures = cast.present(second);
     ASSERT_TRUE(slopes && curvatures);
     for (const float slope : *slopes) EXPECT_NEAR(slope, -10, 1e-2);
     for (const float curvature : *curvatures) EXPECT_NEAR(curvature, 0, 0.5);

@@ -37,24 +37,24 @@ TEST_F(TimeVariable, TakesYearAndMonthFromTheHeaderWhereTheFormHasNone)
 TEST_F(TimeVariable, CountsFromTheOriginOfItsVariable)
 {
     cast.store({{0}, {31.25f}, {24}});
-    const int days = cast.derive(idTime, {2}, 0, daysSinceRow);
-    const int hours = cast.derive(idDayOfYear, {3}, 0, hoursSinceRow);
+    const int days = cast.add(idTime, {2}, 0, daysSinceRow);
+    const int hours = cast.add(idDayOfYear, {3}, 0, hoursSinceRow);
     const auto origin = [&](int number) -> double& {
         return cast.collection.timeOrigins.at(static_cast<std::size_t>(number));
     };
     origin(days) = static_cast<double>(common::dayNumber(2001, 1, 1));
     origin(hours) = static_cast<double>(common::dayNumber(2004, 12, 30));
     cast.compute();
-    EXPECT_NEAR(cast.values(days).value().front(), 2001 + 31.25 / 365, 2e-4);
-    EXPECT_EQ(cast.values(hours).value().front(), 366);
+    EXPECT_NEAR(cast.present(days).value().front(), 2001 + 31.25 / 365, 2e-4);
+    EXPECT_EQ(cast.present(hours).value().front(), 366);
 }
 
 TEST_F(TimeVariable, MissingTimesStayMissingButCount)
 {
     cast.store({{0, 10, 20}, {20081230, missing, 20081330}});
-    const int number = cast.derive(idDayOfYear, {2}, 0, 2);
+    const int number = cast.add(idDayOfYear, {2}, 0, 2);
     cast.compute();
-    EXPECT_EQ(cast.values(number), (FLOATS{365, missing, missing})); // there is no 13th month
+    EXPECT_EQ(cast.present(number), (FLOATS{365, missing, missing})); // there is no 13th month
     EXPECT_EQ(cast.count(number), 3);
 }
 
@@ -62,7 +62,7 @@ TEST_F(TimeVariable, TheFlagIsThatOfTheSource)
 {
     cast.store({{0, 10}, {2001, 2002}});
     cast.station.flags[static_cast<std::size_t>(cast.station.offset[2]) + 1] = 4;
-    const int number = cast.derive(idTime, {2}, 0, 10);
+    const int number = cast.add(idTime, {2}, 0, 10);
     cast.compute();
     EXPECT_EQ(cast.flag(number, 0), 0);
     EXPECT_EQ(cast.flag(number, 1), 4);

@@ -143,9 +143,9 @@ TEST_F(Tracers, ASampleOfBeforeTheHistoryIsAbsent)
 TEST_F(Tracers, WithoutGasInTheAtmosphereSaturationIsMissing)
 {
     cast.with.histories.fill(historyOf({1940, 1990}, {0, 0}, {0, 0}));
-    const int number = cast.derive(idFirstSaturation, {1, 2, 3, 4});
+    const int number = cast.add(idFirstSaturation, {1, 2, 3, 4});
     cast.compute();
-    EXPECT_EQ(cast.values(number), (FLOATS{missing, missing}));
+    EXPECT_EQ(cast.present(number), (FLOATS{missing, missing}));
     EXPECT_EQ(cast.count(number), 0);
 }
 
@@ -155,9 +155,9 @@ TEST_F(Tracers, ValuesOutsideTheirWindowsAreMissingAndDontCount)
                 {10, 10, -6, 10, 10, 10, missing},
                 {35, 35, 35, 101, 35, 35, 35},
                 {3, 3, 3, 3, -0.2f, 101, 3}});
-    const int number = cast.derive(idFirstSaturation, {1, 2, 3, 4});
+    const int number = cast.add(idFirstSaturation, {1, 2, 3, 4});
     cast.compute();
-    const auto values = cast.values(number);
+    const auto values = cast.present(number);
     ASSERT_TRUE(values.has_value());
     EXPECT_NE(values->front(), missing);
     EXPECT_EQ(std::count(values->begin(), values->end(), missing), 6);
@@ -175,7 +175,7 @@ TEST_F(Tracers, AreAbsentWithoutOneOfTheirSources)
 TEST_F(Tracers, TheFlagIsTheLargestOfTheSources)
 {
     cast.station.flags[static_cast<std::size_t>(cast.station.offset[4])] = 4;
-    const int number = cast.derive(idFirstSaturation, {1, 2, 3, 4});
+    const int number = cast.add(idFirstSaturation, {1, 2, 3, 4});
     cast.compute();
     EXPECT_EQ(cast.flag(number, 0), 4);
     EXPECT_EQ(cast.flag(number, 1), 0);
