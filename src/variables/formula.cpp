@@ -104,7 +104,7 @@ MEANING meaningOfInput(std::string_view word, int inputs)
     meaning.op = opInput;
     std::string_view rest = word.substr(1);
     meaning.known = common::takeInt(rest, meaning.input) && meaning.input >= 1 && meaning.input <= inputs;
-    meaning.proper = word == "#" + std::to_string(meaning.input);
+    meaning.proper = word == common::format("#%d", meaning.input);
     return meaning;
 }
 
@@ -196,7 +196,8 @@ std::string formulaFault(std::string_view text, int inputs)
         ++place;
         const MEANING meaning = meaningOf(word, inputs);
         const std::string fault = wordFault(meaning, inputs, values);
-        if (!fault.empty()) return "Word " + std::to_string(place) + ", " + shown(word) + ": " + fault + ".";
+        if (!fault.empty())
+            return common::format("Word %d, %s: %s.", place, shown(word).c_str(), fault.c_str());
         values += 1 - meaning.takes;
     }
     if (place == 0) return "The formula is empty.";
