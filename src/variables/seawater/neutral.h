@@ -35,8 +35,8 @@ struct GAMMAATLAS {
                                  double longitude, double latitude, std::span<double> gamma,
                                  std::span<double> errorLow, std::span<double> errorHigh, double missing);
 
-// Whether two places lie in connected water (oceanpaths.cpp), by their oceans (1 and 2 North and South Pacific, 3 and 4
-// Indian, 5 and 6 Atlantic), at a pressure [dbar].
+// Whether two places lie in connected water (oceanpaths.cpp), by their oceans (1 and 2 North and South
+// Pacific, 3 and 4 Indian, 5 and 6 Atlantic), at a pressure [dbar].
 [[nodiscard]] bool oceanPathsConnected(double lon1, double lat1, int ocean1, double lon2, double lat2,
                                        int ocean2, double pressure);
 
