@@ -35,6 +35,13 @@ constexpr auto topics = std::to_array<HELPROW>({
      "polygon and the rectangle around it.\n\n"
      "Values whose quality is not accepted count as missing; so do, outside the range of a variable, all "
      "values of a sample but the first variable's."},
+    {derivedHelp,
+     "Derived variables are computed whenever a station is loaded; the collection's files hold none of their "
+     "values. Everything that takes a variable takes them too.\n\n"
+     "Select a kind and press Add. Questions may follow: which variable is the depth, for instance. The "
+     "answer "
+     "is kept, so that it is asked once for each collection.\n\n"
+     "Delete takes the selected variable out, and with it all that are computed from it."},
     {spreadsheetHelp,
      "A spreadsheet holds one sample a line; its columns are divided by one character. One line holds the "
      "labels of the columns. The properties are right when the list of column labels shows one label a "

@@ -16,7 +16,8 @@ int firstLike(std::span<const collection::VARINFO> variables, const QString& sea
 }
 
 identifyvarDlg::identifyvarDlg(const QString& task, const QString& meaning,
-                               std::span<const collection::VARINFO> variables, QWidget* parent)
+                               std::span<const collection::VARINFO> variables, QWidget* parent,
+                               int preselected)
     : QDialog(parent), variables_(makeLineList("variables", 44, this))
 {
     constexpr int linesShown = 12;
@@ -41,7 +42,7 @@ identifyvarDlg::identifyvarDlg(const QString& task, const QString& meaning,
     connect(buttons, &QDialogButtonBox::accepted, this, &identifyvarDlg::processOK);
     connect(buttons, &QDialogButtonBox::rejected, this, &identifyvarDlg::reject);
     variables_->setFocus();
-    selectRow(*variables_, firstLike(variables, meaning) - 1);
+    selectRow(*variables_, (preselected > 0 ? preselected : firstLike(variables, meaning)) - 1);
     showOK();
 }
 

@@ -18,9 +18,11 @@ namespace dialogs {
 class identifyvarDlg : public QDialog {
     Q_OBJECT
 public:
-    // The caption is "<task> - Identify <meaning>".
+    // The caption is "<task> - Identify <meaning>". preselected: the variable that is selected at the
+    // beginning; 0: the first whose label holds the meaning.
     identifyvarDlg(const QString& task, const QString& meaning,
-                   std::span<const collection::VARINFO> variables, QWidget* parent = nullptr);
+                   std::span<const collection::VARINFO> variables, QWidget* parent = nullptr,
+                   int preselected = 0);
     [[nodiscard]] int variable() const { return variables_->currentRow() + 1; }
 
 public Q_SLOTS:

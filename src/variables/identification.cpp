@@ -5,7 +5,7 @@
 #include "common/files.h"
 #include "common/text.h"
 #include "common/textcoding.h"
-#include "variables/setup.h"
+#include "variables/newvariable.h"
 
 namespace variables {
 namespace {
@@ -30,11 +30,6 @@ int firstVariable(const collection::RCollection& collection, Matches matches)
         if (matches(collection.variables[static_cast<std::size_t>(v)])) return v;
     }
     return 0;
-}
-
-bool isVariable(const collection::RCollection& collection, int number)
-{
-    return number >= 1 && number <= collection.totalVariableCount;
 }
 
 } // namespace
@@ -75,14 +70,10 @@ int proposedVariable(const collection::RCollection& collection, std::string_view
 int identifyVariable(collection::RCollection& collection, std::string_view title, std::string_view keyText,
                      bool recordable, RVariableSettler& settler)
 {
-    if (const int recorded = recordable ? recordedVariable(collection, keyText) : 0) return recorded;
-    const std::string task(title), key(keyText);
-    const auto answer = settler.identify({task + " - Identify " + common::labelToUtf8(key), task, key,
-                                          proposedVariable(collection, keyText), recordable},
-                                         collection);
-    if (!answer || !isVariable(collection, *answer)) return 0;
-    if (recordable) recordVariable(collection, keyText, *answer);
-    return *answer;
+    NEWROLES roles;
+    const int answer = identifyForSetup(collection, title, keyText, recordable, roles, settler);
+    for (const KEYROLE& role : roles) recordVariable(collection, role.keyText, role.variable);
+    return answer;
 }
 
 std::vector<KEYROLE> recordedRoles(const collection::RCollection& collection)

@@ -518,6 +518,25 @@ TEST_F(Setup, ResettingAsksForEachRecordedRole)
     EXPECT_EQ(idFile(), "Depth [m]=1\nTemperature [C]=2\nSalinity [psu]=4\n");
 }
 
+TEST_F(Setup, AnIdentificationOnItsOwnIsNotedAtOnce)
+{
+    settler.variables = {3};
+    EXPECT_EQ(identifyVariable(collection, "Flows", "Salinity [psu]", true, settler), 3);
+    EXPECT_EQ(identifyVariable(collection, "Flows", "Salinity [psu]", true, settler), 3);
+    EXPECT_EQ(settler.titles, std::vector<std::string>{"Flows - Identify Salinity [psu]"});
+    EXPECT_EQ(identifyVariable(collection, "Flows", "Salinity [psu]", false, settler), 0) << "cancelled";
+    EXPECT_EQ(idFile(), "Salinity [psu]=3\n");
+}
+
+TEST_F(Setup, OnlyRolesAreRecordable)
+{
+    EXPECT_FALSE(isRecordable(idRatio, "Numerator"));
+    EXPECT_FALSE(isRecordable(idTime, "Time variable..."));
+    EXPECT_FALSE(isRecordable(idVerticalIntegral, "Variable"));
+    EXPECT_TRUE(isRecordable(idVerticalIntegral, "Depth [m]"));
+    EXPECT_TRUE(isRecordable(idMacro, "Variable"));
+}
+
 TEST_F(Setup, ParametersTellWhatTheRolesLeaveOpen)
 {
     RParameterSettler parameters({"4", "1000"}, user);
