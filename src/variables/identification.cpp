@@ -55,6 +55,12 @@ bool recordVariable(collection::RCollection& collection, std::string_view keyTex
 
 int proposedVariable(const collection::RCollection& collection, std::string_view keyText)
 {
+    if (keyText == potentialTemperatureKey) {
+        const int derived = firstVariable(collection, [](const collection::VARINFO& variable) {
+            return variable.id == idPotentialTemperature && variable.nSources > 0;
+        });
+        if (derived != 0) return derived;
+    }
     const std::string wanted = lowerUtf8(keyText);
     const int holding = firstVariable(collection, [&](const collection::VARINFO& variable) {
         return lowerUtf8(common::fieldText(variable.label)).find(wanted) != std::string::npos ||

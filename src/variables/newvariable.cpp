@@ -26,8 +26,9 @@ VARINFO variableOfRow(const RCollection& collection, const DRVVAR& row)
 int identifyForSetup(const RCollection& collection, std::string_view task, std::string_view keyText,
                      bool isRole, NEWROLES& roles, RVariableSettler& settler)
 {
-    if (isRole) {
-        if (const int recorded = recordedVariable(collection, keyText)) return recorded;
+    const int recorded = isRole ? recordedVariable(collection, keyText) : 0;
+    if (recorded != 0 && !settler.answersRecorded()) return recorded;
+    if (isRole && !settler.answersRecorded()) {
         const auto given = std::find_if(roles.begin(), roles.end(),
                                         [&](const KEYROLE& role) { return role.keyText == keyText; });
         if (given != roles.end()) return given->variable;
@@ -37,7 +38,7 @@ int identifyForSetup(const RCollection& collection, std::string_view task, std::
                                           isRole ? proposedVariable(collection, keyText) : 0, isRole},
                                          collection);
     if (!answer || *answer < 1 || *answer > collection.totalVariableCount) return 0;
-    if (isRole) roles.push_back({std::string(keyText), *answer});
+    if (isRole && recorded == 0) roles.push_back({std::string(keyText), *answer});
     return *answer;
 }
 

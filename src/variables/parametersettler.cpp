@@ -10,11 +10,22 @@ namespace variables {
 
 bool RParameterSettler::begin(std::span<const SETUPQUESTION> questions, const collection::RCollection&)
 {
-    const auto others = std::count_if(questions.begin(), questions.end(), [](const SETUPQUESTION& question) {
-        return question.kind != SETUPQUESTION::Kind::role;
-    });
-    rolesWithParameter_ = static_cast<std::ptrdiff_t>(parameters_.size()) - others;
-    return true;
+    const auto isRole = [](const SETUPQUESTION& question) {
+        return question.kind == SETUPQUESTION::Kind::role;
+    };
+    const auto isOpen = [&](const SETUPQUESTION& question) {
+        return isRole(question) && question.recorded == 0;
+    };
+    const auto roles = std::count_if(questions.begin(), questions.end(), isRole);
+    const auto open = std::count_if(questions.begin(), questions.end(), isOpen);
+    const std::ptrdiff_t others = std::ssize(questions) - roles, given = std::ssize(parameters_);
+    if (roles == 0 || given <= others) return true;
+    if (given == others + roles) roles_ = Roles::all;
+    if (given == others + open) roles_ = Roles::unrecorded;
+    if (roles_ != Roles::none) return true;
+    fail(common::format("It takes %d parameters, or %d with a variable for each of its roles, not %d.",
+                        static_cast<int>(others), static_cast<int>(others + roles), static_cast<int>(given)));
+    return false;
 }
 
 bool RParameterSettler::finish()
@@ -29,7 +40,7 @@ bool RParameterSettler::finish()
 std::optional<int> RParameterSettler::identify(const IDENTIFICATION& question,
                                                const collection::RCollection& collection)
 {
-    if (question.isKey && rolesWithParameter_-- <= 0) return likelyVariable(question, collection);
+    if (question.isKey && roles_ == Roles::none) return likelyVariable(question, collection);
     return takeVariable(common::labelToUtf8(question.keyText), collection);
 }
 
@@ -52,7 +63,8 @@ std::optional<int> RParameterSettler::likelyVariable(const IDENTIFICATION& quest
 {
     const std::string key = common::labelToUtf8(question.keyText);
     if (question.proposed == 0) {
-        fail(key + " isn't identified: set_key tells which variable it is.");
+        fail(key +
+             " isn't identified: set_key tells which stored variable it is, or parameters tell all roles.");
         return std::nullopt;
     }
     const auto& variable = collection.variables[static_cast<std::size_t>(question.proposed)];

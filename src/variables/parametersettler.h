@@ -10,10 +10,10 @@
 
 namespace variables {
 
-// Variables are named by label or number. A role that `.idv` records takes no parameter. If there are more
-// parameters than questions other than roles, roles take theirs too, in the order of the questions; else a
-// role takes the variable that is likely meant, with a note. A number without a parameter takes its preset.
-// Everything else that is missing, unknown or left over is a fault, and the set-up changes nothing.
+// Variables are named by label or number. Questions other than roles take the parameters, and so do the roles
+// if there is one more for each of them, or for each that `.idv` doesn't record. Else a role is played by the
+// variable that `.idv` tells or that is likely meant, which is noted. A number without a parameter takes its
+// preset. Everything else that is missing, unknown or left over is a fault, and the set-up changes nothing.
 class RParameterSettler final : public RVariableSettler {
 public:
     RParameterSettler(std::vector<std::string> parameters, common::RUser& user)
@@ -29,6 +29,7 @@ public:
 
     [[nodiscard]] bool begin(std::span<const SETUPQUESTION> questions,
                              const collection::RCollection& collection) override;
+    [[nodiscard]] bool answersRecorded() const override { return roles_ == Roles::all; }
     [[nodiscard]] bool finish() override;
     [[nodiscard]] std::optional<int> identify(const IDENTIFICATION& question,
                                               const collection::RCollection& collection) override;
@@ -51,8 +52,8 @@ private:
     std::vector<std::string> parameters_;
     common::RUser& user_;
     std::size_t used_ = 0;
-    std::ptrdiff_t rolesWithParameter_ = 0;
-    std::vector<std::string> notes_; // told when all is answered
+    enum class Roles { none, unrecorded, all } roles_ = Roles::none; // that take parameters
+    std::vector<std::string> notes_;                                 // told when all is answered
     std::string fault_, macroFile_;
     std::optional<EXPRESSIONDEFINITION> expression_;
 };

@@ -40,7 +40,7 @@ struct SETUPQUESTION {
     Kind kind = Kind::role;
     std::string text;   // the key text, or the prompt of a number
     int source = 0;     // which source of the variable the answer is, from 1; 0 for a number
-    int recorded = 0;   // a role that `.idv` knows: its variable; it isn't asked for
+    int recorded = 0;   // a role that `.idv` knows: its variable
     std::string preset; // of a number
 };
 
@@ -54,6 +54,8 @@ public:
     {
         return true;
     }
+    // Whether roles that `.idv` records are asked for too. Such an answer counts for this set-up alone.
+    [[nodiscard]] virtual bool answersRecorded() const { return false; }
     // All is answered and nothing is changed yet. False ends the set-up.
     [[nodiscard]] virtual bool finish() { return true; }
     [[nodiscard]] virtual std::optional<int> identify(const IDENTIFICATION& question,
@@ -110,8 +112,10 @@ bool recordVariable(collection::RCollection& collection, std::string_view keyTex
 // the collection's own), else by the settler. 0 if the user cancelled.
 [[nodiscard]] int identifyVariable(collection::RCollection& collection, std::string_view title,
                                    std::string_view keyText, bool recordable, RVariableSettler& settler);
+inline constexpr std::string_view potentialTemperatureKey = "Pot. Temperature [°C] (any ref.)";
 // The variable that is likely meant: the first whose label holds the key text, else the first with the same
-// name in front of its units (case ignored); 0 if there is none.
+// name in front of its units (case ignored); for the potential temperature above all a derived one. 0 if
+// there is none.
 [[nodiscard]] int proposedVariable(const collection::RCollection& collection, std::string_view keyText);
 
 struct KEYROLE {

@@ -57,8 +57,7 @@ void RQuestionList::addKeys()
 {
     if (row_.needsDepth) addVariable("Depth [m]", 1);
     if (row_.needsTemperature)
-        addVariable(row_.id == idInSituTemperature ? "Pot. Temperature [°C] (any ref.)" : "Temperature [C]",
-                    2);
+        addVariable(row_.id == idInSituTemperature ? potentialTemperatureKey : "Temperature [C]", 2);
     if (row_.needsSalinity) addVariable("Salinity [psu]", 3);
 }
 

@@ -554,6 +554,37 @@ TEST_F(Setup, ParametersBeyondTheQuestionsAreRoles)
     EXPECT_TRUE(user.notes.empty());
 }
 
+TEST_F(Setup, ParametersForAllRolesMeanTheSameWhateverIsRecorded)
+{
+    for (int i = 0; i < 2; ++i) { // the first time nothing is recorded
+        RParameterSettler parameters({"1", "2", "Salinity", "500"}, user);
+        ASSERT_EQ(addBy(parameters, "Potential Temperature"), 11 + i) << parameters.fault();
+        EXPECT_EQ(sources(11 + i), (std::vector<int>{1, 2, 3}));
+    }
+    const std::string recorded = idFile();
+    RParameterSettler other({"1", "10", "3", "500"}, user); // another temperature, this time only
+    ASSERT_EQ(addBy(other, "Potential Temperature"), 13);
+    EXPECT_EQ(sources(13), (std::vector<int>{1, 10, 3}));
+    EXPECT_EQ(idFile(), recorded);
+}
+
+TEST_F(Setup, ParametersForTheRolesThatAreNotRecorded)
+{
+    ASSERT_TRUE(recordVariable(collection, "Depth [m]", 1));
+    ASSERT_TRUE(recordVariable(collection, "Salinity [psu]", 3));
+    RParameterSettler parameters({"10", "500"}, user);
+    ASSERT_EQ(addBy(parameters, "Potential Temperature"), 11);
+    EXPECT_EQ(sources(11), (std::vector<int>{1, 10, 3}));
+}
+
+TEST_F(Setup, ADerivedPotentialTemperatureIsTheLikelyOne)
+{
+    RParameterSettler first({}, user), second({}, user);
+    ASSERT_EQ(addBy(first, "Potential Temperature"), 11);
+    ASSERT_EQ(addBy(second, "in situ Temperature(z,Tp,s)"), 12) << second.fault();
+    EXPECT_EQ(sources(12), (std::vector<int>{1, 11, 3}));
+}
+
 TEST_F(Setup, ANumberWithoutAParameterTakesItsPreset)
 {
     RParameterSettler parameters({}, user);
@@ -568,8 +599,16 @@ TEST_F(Setup, FaultyParametersChangeNothing)
         {"Ratio", {"4", "nothing"}, "Denominator: there is no variable \"nothing\"."},
         {"Ratio", {"4", "3", "few"}, "Denominator absolute-value limit: \"few\" is no number."},
         {"Latitude", {"4"}, "There is no question for the parameter \"4\"."},
-        {"CFC-12 Saturation", {}, "CFC-12 [pmol/kg] isn't identified: set_key tells which variable it is."},
-        {"Pressure(Depth)", {"1", "2"}, "There is no question for the parameter \"2\"."},
+        {"CFC-12 Saturation",
+         {},
+         "CFC-12 [pmol/kg] isn't identified: set_key tells which stored variable it is, or parameters tell "
+         "all roles."},
+        {"Pressure(Depth)",
+         {"1", "2"},
+         "It takes 0 parameters, or 1 with a variable for each of its roles, not 2."},
+        {"Potential Density",
+         {"1", "2", "3"},
+         "It takes 1 parameters, or 4 with a variable for each of its roles, not 3."},
     };
     for (const auto& [row, texts, fault] : cases) {
         RParameterSettler parameters(texts, user);
