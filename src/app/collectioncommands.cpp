@@ -1,6 +1,7 @@
 // The commands on the open collection as a whole.
 
 #include <filesystem>
+#include <numeric>
 
 #include "app/session.h"
 #include "collection/check.h"
@@ -145,6 +146,15 @@ bool RSession::runFamilyCommand(const FAMILYCOMMAND& command, const std::string&
     return false;
 }
 
+// The derived variables of the collection that was closed, for its files opened again.
+void RSession::putBackDerived(const variables::DERIVEDSET& derived)
+{
+    if (!collection.isOpen || collection.variableCount != derived.firstNumber - 1) return;
+    std::vector<int> same(static_cast<std::size_t>(derived.firstNumber));
+    std::iota(same.begin(), same.end(), 0);
+    variables::restoreDerived(collection, derived, same);
+}
+
 bool RSession::copyOrMove(const FAMILYCOMMAND& command, const std::string& target)
 {
     const std::string from = collection.path;
@@ -153,6 +163,7 @@ bool RSession::copyOrMove(const FAMILYCOMMAND& command, const std::string& targe
         target, {"Select Target Collection Name ...", "Collection Name (*.var)",
                  common::absolutePath(beside + "copy_of_" + collection.name + ".var"), true, true});
     if (to.empty() || !mayTakePlace(command.title, to)) return false;
+    const variables::DERIVEDSET derived = variables::derivedSet(collection);
     std::unique_ptr<RScratchFolder> unpacked = std::move(unpacked_); // its files must outlast the closing
     if (!close(false)) {
         unpacked_ = std::move(unpacked);
@@ -163,10 +174,12 @@ bool RSession::copyOrMove(const FAMILYCOMMAND& command, const std::string& targe
     if (!good) {
         static_cast<void>(unpacked ? openTemporary(FileKind::collection, from + ".var", std::move(unpacked))
                                    : openKind(FileKind::collection, from + ".var"));
+        putBackDerived(derived);
         return false;
     }
     if (!isThere(from)) forgetRecentFile(from + ".var");
     const bool opened = openKind(FileKind::collection, to + ".var") == OpenResult::ok;
+    putBackDerived(derived);
     tellDone(from + ".var: " + std::string(command.done) + " to " + to + ".var");
     return opened;
 }

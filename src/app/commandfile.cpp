@@ -100,11 +100,19 @@ std::string runUseLayout(Fields fields, RCommandTarget& target)
     return target.useLayout(fields[0]);
 }
 
+// A variable with its sign, which may stand in front of the quotes.
+std::string signedVariable(std::string_view text)
+{
+    const bool reversed = text.starts_with('-');
+    return (reversed ? "-" : "") + withoutQuotes(text.substr(reversed ? 1 : 0));
+}
+
 std::string runSetWindow(Fields fields, RCommandTarget& target)
 {
     RFieldReader reader(fields);
-    WINDOWVARIABLES variables{reader.integer(0, "window"), reader.text(1), reader.text(2), {}};
-    if (reader.has(3)) variables.z = reader.text(3);
+    WINDOWVARIABLES variables{
+        reader.integer(0, "window"), signedVariable(fields[1]), signedVariable(fields[2]), {}};
+    if (reader.has(3)) variables.z = signedVariable(fields[3]);
     return reader.wrong().empty() ? target.setWindow(variables) : reader.wrong();
 }
 
@@ -412,7 +420,7 @@ std::string runCheckCollection(Fields fields, RCommandTarget& target)
 enum class Split {
     whole, // the text is one field
     pair,  // two, divided by the first comma
-    list   // fields, divided by commas
+    list   // fields, divided by commas outside quotes
 };
 
 struct WORDROW {
@@ -462,6 +470,19 @@ std::string fieldCount(int count)
     return common::format(count == 1 ? "%d field" : "%d fields", count);
 }
 
+// Up to the first comma outside quotes; a quote that isn't closed is none.
+std::size_t fieldLength(std::string_view text)
+{
+    std::size_t from = 0;
+    for (;;) {
+        const std::size_t comma = std::min(text.find(',', from), text.size());
+        const std::size_t open = text.substr(0, comma).find('"', from);
+        const std::size_t close = open == std::string_view::npos ? open : text.find('"', open + 1);
+        if (close == std::string_view::npos) return comma;
+        from = close + 1;
+    }
+}
+
 std::vector<std::string_view> splitArguments(std::string_view text, Split split)
 {
     text = common::trimBlanks(text);
@@ -470,7 +491,9 @@ std::vector<std::string_view> splitArguments(std::string_view text, Split split)
     std::vector<std::string_view> fields;
     for (;;) {
         const bool last = split == Split::pair && fields.size() == 1;
-        const std::size_t comma = last ? text.size() : std::min(text.find(','), text.size());
+        const std::size_t comma = last                   ? text.size()
+                                  : split == Split::list ? fieldLength(text)
+                                                         : std::min(text.find(','), text.size());
         fields.push_back(common::trimBlanks(text.substr(0, comma)));
         if (comma == text.size()) return fields;
         text.remove_prefix(comma + 1);
@@ -567,16 +590,21 @@ OUTCOME runByKeyword(std::string_view line, RCommandTarget& target)
     return {false, std::string(refused) + " isn't possible now, line skipped"};
 }
 
-// A comment begins at "#". In a formula "#" with a digit behind it is an input.
+// A comment begins at "#" outside quotes. In a label "~#" is a mark, in a formula "#" with a digit behind it
+// is an input.
 std::string_view withoutComment(std::string_view line)
 {
     constexpr std::string_view digits = "0123456789";
     const bool holdsFormula = common::trimBlanks(line).starts_with("add_expression");
-    std::size_t at = line.find('#');
-    while (holdsFormula && at != std::string_view::npos && at + 1 < line.size() &&
-           digits.find(line[at + 1]) != std::string_view::npos)
-        at = line.find('#', at + 1);
-    return line.substr(0, at);
+    for (std::size_t at = line.find('#'); at != std::string_view::npos; at = line.find('#', at + 1)) {
+        const std::string_view before = line.substr(0, at), behind = line.substr(at + 1);
+        const bool inQuotes = std::count(before.begin(), before.end(), '"') % 2 != 0 &&
+                              behind.find('"') != std::string_view::npos;
+        const bool isInput =
+            holdsFormula && !behind.empty() && digits.find(behind.front()) != std::string_view::npos;
+        if (!inQuotes && !isInput && !before.ends_with('~')) return before;
+    }
+    return line;
 }
 
 OUTCOME runLine(std::string_view line, RCommandTarget& target)

@@ -301,6 +301,7 @@ private:
     [[nodiscard]] bool deleteStations(const std::function<int()>& remove);
     void stationsChanged();
     void variablesChanged(std::span<const int> numbers);
+    void putBackDerived(const variables::DERIVEDSET& derived);
     void keepDerived(const variables::DERIVEDSET& derived, std::vector<int>& numbers,
                      const collection::SELECTIONCRITERIA& sample);
     void forgetRecentFile(const std::string& path);

@@ -69,10 +69,15 @@ int findVariable(std::span<const VARINFO> variables, int count, std::string_view
     const int last = std::min(count, static_cast<int>(variables.size()) - 1);
     if (const auto number = common::parseInt(wanted)) return *number >= 1 && *number <= last ? *number : 0;
     const std::string utf8 = common::labelToUtf8(wanted);
-    using Form = char[61];
-    for (Form VARINFO::*const form : {&VARINFO::label, &VARINFO::plainLabel, &VARINFO::shortLabel}) {
+    using Form = std::string (*)(const VARINFO& variable);
+    constexpr Form forms[] = {
+        [](const VARINFO& variable) { return std::string(common::fieldText(variable.label)); },
+        [](const VARINFO& variable) { return std::string(common::fieldText(variable.plainLabel)); },
+        [](const VARINFO& variable) { return std::string(common::fieldText(variable.shortLabel)); },
+        [](const VARINFO& variable) { return shortLabelOf(common::fieldText(variable.plainLabel)); }};
+    for (const Form form : forms) {
         for (int v = 1; v <= last; ++v) {
-            const std::string_view label = common::fieldText(variables[static_cast<std::size_t>(v)].*form);
+            const std::string label = form(variables[static_cast<std::size_t>(v)]);
             if (common::equalsIgnoreCase(common::labelToUtf8(label), utf8)) return v;
         }
     }

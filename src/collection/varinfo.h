@@ -49,7 +49,8 @@ void setLabel(VARINFO& variable, std::string_view label);
 [[nodiscard]] std::string shortLabelOf(std::string_view label);
 
 // The variable that `text` names among variables 1 to count (index 0 of the span is no variable): its number,
-// or its whole, plain or short label, case ignored; 0 if there is none. A whole label wins over a short one.
+// or its whole, plain or short label, or the plain one without its units, case ignored; 0 if there is none. A
+// whole label wins over a short one.
 [[nodiscard]] int findVariable(std::span<const VARINFO> variables, int count, std::string_view text);
 
 } // namespace collection

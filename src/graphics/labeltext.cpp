@@ -11,6 +11,8 @@
 namespace graphics {
 namespace {
 
+using namespace std::string_view_literals;
+
 // The symbol font's codes 0x20 to 0x7E and 0xA0 to 0xFE; 0 where it has no character, or one that Unicode
 // lacks. It is the encoding that PostScript interpreters give their Symbol font.
 constexpr std::u32string_view lowSymbols = U" !∀#∃%&∋()∗+,−./0123456789:;<=>?"
@@ -18,8 +20,8 @@ constexpr std::u32string_view lowSymbols = U" !∀#∃%&∋()∗+,−./012345678
                                            U"‾αβχδεφγηιϕκλμνοπθρστυϖωξψζ{|}∼";
 constexpr std::u32string_view highSymbols = U"€ϒ′≤⁄∞ƒ♣♦♥♠↔←↑→↓°±″≥×∝∂•÷≠≡≈…⏐⎯↵"
                                             U"ℵℑℜ℘⊗⊕∅∩∪⊃⊇⊄⊂⊆∈∉∠∇®©™∏√⋅¬∧∨⇔⇐⇑⇒⇓"
-                                            U"◊〈®©™∑⎛⎜⎝⎡⎢⎣⎧⎨⎩⎪";
-static_assert(lowSymbols.size() == 0x7F - 0x20 && highSymbols.size() == 0xF0 - 0xA0);
+                                            U"◊〈®©™∑⎛⎜⎝⎡⎢⎣⎧⎨⎩⎪\0〉∫⌠⎮⌡⎞⎟⎠⎤⎥⎦⎫⎬⎭"sv;
+static_assert(lowSymbols.size() == 0x7F - 0x20 && highSymbols.size() == 0xFF - 0xA0);
 
 // What the preamble's fonts hold beyond Latin-1 and in place of two of its letters, with their codes.
 struct EXTRACODE {
@@ -175,8 +177,9 @@ std::string degrees(double value, const char* letter)
 char32_t symbolToUnicode(char32_t code)
 {
     if (code >= 0x20 && code < 0x7F) return lowSymbols[code - 0x20];
-    if (code >= 0xA0 && code < 0xF0) return highSymbols[code - 0xA0];
-    return code;
+    if (code < 0xA0 || code >= 0xFF) return code;
+    const char32_t character = highSymbols[code - 0xA0];
+    return character ? character : code;
 }
 
 int unicodeToSymbol(char32_t character)

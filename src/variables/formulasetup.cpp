@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "common/files.h"
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "variables/formula.h"
@@ -69,14 +70,23 @@ void tellFault(const std::string& path, const MACROFAULT& fault, common::RUser& 
     user.about("Loading Macro", "Not a valid NVQ macro!\n\n" + place + ": " + fault.text);
 }
 
+// The question for input n (from 0). One without a text plays no role that could be recorded.
+SETUPQUESTION inputQuestion(const RCollection& collection, const MACRO& macro, int n)
+{
+    const std::string key = collection::plainLabelOf(macro.inputs[static_cast<std::size_t>(n)]);
+    if (key.empty()) return {SETUPQUESTION::Kind::variable, "#" + std::to_string(n + 1), n + 1, 0, ""};
+    return {SETUPQUESTION::Kind::role, key, n + 1, recordedVariable(collection, key), ""};
+}
+
 // Binds the inputs to variables. False if the user cancelled.
 bool identifyInputs(const RCollection& collection, const MACRO& macro, VARINFO& variable, NEWROLES& roles,
                     RVariableSettler& settler)
 {
     variable.nSources = std::clamp(macro.nInputs, 0, maxMacroInputs);
     for (int n = 0; n < variable.nSources; ++n) {
-        const std::string key = collection::plainLabelOf(macro.inputs[static_cast<std::size_t>(n)]);
-        const int input = identifyForSetup(collection, "Loading Macro", key, true, roles, settler);
+        const SETUPQUESTION question = inputQuestion(collection, macro, n);
+        const int input = identifyForSetup(collection, "Loading Macro", question.text,
+                                           question.kind == SETUPQUESTION::Kind::role, roles, settler);
         if (input == 0) return false;
         variable.sources[n] = input;
     }
@@ -86,10 +96,8 @@ bool identifyInputs(const RCollection& collection, const MACRO& macro, VARINFO& 
 std::vector<SETUPQUESTION> inputQuestions(const RCollection& collection, const MACRO& macro)
 {
     std::vector<SETUPQUESTION> questions;
-    for (int n = 0; n < std::clamp(macro.nInputs, 0, maxMacroInputs); ++n) {
-        const std::string key = collection::plainLabelOf(macro.inputs[static_cast<std::size_t>(n)]);
-        questions.push_back({SETUPQUESTION::Kind::role, key, n + 1, recordedVariable(collection, key), ""});
-    }
+    for (int n = 0; n < std::clamp(macro.nInputs, 0, maxMacroInputs); ++n)
+        questions.push_back(inputQuestion(collection, macro, n));
     return questions;
 }
 
@@ -128,12 +136,17 @@ int loadMacroVariable(RCollection& collection, const std::string& path, const SE
     common::copyText(variable.source, path);
     variable.width = macro.width;
     variable.decimals = macro.decimals;
-    collection::setLabel(variable, macro.label);
+    collection::setLabel(variable, macro.label.empty() ? common::splitPath(path).baseName : macro.label);
     NEWROLES roles;
     if (!tools.settler.begin(inputQuestions(collection, macro), collection) ||
         !identifyInputs(collection, macro, variable, roles, tools.settler) || !tools.settler.finish())
         return 0;
-    const std::string formula = joinedFormula(macro.expression);
+    int lineLeftOut = 0;
+    const std::string formula = joinedFormula(macro.expression, &lineLeftOut);
+    if (lineLeftOut > 0)
+        tools.user.note(path +
+                        common::format(": the formula is too long; its line %d and what follows is left out",
+                                       lineLeftOut));
     if (const std::string fault = formulaFault(formula, variable.nSources); !fault.empty())
         tools.user.note(path + ": " + fault);
     return joinFormula(collection, variable, formula, roles, tools.user);

@@ -182,15 +182,19 @@ private:
 
 } // namespace
 
-std::string joinedFormula(std::string_view expression)
+std::string joinedFormula(std::string_view expression, int* lineLeftOut)
 {
     std::string formula;
-    while (!expression.empty()) {
+    if (lineLeftOut) *lineLeftOut = 0;
+    for (int number = 1; !expression.empty(); ++number) {
         std::string line(common::takeLine(expression));
         std::erase(line, '\r');
         const std::string_view trimmed = common::trimBlanks(line);
         if (trimmed.size() <= 1) continue;
-        if (formula.size() + trimmed.size() + 1 >= static_cast<std::size_t>(common::formulaLength)) break;
+        if (formula.size() + trimmed.size() + 1 >= static_cast<std::size_t>(common::formulaLength)) {
+            if (lineLeftOut) *lineLeftOut = number;
+            break;
+        }
         formula.append(trimmed).append(" ");
     }
     return formula;

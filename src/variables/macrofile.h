@@ -31,8 +31,8 @@ struct MACROFAULT {
 };
 
 // The formula of a macro as a variable holds it: lines of more than one character, trimmed, each with a blank
-// behind it, below 500 bytes.
-[[nodiscard]] std::string joinedFormula(std::string_view expression);
+// behind it, below 500 bytes. lineLeftOut: the first line for which there was no room, 0 if all found theirs.
+[[nodiscard]] std::string joinedFormula(std::string_view expression, int* lineLeftOut = nullptr);
 
 // False, with `fault` set and `macro` as it was, for what is no macro file. What is longer than the fields of
 // a macro is cut; a format that can't be read is 8.2.

@@ -1,3 +1,4 @@
+#include "common/calendar.h"
 #include "variables/calculators.h"
 #include "variables/registry.h"
 #include "variables/timeconversions.h"
@@ -12,6 +13,16 @@ HEADERTIME timeOf(const collection::STATIONHDR& header)
     return {header.year, header.month, header.day, header.hour, header.minute};
 }
 
+// A day outside of its month is one of a neighbouring month.
+HEADERTIME normalized(HEADERTIME time)
+{
+    const common::CALENDARDATE date = common::dateOfDay(common::dayNumber(time.year, time.month, time.day));
+    time.year = date.year;
+    time.month = date.month;
+    time.day = date.day;
+    return time;
+}
+
 // result(time) of each value that can be decoded. All levels count as present.
 template <typename Result>
 int decodeAll(const CALCULATION& calculation, Result result)
@@ -24,7 +35,7 @@ int decodeAll(const CALCULATION& calculation, Result result)
         HEADERTIME time = timeOf(calculation.station.header);
         const bool isDecoded =
             source[k] != MISSING_VALUE && decodeTime(source[k], calculation.variable.intParam, origin, time);
-        calculation.values[k] = isDecoded ? cellOf(result(time)) : MISSING_VALUE;
+        calculation.values[k] = isDecoded ? cellOf(result(normalized(time))) : MISSING_VALUE;
         calculation.flags[k] = flags[k];
     }
     return static_cast<int>(source.size());

@@ -605,6 +605,26 @@ TEST(CommandFile, InputsOfAFormulaAreNoComments)
                                               "expression Time [yr]|8.0|%t"));
 }
 
+TEST(CommandFile, LabelsOfWindowsMayStandInQuotes)
+{
+    const RRun r = run(
+        "set_window 1,\"pCO2(TCO2,TALK)\",-\"CO3--(TCO2,TALK)\",\"-a,b\"\nset_window 2,5\" pipe,-Depth\n");
+    EXPECT_TRUE(r.complete);
+    EXPECT_THAT(r.recorder.calls, ElementsAre("window 1 pCO2(TCO2,TALK)|-CO3--(TCO2,TALK)|-a,b",
+                                              "window 2 5\" pipe|-Depth|none"));
+}
+
+TEST(CommandFile, MarksOfLabelsAndQuotedTextAreNoComments)
+{
+    const RRun r = run("set_key a=Neutral Density ~$g~#~^n # the comment\n"
+                       "add_expression A [~$m~#g],8.2,#1 #2 *,\"Station #\",2 # 1 and 2\n"
+                       "log_comment 5\" pipe # a comment\n");
+    EXPECT_TRUE(r.complete);
+    EXPECT_THAT(r.recorder.calls,
+                ElementsAre("key a|Neutral Density ~$g~#~^n", "expression A [~$m~#g]|8.2|#1 #2 *|Station #|2",
+                            "log 5\" pipe"));
+}
+
 TEST(CommandFile, FaultyWordsOfDerivedVariablesEndTheFile)
 {
     for (const auto& [line, note] : std::vector<std::pair<std::string, std::string>>{

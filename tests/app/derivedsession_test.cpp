@@ -216,6 +216,23 @@ TEST_F(DerivedSession, DerivedVariablesStayWhenTheStoredOnesChange)
     EXPECT_THAT(user->notes, testing::Contains(HasSubstr("1 derived variables are gone")));
 }
 
+TEST_F(DerivedSession, DerivedVariablesGoAlongWithACopyAndAMove)
+{
+    ASSERT_TRUE(run(std::string(tpotLine) + "add_expression Twice [],8.2,#1 2 *,Tpot-0\ncopy_collection " +
+                    file("twin") + "\n"));
+    EXPECT_EQ(number("Twice"), 5);
+    EXPECT_NEAR(value("Twice", 2), 2 * value("Tpot-0", 2), 1e-5);
+    ASSERT_TRUE(run("move_collection " + file("moved") + "\n"));
+    EXPECT_EQ(number("Twice"), 5);
+}
+
+TEST_F(DerivedSession, MarkedLabelsHaveAShortForm)
+{
+    ASSERT_TRUE(run("add_derived Vertical Derivative (2nd),Temperature\nset_mode SCATTER\n"
+                    "set_window 1,d2/dz2 Temperature,-Depth\n"));
+    EXPECT_EQ(session.setup.window(1).xVar, 4);
+}
+
 TEST_F(DerivedSession, DerivedVariablesStayOverSortingAndGoWithTheCollection)
 {
     ASSERT_TRUE(run(std::string(tpotLine) + "add_expression Twice [],8.2,#1 2 *,Tpot-0\nsort_condense\n"));

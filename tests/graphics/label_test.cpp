@@ -106,6 +106,8 @@ TEST(SymbolLetters, GreekLettersAndBack)
     EXPECT_EQ(symbolToUnicode(U's'), U'σ');
     EXPECT_EQ(symbolToUnicode(U'D'), U'Δ');
     EXPECT_EQ(symbolToUnicode(0xB3), U'≥');
+    EXPECT_EQ(symbolToUnicode(0xF2), U'∫');
+    EXPECT_EQ(symbolToUnicode(0xF0), 0xF0u); // none
     for (int code = 0x21; code < 0xF0; ++code) {
         const char32_t character = symbolToUnicode(static_cast<char32_t>(code));
         if (character < 0x7F || code < 0x7F) continue; // its own text letter

@@ -635,6 +635,36 @@ const char* const macroText = "NVQ4.0 Macro\nSome words\n"
                               "#2   Oxygen [umol/kg]                                            \n"
                               "\n#1 #2 +\n";
 
+TEST_F(Setup, AMacroThatIsTooLongIsLoadedUpToALineThatIsTold)
+{
+    std::string text = macroText;
+    for (int i = 0; i < 60; ++i) text += "1 + 1 + 1 +\n";
+    const std::string path = folder + "/long.mac";
+    ASSERT_TRUE(common::writeFile(path, text));
+    RParameterSettler parameters({"3", "4"}, user);
+    parameters.giveMacroFile(path);
+    ASSERT_EQ(addBy(parameters, "Macro File"), 11) << parameters.fault();
+    EXPECT_EQ(user.notes, std::vector<std::string>{
+                              path + ": the formula is too long; its line 42 and what follows is left out"});
+}
+
+TEST_F(Setup, AnInputWithoutATextIsAskedForAndNotRecorded)
+{
+    const std::string path = folder + "/bare.mac";
+    ASSERT_TRUE(common::writeFile(
+        path, "NVQ4.0 Macro\n>|--->----------------------------------------------------------|>--|\n"
+              "                                                                  8.2\n#1\n\n#1 1 +\n"));
+    RParameterSettler none({}, user);
+    none.giveMacroFile(path);
+    EXPECT_EQ(addBy(none, "Macro File"), 0);
+    EXPECT_EQ(none.fault(), "#1: a parameter must tell the variable.");
+    RParameterSettler one({"3"}, user);
+    one.giveMacroFile(path);
+    ASSERT_EQ(addBy(one, "Macro File"), 11);
+    EXPECT_EQ(label(11), "bare"); // the file's name, as it gives no label
+    EXPECT_EQ(idFile(), "");
+}
+
 TEST_F(Setup, AMacroBindsItsInputsAndKeepsItsFormat)
 {
     settler.macroFile = folder + "/sum.mac";
