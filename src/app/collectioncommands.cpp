@@ -1,7 +1,6 @@
 // The commands on the open collection as a whole.
 
 #include <filesystem>
-#include <numeric>
 
 #include "app/session.h"
 #include "collection/check.h"
@@ -33,17 +32,12 @@ bool isThere(const std::string& basePath)
     return common::fileSize(basePath + ".var") >= 0 || common::fileSize(basePath + ".hob") >= 0;
 }
 
-std::string counted(int count, const char* one, const char* many)
-{
-    return common::format("%d %s", count, count == 1 ? one : many);
-}
-
 std::string summary(const std::string& basePath, const collection::CHECKRESULT& result)
 {
     const int remarks = static_cast<int>(result.findings.size()) - result.inconsistencies;
-    return basePath + ".var: " + counted(result.stationCount, "station", "stations") + ", " +
-           counted(result.inconsistencies, "inconsistency", "inconsistencies") + ", " +
-           counted(remarks, "remark", "remarks") +
+    return basePath + ".var: " + common::counted(result.stationCount, "station", "stations") + ", " +
+           common::counted(result.inconsistencies, "inconsistency", "inconsistencies") + ", " +
+           common::counted(remarks, "remark", "remarks") +
            common::format(", %.2f MB of %.2f MB are dead space, %.2f %% full",
                           static_cast<double>(result.deadBytes) * megabytesAByte,
                           static_cast<double>(result.dataBytes) * megabytesAByte, result.percentFull);
@@ -144,15 +138,6 @@ bool RSession::runFamilyCommand(const FAMILYCOMMAND& command, const std::string&
     user_.about(command.title, "Could not " + std::string(command.verb) + " collection!\n\n" +
                                    std::string(elsewhere) + (reason.empty() ? "" : "\n\n" + reason));
     return false;
-}
-
-// The derived variables of the collection that was closed, for its files opened again.
-void RSession::putBackDerived(const variables::DERIVEDSET& derived)
-{
-    if (!collection.isOpen || collection.variableCount != derived.firstNumber - 1) return;
-    std::vector<int> same(static_cast<std::size_t>(derived.firstNumber));
-    std::iota(same.begin(), same.end(), 0);
-    variables::restoreDerived(collection, derived, same);
 }
 
 bool RSession::copyOrMove(const FAMILYCOMMAND& command, const std::string& target)
@@ -257,25 +242,6 @@ void RSession::variablesChanged(std::span<const int> numbers)
     followVariables(setup, numbers, defaults, ranged_);
 }
 
-// Derived variables stay as long as what they are computed from does. `sample` are the criteria of before.
-void RSession::keepDerived(const variables::DERIVEDSET& derived, std::vector<int>& numbers,
-                           const collection::SELECTIONCRITERIA& sample)
-{
-    const std::vector<int> kept = variables::restoreDerived(collection, derived, numbers);
-    numbers.insert(numbers.end(), kept.begin(), kept.end());
-    const auto lost = std::count(kept.begin(), kept.end(), 0);
-    if (lost > 0)
-        user_.note(common::format("%s.var: %d derived variables are gone with what they were computed from",
-                                  collection.path.c_str(), static_cast<int>(lost)));
-    const bool wasDerived = sample.sampleVariable >= derived.firstNumber &&
-                            sample.sampleVariable < static_cast<int>(numbers.size());
-    if (!wasDerived) return;
-    collection.criteria.sampleVariable = numbers[static_cast<std::size_t>(sample.sampleVariable)];
-    if (collection.criteria.sampleVariable == 0) return;
-    collection.criteria.sampleMin = sample.sampleMin;
-    collection.criteria.sampleMax = sample.sampleMax;
-}
-
 bool RSession::changeVariables(std::vector<collection::VARINFO> newVariables)
 {
     const int oldCount = collection.variableCount;
@@ -311,7 +277,7 @@ bool RSession::deleteStations(const std::function<int()>& remove)
     if (collection.isOpen && collection.stationCount == 0)
         static_cast<void>(collection.sortAndCondense(scratch_, user_)); // it tells what goes wrong
     stationsChanged();
-    tellDone(path + ".var: " + counted(count, "station", "stations") + " deleted");
+    tellDone(path + ".var: " + common::counted(count, "station", "stations") + " deleted");
     return collection.isOpen;
 }
 

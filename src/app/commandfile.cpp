@@ -5,9 +5,9 @@
 #include <span>
 #include <vector>
 
+#include "app/derivedwords.h"
 #include "app/gate.h"
 #include "common/text.h"
-#include "variables/registry.h"
 
 namespace app {
 namespace {
@@ -15,7 +15,6 @@ namespace {
 constexpr int maxFields = 50;
 constexpr float smallestRange = 1e-30f; // below it a scale in a picture would pass the largest number
 constexpr double largestDot = 100;
-using Fields = std::span<const std::string_view>;
 
 // What became of a line.
 struct OUTCOME {
@@ -25,20 +24,9 @@ struct OUTCOME {
 
 // --- fields
 
-std::string quoted(std::string_view text)
-{
-    return "\"" + std::string(text) + "\"";
-}
-
 std::string doesNotRead(std::string_view what, std::string_view field)
 {
-    return std::string(what) + " " + quoted(field) + " doesn't read as a number";
-}
-
-// Both separators stand for "/", so that files written on other systems run here.
-std::string cleanPath(std::string_view text)
-{
-    return common::replaceAll(common::trimBlanks(text), "\\", "/");
+    return std::string(what) + " " + common::quoted(field) + " doesn't read as a number";
 }
 
 // Takes numbers from fields; keeps the first thing that is wrong.
@@ -92,7 +80,7 @@ std::string runSetMode(Fields fields, RCommandTarget& target)
     for (std::size_t i = 0; i < names.size(); ++i) {
         if (common::equalsIgnoreCase(fields[0], names[i])) return target.setMode(static_cast<int>(i) - 1);
     }
-    return "there is no mode " + quoted(fields[0]);
+    return "there is no mode " + common::quoted(fields[0]);
 }
 
 std::string runUseLayout(Fields fields, RCommandTarget& target)
@@ -221,7 +209,8 @@ std::string runImportFile(Fields fields, RCommandTarget& target)
     const auto& formats = importing::importFormats;
     const auto row = std::find_if(formats.begin(), formats.end(),
                                   [&](const auto& format) { return format.word == fields[0]; });
-    if (row == formats.end()) return "there is no format " + quoted(fields[0]) + " (spreadsheet, o4x, o3x)";
+    if (row == formats.end())
+        return "there is no format " + common::quoted(fields[0]) + " (spreadsheet, o4x, o3x)";
     if (std::string wrong = target.refusal(row->commandId); !wrong.empty()) return wrong;
     std::string_view path = fields[1];
     const importing::ImportMode mode = takeMode(path);
@@ -233,7 +222,7 @@ std::string runExportListing(Fields fields, RCommandTarget& target)
 {
     using exporting::ListingForm;
     if (fields[0] != "o3x" && fields[0] != "o4x")
-        return "there is no format " + quoted(fields[0]) + " (o3x, o4x)";
+        return "there is no format " + common::quoted(fields[0]) + " (o3x, o4x)";
     const bool old = fields[0] == "o3x";
     if (std::string wrong = target.refusal(old ? cmdExportListing3 : cmdExportListing4); !wrong.empty())
         return wrong;
@@ -257,97 +246,6 @@ std::string runExportSpreadsheet(Fields fields, RCommandTarget& target)
     if (!wrong.empty()) return wrong;
     table.path = cleanPath(table.path);
     return table.path.empty() ? "names no file" : target.exportSpreadsheet(table);
-}
-
-// --- derived variables
-
-// The fields of `rest` up to its end; behind a last comma there is none.
-std::string takeFields(std::string_view rest, std::vector<std::string>& fields)
-{
-    while (!common::trimBlanks(rest).empty()) {
-        fields.emplace_back();
-        if (std::string wrong = takeField(rest, fields.back()); !wrong.empty()) return wrong;
-    }
-    return {};
-}
-
-std::string runSetKey(Fields fields, RCommandTarget& target)
-{
-    const std::size_t equals = fields[0].find('=');
-    if (equals == std::string_view::npos) return quoted(fields[0]) + " stands without \"=\" and a variable";
-    const std::string key = withoutQuotes(fields[0].substr(0, equals));
-    const std::string variable = withoutQuotes(fields[0].substr(equals + 1));
-    if (key.empty()) return "names no key";
-    return variable.empty() ? quoted(key) + " is given no variable" : target.setKey(key, variable);
-}
-
-// Labels of rows hold commas too: of those that end at a comma or with the text, the longest is meant.
-std::string takeRow(std::string_view& text, int& row)
-{
-    const bool inQuotes = text.starts_with('"');
-    std::string label;
-    std::string_view rest = text;
-    std::string wrong = takeField(rest, label);
-    row = wrong.empty() ? variables::findDerivedRow(label) : -1;
-    for (std::size_t end = 0; !inQuotes && end < text.size(); ++end) {
-        end = std::min(text.find(',', end), text.size());
-        const int longer = variables::findDerivedRow(text.substr(0, end));
-        if (longer < 0) continue;
-        row = longer;
-        rest = text.substr(std::min(end + 1, text.size()));
-    }
-    text = rest;
-    if (!wrong.empty()) return wrong;
-    return row < 0 ? "there is no derived variable " + quoted(label) : std::string();
-}
-
-std::string runAddDerived(Fields fields, RCommandTarget& target)
-{
-    DERIVEDCHOICE choice;
-    std::string_view rest = fields[0];
-    std::string wrong = takeRow(rest, choice.row);
-    if (wrong.empty()) wrong = takeFields(rest, choice.parameters);
-    return wrong.empty() ? target.addDerived(choice) : wrong;
-}
-
-// "width.decimals"
-std::string takeFormat(std::string_view text, FORMULACHOICE& choice)
-{
-    const std::size_t point = std::min(text.find('.'), text.size());
-    const std::optional<int> width = common::parseInt(text.substr(0, point));
-    const std::optional<int> decimals = point == text.size() ? 0 : common::parseInt(text.substr(point + 1));
-    if (!width || !decimals || *width < 1 || *decimals < 0)
-        return quoted(text) + " is no format \"width.decimals\"";
-    choice.width = *width;
-    choice.decimals = *decimals;
-    return {};
-}
-
-std::string runAddExpression(Fields fields, RCommandTarget& target)
-{
-    FORMULACHOICE choice;
-    std::vector<std::string> parts;
-    if (std::string wrong = takeFields(fields[0], parts); !wrong.empty()) return wrong;
-    if (parts.size() < 3) return "needs a label, a format and a formula";
-    if (std::string wrong = takeFormat(parts[1], choice); !wrong.empty()) return wrong;
-    choice.label = parts[0];
-    choice.formula = parts[2];
-    choice.inputs.assign(parts.begin() + 3, parts.end());
-    return target.addExpression(choice);
-}
-
-std::string runAddMacro(Fields fields, RCommandTarget& target)
-{
-    std::vector<std::string> parts;
-    if (std::string wrong = takeFields(fields[0], parts); !wrong.empty()) return wrong;
-    const std::string path = cleanPath(parts.front());
-    parts.erase(parts.begin());
-    return path.empty() ? "names no file" : target.addMacro(path, parts);
-}
-
-std::string runDeleteDerived(Fields fields, RCommandTarget& target)
-{
-    return target.deleteDerived(withoutQuotes(fields[0]));
 }
 
 // --- the collection as a whole

@@ -65,6 +65,8 @@ struct FORMULACHOICE {
 // What a call gives back that has failed and has told why.
 inline constexpr std::string_view toldFault = "failed";
 
+using Fields = std::span<const std::string_view>;
+
 class RCommandTarget {
 public:
     virtual ~RCommandTarget() = default;

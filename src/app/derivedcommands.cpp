@@ -1,6 +1,7 @@
 // Derived variables, and what is set about variables.
 
 #include <algorithm>
+#include <numeric>
 
 #include "app/commandfile.h"
 #include "app/session.h"
@@ -8,14 +9,12 @@
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "variables/parametersettler.h"
+#include "variables/setupquestions.h"
 
 namespace app {
 namespace {
 
-std::string quoted(std::string_view text)
-{
-    return "\"" + std::string(text) + "\"";
-}
+constexpr std::size_t longestKey = 60; // bytes
 
 // The new number of each variable when those of `removed` are gone; 0 for these.
 std::vector<int> numbersWithout(std::span<const int> removed, int count)
@@ -29,6 +28,18 @@ std::vector<int> numbersWithout(std::span<const int> removed, int count)
     return numbers;
 }
 
+// Texts of roles stand in the table's questions.
+bool isKeyOfARow(const collection::RCollection& collection, std::string_view keyText)
+{
+    for (const variables::DRVVAR& row : variables::derivedRows()) {
+        for (const variables::SETUPQUESTION& question : variables::setupQuestions(collection, row)) {
+            if (question.kind == variables::SETUPQUESTION::Kind::role && question.text == keyText)
+                return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 // The row "Longitude" counts as the map does.
@@ -38,16 +49,52 @@ void RSession::takeMapDomain()
     surroundings.mapEast = setup.map.geometry.lonMax;
 }
 
+// --- over other commands
+
+// Derived variables stay as long as what they are computed from does. `sample` are the criteria of before.
+void RSession::keepDerived(const variables::DERIVEDSET& derived, std::vector<int>& numbers,
+                           const collection::SELECTIONCRITERIA& sample)
+{
+    const std::vector<int> kept = variables::restoreDerived(collection, derived, numbers);
+    numbers.insert(numbers.end(), kept.begin(), kept.end());
+    const auto lost = std::count(kept.begin(), kept.end(), 0);
+    if (lost > 0)
+        user_.note(collection.path + ".var: " +
+                   common::counted(static_cast<int>(lost), "derived variable is", "derived variables are") +
+                   " gone with what was needed for them");
+    const bool wasDerived = sample.sampleVariable >= derived.firstNumber &&
+                            sample.sampleVariable < static_cast<int>(numbers.size());
+    if (!wasDerived) return;
+    collection.criteria.sampleVariable = numbers[static_cast<std::size_t>(sample.sampleVariable)];
+    if (collection.criteria.sampleVariable == 0) return;
+    collection.criteria.sampleMin = sample.sampleMin;
+    collection.criteria.sampleMax = sample.sampleMax;
+}
+
+// The derived variables of the collection that was closed, for its files opened again.
+void RSession::putBackDerived(const variables::DERIVEDSET& derived)
+{
+    if (!collection.isOpen || collection.variableCount != derived.firstNumber - 1) return;
+    std::vector<int> same(static_cast<std::size_t>(derived.firstNumber));
+    std::iota(same.begin(), same.end(), 0);
+    variables::restoreDerived(collection, derived, same);
+}
+
 // --- by words
 
 std::string RSession::setKey(std::string_view keyText, std::string_view variable)
 {
     if (!collection.isOpen) return openFault();
     const int number = variableOf(variable);
-    if (number == 0) return "there is no variable " + quoted(variable);
+    if (number == 0) return "there is no variable " + common::quoted(variable);
     if (number > collection.variableCount)
-        return quoted(variable) + " is a derived variable, and only a stored one can play a role";
+        return common::quoted(variable) + " is a derived variable, and only a stored one can play a role";
     if (!collection.writable) return "the collection is read-only";
+    if (keyText.size() > longestKey || keyText.find_first_of("=\t") != std::string_view::npos)
+        return common::quoted(keyText) +
+               common::format(" is no key: it has more than %zu bytes, a tab or \"=\"", longestKey);
+    if (!isKeyOfARow(collection, keyText))
+        user_.note("set_key: no row asks for " + common::quoted(keyText) + "; macros may");
     const std::string key = common::labelFromFile(keyText, common::isValidUtf8(keyText));
     return collection.setVariableId(key, number) ? std::string() : collection.path + ".idv can't be written";
 }
@@ -93,7 +140,7 @@ std::string RSession::tellAdded(int number, std::string_view fault)
 {
     if (number == 0) return std::string(fault.empty() ? toldFault : fault);
     const collection::VARINFO& variable = collection.variables[static_cast<std::size_t>(number)];
-    tellDone(common::format("%s.var: variable %d is %s", collection.path.c_str(), number,
+    tellDone(common::format("%s: variable %d is %s", collection.name.c_str(), number,
                             common::labelToUtf8(common::fieldText(variable.plainLabel)).c_str()));
     return {};
 }
@@ -102,13 +149,15 @@ std::string RSession::deleteDerived(std::string_view variable)
 {
     if (!collection.isOpen) return openFault();
     const int number = variableOf(variable);
-    if (number == 0) return "there is no variable " + quoted(variable);
+    if (number == 0) return "there is no variable " + common::quoted(variable);
     if (number <= collection.variableCount)
-        return quoted(variable) + " is stored in the collection; change_variables takes it out";
+        return common::quoted(variable) + " is stored in the collection; change_variables takes it out";
     const int before = collection.totalVariableCount;
     deleteDerivedVariable(number);
-    tellDone(common::format("%s.var: %d derived variables deleted", collection.path.c_str(),
-                            before - collection.totalVariableCount));
+    tellDone(
+        collection.name + ": " +
+        common::counted(before - collection.totalVariableCount, "derived variable", "derived variables") +
+        " deleted");
     return {};
 }
 

@@ -11,11 +11,6 @@ constexpr std::string_view blanks = " \t";
 constexpr std::string_view dividers = " \t,";
 constexpr std::string_view keyEnds = " \t,=\"";
 
-std::string quoted(std::string_view text)
-{
-    return "\"" + std::string(text) + "\"";
-}
-
 bool contains(std::span<const std::string_view> words, std::string_view word)
 {
     return std::find(words.begin(), words.end(), word) != words.end();
@@ -82,7 +77,7 @@ std::string takeValue(std::string_view& rest, std::string_view key, std::string&
     const STRETCH taken = takeStretch(rest, dividers);
     if (!taken.closed) return openQuote(taken.raw);
     if (taken.equals)
-        return "the value " + std::string(taken.raw) + " of " + quoted(key) +
+        return "the value " + std::string(taken.raw) + " of " + common::quoted(key) +
                " holds \"=\"; it belongs in quotes";
     value = taken.text;
     return {};
@@ -95,7 +90,7 @@ std::string takePair(std::string_view& rest, const KEYGRAMMAR& grammar, KEYVALUE
     rest.remove_prefix(pair.key.size());
     if (contains(grammar.bareWords, pair.key)) {
         const bool alone = rest.empty() || dividers.find(rest.front()) != std::string_view::npos;
-        return alone ? std::string() : quoted(pair.key) + " takes no value";
+        return alone ? std::string() : common::quoted(pair.key) + " takes no value";
     }
     skip(rest, blanks);
     const bool keepsQuotes = contains(grammar.quotedKeys, pair.key);
@@ -103,7 +98,7 @@ std::string takePair(std::string_view& rest, const KEYGRAMMAR& grammar, KEYVALUE
         rest.remove_prefix(1);
         skip(rest, blanks);
     } else if (!keepsQuotes || rest.empty() || rest.starts_with(',')) {
-        return quoted(pair.key) + " stands without \"=\" and a value";
+        return common::quoted(pair.key) + " stands without \"=\" and a value";
     }
     return keepsQuotes ? takeQuotedValue(rest, pair.value) : takeValue(rest, pair.key, pair.value);
 }
@@ -139,6 +134,11 @@ std::string takeField(std::string_view& rest, std::string& field)
     if (rest.starts_with(',')) rest.remove_prefix(1);
     field = withoutQuotes(taken.raw);
     return {};
+}
+
+std::string cleanPath(std::string_view text)
+{
+    return common::replaceAll(common::trimBlanks(text), "\\", "/");
 }
 
 std::string withoutQuotes(std::string_view text)

@@ -33,6 +33,10 @@ struct KEYGRAMMAR {
 // quotes go. Returns what is wrong, empty if nothing is.
 [[nodiscard]] std::string takeField(std::string_view& rest, std::string& field);
 
+// A path as a command file may write it: both separators stand for "/", so that files of other systems run
+// here.
+[[nodiscard]] std::string cleanPath(std::string_view text);
+
 // Without the quotes around it, if it stands in quotes as a whole.
 [[nodiscard]] std::string withoutQuotes(std::string_view text);
 

@@ -15,11 +15,6 @@ constexpr std::int64_t largestList = 1 << 20;                    // bytes
 constexpr int maxDecimals = 4, leastMargin = 3, mostMargin = 15; // of a format: width less decimals
 constexpr std::size_t longestLabel = sizeof(collection::VARINFO::label) - 1;
 
-std::string quoted(std::string_view text)
-{
-    return "\"" + std::string(text) + "\"";
-}
-
 bool holdsControls(std::string_view text)
 {
     return std::any_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 32; });
@@ -43,7 +38,8 @@ std::string setFormat(collection::VARINFO& variable, std::string_view text)
     const bool reads = common::takeInt(rest, width) && rest.starts_with('.') &&
                        common::takeInt(rest = rest.substr(1), decimals) && rest.empty();
     if (!reads)
-        return "the format " + quoted(common::trimBlanks(text)) + " isn't width.decimals, such as 8.2";
+        return "the format " + common::quoted(common::trimBlanks(text)) +
+               " isn't width.decimals, such as 8.2";
     if (decimals < 0 || decimals > maxDecimals)
         return common::format("a variable has 0 to %d decimals, not %d", maxDecimals, decimals);
     if (width < decimals + leastMargin || width > decimals + mostMargin)
@@ -57,7 +53,8 @@ std::string setFormat(collection::VARINFO& variable, std::string_view text)
 std::string setOrigin(collection::VARINFO& variable, std::string_view text, int oldCount)
 {
     const std::optional<int> old = common::parseInt(text);
-    if (!old) return "the old variable " + quoted(common::trimBlanks(text)) + " doesn't read as a number";
+    if (!old)
+        return "the old variable " + common::quoted(common::trimBlanks(text)) + " doesn't read as a number";
     if (*old < 0 || *old > oldCount)
         return common::format("there is no old variable %d; the collection has %d", *old, oldCount);
     variable.assocSource = *old;

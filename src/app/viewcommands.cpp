@@ -12,11 +12,6 @@
 namespace app {
 namespace {
 
-std::string quoted(std::string_view text)
-{
-    return "\"" + std::string(text) + "\"";
-}
-
 struct AXISRANGE {
     int variable = 0; // negative: reversed
     float low = 0, high = 1;
@@ -95,7 +90,7 @@ std::string RSession::setMode(int mode)
 std::string RSession::useLayout(std::string_view menuText)
 {
     if (!collection.isOpen) return openFault();
-    if (!graphics::useLayout(setup, menuText)) return "there is no layout " + quoted(menuText);
+    if (!graphics::useLayout(setup, menuText)) return "there is no layout " + common::quoted(menuText);
     viewChanged();
     return {};
 }
@@ -121,9 +116,9 @@ std::string RSession::setWindow(int window, std::string_view x, std::string_view
     const int xVariable = variableNamed(x), yVariable = variableNamed(y);
     const bool color = z && *z != "0";
     const int zVariable = color ? variableNamed(*z) : 0;
-    if (xVariable == 0) return "there is no variable " + quoted(x);
-    if (yVariable == 0) return "there is no variable " + quoted(y);
-    if (color && zVariable == 0) return "there is no variable " + quoted(*z);
+    if (xVariable == 0) return "there is no variable " + common::quoted(x);
+    if (yVariable == 0) return "there is no variable " + common::quoted(y);
+    if (color && zVariable == 0) return "there is no variable " + common::quoted(*z);
     findRanges(); // so that the new axes find the ranges of their twins
     if (!graphics::setWindowVariables(setup, window, xVariable, yVariable, zVariable)) return windowFault(0);
     ranged_[static_cast<std::size_t>(setup.mode)].reset(static_cast<std::size_t>(window));
@@ -208,7 +203,7 @@ std::string RSession::setPalette(int window, std::string_view name)
     common::copyText(field, name);
     if (name.empty() || common::fieldText(field) != name ||
         !common::fileExists(graphics::PalettePath(installation, name)))
-        return "there is no palette " + quoted(name);
+        return "there is no palette " + common::quoted(name);
     if (window == 0) {
         common::copyText(setup.map.palette, name);
         setup.map.toDraw = 1;

@@ -182,6 +182,16 @@ std::optional<double> parseDouble(std::string_view text)
     return parseNumber<double>(text);
 }
 
+std::string quoted(std::string_view text)
+{
+    return "\"" + std::string(text) + "\"";
+}
+
+std::string counted(int count, const char* one, const char* many)
+{
+    return format("%d %s", count, count == 1 ? one : many);
+}
+
 std::string formatG(double value)
 {
     return format("%g", value);

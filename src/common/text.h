@@ -46,6 +46,12 @@ int splitFields(std::string_view line, char separator, std::span<std::string_vie
 [[nodiscard]] std::optional<int> parseInt(std::string_view text);
 [[nodiscard]] std::optional<double> parseDouble(std::string_view text);
 
+// In quotation marks, for messages.
+[[nodiscard]] std::string quoted(std::string_view text);
+
+// A count with its noun: "1 station", "3 stations".
+[[nodiscard]] std::string counted(int count, const char* one, const char* many);
+
 // "%g" of a value, and printf-like formatting into a string.
 [[nodiscard]] std::string formatG(double value);
 [[nodiscard]] std::string format(const char* pattern, ...) __attribute__((format(printf, 1, 2)));

@@ -74,11 +74,6 @@ bool isPossible(const IMPORTCHOICES& choices, const CHOSENCONVERSION& conversion
     return choices.identify(task, "Depth [m]") > 0 && choices.identify(task, "Salinity [psu]") > 0;
 }
 
-std::string quoted(std::string_view text)
-{
-    return "\"" + std::string(text) + "\"";
-}
-
 } // namespace
 
 bool RSettingsSettler::refuse(const std::string& why)
@@ -146,13 +141,14 @@ bool RSettingsSettler::arrange(const ASSOCIATIONSETTING& association, SPREADSHEE
 {
     const int meta = metaNamed(association.target);
     const int column = columnNamed(labels, association.source);
-    if (column < 0) return refuse("set_import assoc: there is no column " + quoted(association.source));
+    if (column < 0)
+        return refuse("set_import assoc: there is no column " + common::quoted(association.source));
     const std::string& label = labels[index(column)];
     const int since = meta == metaDate || meta == metaTime ? variables::sinceRowOf(label) : -1;
     const int row = association.conversion.row == variables::identityRow ? since : association.conversion.row;
     double referenceDay = 0;
     if (row >= variables::daysSinceRow && !variables::referenceDayOf(label, referenceDay))
-        return refuse("set_import assoc: the label of column " + quoted(label) +
+        return refuse("set_import assoc: the label of column " + common::quoted(label) +
                       " holds no date behind \"since\"");
     assignColumn(desc, meta, column);
     desc.convId[index(meta)] = row;
@@ -186,23 +182,25 @@ bool RSettingsSettler::associate(IMPORTCHOICES& choices)
         if (metaNamed(association.target) >= 0) {
             if (choices.mayUseDefaults) continue; // a spreadsheet, whose columns are arranged
             return refuse("set_import assoc: only a spreadsheet has a column for " +
-                          quoted(association.target));
+                          common::quoted(association.target));
         }
         const int source = variableNamed(choices.sources, association.source);
         if (source == 0)
-            return refuse("set_import assoc: there is no source variable " + quoted(association.source));
+            return refuse("set_import assoc: there is no source variable " +
+                          common::quoted(association.source));
         const int target = variableNamed(choices.targets, association.target);
         if (target == 0)
-            return refuse("set_import assoc: the collection has no variable " + quoted(association.target));
+            return refuse("set_import assoc: the collection has no variable " +
+                          common::quoted(association.target));
         for (const int number : {source, -target}) { // they share a list by their sign
             if (std::find(given.begin(), given.end(), number) != given.end())
-                return refuse(
-                    "set_import assoc: " + quoted(number > 0 ? association.source : association.target) +
-                    " is associated twice");
+                return refuse("set_import assoc: " +
+                              common::quoted(number > 0 ? association.source : association.target) +
+                              " is associated twice");
             given.push_back(number);
         }
         if (!isPossible(choices, association.conversion))
-            return refuse("set_import assoc: " + quoted(association.target) +
+            return refuse("set_import assoc: " + common::quoted(association.target) +
                           " needs to know which variables are \"Depth [m]\" and \"Salinity [psu]\"");
         link(choices.sources, choices.targets, source, target, association.conversion);
     }
@@ -221,7 +219,7 @@ bool RSettingsSettler::associateCruises(IMPORTCHOICES& choices)
         }
         if (!found)
             return refuse("set_import cruise: the collection has no cruise " +
-                          quoted(common::labelToUtf8(cruise.name)));
+                          common::quoted(common::labelToUtf8(cruise.name)));
     }
     return true;
 }

@@ -16,11 +16,6 @@ namespace {
 
 using collection::SELECTIONCRITERIA;
 
-std::string quoted(std::string_view text)
-{
-    return "\"" + common::labelToUtf8(text) + "\"";
-}
-
 bool isNone(std::string_view value)
 {
     return common::equalsIgnoreCase(value, "none");
@@ -50,7 +45,7 @@ std::string readEnd(std::string_view word, std::int32_t missing, const LIMITS& l
     end = missing;
     if (word.empty()) return {};
     const std::optional<int> number = common::parseInt(word);
-    if (!number) return quoted(word) + " doesn't read as a whole number";
+    if (!number) return common::quoted(word) + " doesn't read as a whole number";
     if (*number < limits.low || *number > limits.high)
         return common::format("%d isn't within %d to %d", *number, limits.low, limits.high);
     end = *number;
@@ -75,9 +70,9 @@ std::string readRange(std::string_view value, const LIMITS& limits, std::int32_t
 std::string readNumber(std::string_view word, double low, double high, double& number)
 {
     const std::optional<double> value = common::parseDouble(word);
-    if (!value) return quoted(word) + " doesn't read as a number";
+    if (!value) return common::quoted(word) + " doesn't read as a number";
     if (!(*value >= low && *value <= high))
-        return quoted(word) + common::format(" isn't within %g to %g", low, high);
+        return common::quoted(word) + common::format(" isn't within %g to %g", low, high);
     number = *value;
     return {};
 }
@@ -88,7 +83,7 @@ std::string copyLabel(std::string_view value, std::span<char> field)
 {
     const std::string label = common::labelFromFile(value, common::isValidUtf8(value));
     if (label.size() > common::labelLength)
-        return quoted(value) + common::format(" has more than %d characters", common::labelLength);
+        return common::quoted(value) + common::format(" has more than %d characters", common::labelLength);
     common::copyText(field, label);
     return {};
 }
@@ -101,7 +96,7 @@ std::string setCruise(SELECTIONCRITERIA& criteria, std::string_view value)
 std::string setType(SELECTIONCRITERIA& criteria, std::string_view value)
 {
     const std::optional<char> type = typeOf(value);
-    if (!type) return quoted(value) + " is no station type: B, C, X or *";
+    if (!type) return common::quoted(value) + " is no station type: B, C, X or *";
     common::copyText(criteria.stationType, {&*type, 1});
     return {};
 }
@@ -222,7 +217,8 @@ std::string setLongitudeRange(SELECTIONCRITERIA& criteria, std::string_view valu
     double west = 0, east = 0;
     const std::string wrong = readLongitudes(value, west, east);
     if (!wrong.empty()) return wrong;
-    return setLongitudes(criteria, west, east) ? std::string() : quoted(value) + " is wider than 360 degrees";
+    return setLongitudes(criteria, west, east) ? std::string()
+                                               : common::quoted(value) + " is wider than 360 degrees";
 }
 
 std::string setLatitudes(SELECTIONCRITERIA& criteria, std::string_view value)
@@ -265,7 +261,8 @@ std::string setPolygon(CRITERIATARGET& target, std::string_view value)
 std::string setQuality(SELECTIONCRITERIA& criteria, std::string_view value)
 {
     const std::optional<int> limit = qualityOf(value);
-    if (!limit) return quoted(value) + " is no quality: good, unknown, questionable, all, or 0, 1, 4, 8";
+    if (!limit)
+        return common::quoted(value) + " is no quality: good, unknown, questionable, all, or 0, 1, 4, 8";
     criteria.qualityLimit = *limit;
     return {};
 }
@@ -294,12 +291,12 @@ std::string setSample(CRITERIATARGET& target, std::string_view value)
         return {};
     }
     const std::vector<std::string_view> words = splitAtColons(value);
-    if (words.size() < 3) return quoted(value) + " isn't variable:minimum:maximum";
+    if (words.size() < 3) return common::quoted(value) + " isn't variable:minimum:maximum";
     const std::string_view last = words[words.size() - 1], secondLast = words[words.size() - 2];
     const std::string_view name =
         value.substr(0, static_cast<std::size_t>(secondLast.data() - value.data()) - 1);
     const int variable = collection::findVariable(target.variables, variablesOf(target), unquoted(name));
-    if (variable == 0) return "there is no variable " + quoted(unquoted(name));
+    if (variable == 0) return "there is no variable " + common::quoted(unquoted(name));
     float low = 0, high = 0;
     std::string wrong = readValue(common::trimBlanks(secondLast), -anyValue, low);
     if (wrong.empty()) wrong = readValue(common::trimBlanks(last), anyValue, high);
@@ -334,9 +331,9 @@ std::string setRequired(CRITERIATARGET& target, std::string_view value)
         const std::vector<std::string_view> words = splitAtColons(value);
         for (std::size_t at = 0, count = 0; at < words.size(); at += count) {
             const int variable = takeVariable(target, std::span(words).subspan(at), count);
-            if (count == 0) return "there is no variable " + quoted(unquoted(words[at]));
+            if (count == 0) return "there is no variable " + common::quoted(unquoted(words[at]));
             if (variable > target.variableCount)
-                return quoted(target.variables[static_cast<std::size_t>(variable)].plainLabel) +
+                return common::quoted(target.variables[static_cast<std::size_t>(variable)].plainLabel) +
                        " is derived; only variables of the collection can be required";
             required.push_back(variable);
         }
@@ -388,7 +385,7 @@ std::string setCriterion(CRITERIATARGET target, std::string_view key, std::strin
                other != targetKeys.end()) {
         wrong = other->set(target, clean);
     } else {
-        return "there is no criterion " + quoted(key);
+        return "there is no criterion " + common::quoted(key);
     }
     return wrong.empty() ? wrong : std::string(key) + ": " + wrong;
 }

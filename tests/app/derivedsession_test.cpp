@@ -87,6 +87,10 @@ TEST_F(DerivedSession, SetKeyRefusesWhatIsNoStoredVariable)
     EXPECT_THAT(user->notes, ElementsAre(HasSubstr("set_key: there is no variable \"Oxygen\"")));
     EXPECT_FALSE(run(std::string(tpotLine) + "set_key Temperature [C]=Tpot-0\n"));
     EXPECT_THAT(user->notes, testing::Contains(HasSubstr("only a stored one can play a role")));
+    EXPECT_FALSE(run("set_key a\tb=1\n"));
+    EXPECT_THAT(user->notes, testing::Contains(HasSubstr("is no key")));
+    EXPECT_TRUE(run("set_key Depth=1\n")); // a macro may have such an input
+    EXPECT_THAT(user->notes, ElementsAre("set_key: no row asks for \"Depth\"; macros may"));
 }
 
 TEST_F(DerivedSession, ExpressionsTakeTheirInputsByLabel)
@@ -213,7 +217,7 @@ TEST_F(DerivedSession, DerivedVariablesStayWhenTheStoredOnesChange)
     ASSERT_TRUE(session.changeVariables(fewer)); // without Salinity
     EXPECT_EQ(number("Tpot-0"), 0);
     EXPECT_EQ(number("Latitude"), 3);
-    EXPECT_THAT(user->notes, testing::Contains(HasSubstr("1 derived variables are gone")));
+    EXPECT_THAT(user->notes, testing::Contains(HasSubstr("1 derived variable is gone")));
 }
 
 TEST_F(DerivedSession, DerivedVariablesGoAlongWithACopyAndAMove)
@@ -265,6 +269,7 @@ TEST_F(DerivedSession, SettingsOfVariablesAreTaken)
                                             session.collection.variables.begin() + 5);
     collection::setLabel(edited[4], "Theta [°C]");
     edited[4].decimals = 4;
+    session.collection.configChanged = false;
     session.takeVariableSettings(edited);
     EXPECT_EQ(number("Theta"), 4);
     EXPECT_EQ(session.collection.variables[4].decimals, 4);
