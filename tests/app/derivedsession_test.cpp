@@ -171,6 +171,26 @@ TEST_F(DerivedSession, SpreadsheetsTakeDerivedVariablesByNumberAndLabel)
                 AllOf(HasSubstr("Tpot-0 [°C]"), HasSubstr("Latitude [°]"), HasSubstr("\t-55\t")));
 }
 
+TEST_F(DerivedSession, AStationWithoutSalinityShowsNothingAndReportsNoError)
+{
+    std::string text;
+    const std::string all = castText(2, 6);
+    for (std::string_view rest = all; !rest.empty();) { // the salinities go, the column stays
+        const std::string_view line = common::takeLine(rest);
+        const bool isHeader = text.empty();
+        const std::size_t last = line.rfind('\t', line.rfind('\t') - 1);
+        text += isHeader ? std::string(line) + "\n" : std::string(line.substr(0, last)) + "\t\t\n";
+    }
+    writeText(file("fresh.txt"), text);
+    ASSERT_EQ(open("fresh.txt"), app::OpenResult::ok);
+    ASSERT_TRUE(run(std::string(tpotLine) + "add_derived Potential Density,0\nset_mode SCATTER\n"
+                                            "set_window 1,Tpot-0,-Depth,Sigma-0\nfull_range\n"
+                                            "export_graphics -1,a.png,50\n"));
+    EXPECT_THAT(user->messages, IsEmpty());
+    EXPECT_EQ(value("Tpot-0", 2), common::MISSING_VALUE);
+    EXPECT_EQ(value("Sigma-0", 2), common::MISSING_VALUE);
+}
+
 TEST_F(DerivedSession, TheQualityLimitKeepsBadValuesAway)
 {
     ASSERT_TRUE(run(tpotLine));
