@@ -18,18 +18,52 @@ std::string keyBytes(std::string_view keyText)
     return common::labelFromFile(keyText, common::isValidUtf8(keyText));
 }
 
-std::string lowerUtf8(std::string_view label)
+// Without markup, and without the units if `isName`, in small letters.
+std::string comparable(std::string_view label, bool isName)
 {
-    return common::toLower(common::labelToUtf8(label));
+    const std::string plain = collection::plainLabelOf(label);
+    return common::toLower(common::labelToUtf8(isName ? collection::shortLabelOf(plain) : plain));
 }
 
 template <typename Matches>
-int firstVariable(const collection::RCollection& collection, Matches matches)
+int firstVariable(std::span<const collection::VARINFO> variables, Matches matches)
 {
-    for (int v = 1; v <= collection.totalVariableCount; ++v) {
-        if (matches(collection.variables[static_cast<std::size_t>(v)])) return v;
+    for (std::size_t v = 1; v < variables.size(); ++v) {
+        if (matches(variables[v])) return static_cast<int>(v);
     }
     return 0;
+}
+
+// The first with an equal label, or an equal name in front of its units.
+int firstEqual(std::span<const collection::VARINFO> variables, std::string_view keyText, bool isName)
+{
+    const std::string wanted = comparable(keyText, isName);
+    if (wanted.empty()) return 0;
+    return firstVariable(variables, [&](const collection::VARINFO& variable) {
+        return comparable(common::fieldText(variable.label), isName) == wanted;
+    });
+}
+
+int firstContaining(std::span<const collection::VARINFO> variables, std::string_view keyText)
+{
+    const std::string wanted = comparable(keyText, false);
+    if (wanted.empty()) return 0;
+    return firstVariable(variables, [&](const collection::VARINFO& variable) {
+        return comparable(common::fieldText(variable.label), false).find(wanted) != std::string::npos;
+    });
+}
+
+// A derived potential temperature, if possible one at the surface.
+PROPOSAL derivedTheta(std::span<const collection::VARINFO> variables, bool anyReference)
+{
+    const auto isTheta = [](const collection::VARINFO& variable) {
+        return variable.id == idPotentialTemperature && variable.nSources > 0;
+    };
+    const int atSurface = firstVariable(variables, [&](const collection::VARINFO& variable) {
+        return isTheta(variable) && variable.param == 0;
+    });
+    if (atSurface != 0) return {atSurface, true};
+    return {firstVariable(variables, isTheta), anyReference};
 }
 
 } // namespace
@@ -53,24 +87,15 @@ bool recordVariable(collection::RCollection& collection, std::string_view keyTex
            collection.setVariableId(keyBytes(keyText), number);
 }
 
-int proposedVariable(const collection::RCollection& collection, std::string_view keyText)
+PROPOSAL proposedVariable(std::span<const collection::VARINFO> variables, std::string_view keyText)
 {
-    if (keyText == potentialTemperatureKey) {
-        const int derived = firstVariable(collection, [](const collection::VARINFO& variable) {
-            return variable.id == idPotentialTemperature && variable.nSources > 0;
-        });
-        if (derived != 0) return derived;
+    if (const int equal = firstEqual(variables, keyText, false)) return {equal, true};
+    const bool anyReference = keyText == potentialTemperatureKey;
+    if (anyReference || comparable(keyText, true) == "potential temperature") {
+        if (const PROPOSAL theta = derivedTheta(variables, anyReference); theta.variable != 0) return theta;
     }
-    const std::string wanted = lowerUtf8(keyText);
-    const int holding = firstVariable(collection, [&](const collection::VARINFO& variable) {
-        return lowerUtf8(common::fieldText(variable.label)).find(wanted) != std::string::npos ||
-               lowerUtf8(common::fieldText(variable.plainLabel)).find(wanted) != std::string::npos;
-    });
-    if (holding != 0) return holding;
-    const std::string name = lowerUtf8(collection::plainLabelOf(collection::shortLabelOf(keyText)));
-    return firstVariable(collection, [&](const collection::VARINFO& variable) {
-        return lowerUtf8(collection::plainLabelOf(common::fieldText(variable.shortLabel))) == name;
-    });
+    if (const int named = firstEqual(variables, keyText, true)) return {named, true};
+    return {firstContaining(variables, keyText), false};
 }
 
 int identifyVariable(collection::RCollection& collection, std::string_view title, std::string_view keyText,

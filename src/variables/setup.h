@@ -24,6 +24,7 @@ struct IDENTIFICATION {
     std::string keyText; // the role, "Depth [m]", or "Numerator", "Variable", ...
     int proposed = 0;    // the variable that is likely meant, 0 if there is none
     bool isKey = true;   // the answer is a role that `.idv` keeps
+    bool isSure = false; // `proposed` may be taken where nobody can be asked
 };
 
 // A formula as the user defines it.
@@ -113,10 +114,16 @@ bool recordVariable(collection::RCollection& collection, std::string_view keyTex
 [[nodiscard]] int identifyVariable(collection::RCollection& collection, std::string_view title,
                                    std::string_view keyText, bool recordable, RVariableSettler& settler);
 inline constexpr std::string_view potentialTemperatureKey = "Pot. Temperature [°C] (any ref.)";
-// The variable that is likely meant: the first whose label holds the key text, else the first with the same
-// name in front of its units (case ignored); for the potential temperature above all a derived one. 0 if
-// there is none.
-[[nodiscard]] int proposedVariable(const collection::RCollection& collection, std::string_view keyText);
+struct PROPOSAL {
+    int variable = 0; // 0: none
+    bool isSure = false;
+};
+// The variable that is likely meant (index 0 of the span is no variable; case and markup ignored): the first
+// with the key text as its label, else with its name in front of the units; for a potential temperature that
+// has no such label a derived one, if possible referred to 0. The first whose label only contains the text is
+// a proposal to be confirmed.
+[[nodiscard]] PROPOSAL proposedVariable(std::span<const collection::VARINFO> variables,
+                                        std::string_view keyText);
 
 struct KEYROLE {
     std::string keyText;

@@ -572,7 +572,26 @@ TEST(VerticalDerivative, ALevelWithoutADepthIsMissingAndLeavesTheOthersAlone)
     EXPECT_EQ((*values)[2], missing);
     EXPECT_FLOAT_EQ((*values)[1], (*expected)[1]);
     EXPECT_FLOAT_EQ((*values)[3], (*expected)[2]);
-    EXPECT_EQ(holed.count(3), 5);
+    EXPECT_EQ(holed.count(3), 6); // whole profiles count all of their levels
+}
+
+TEST(VerticalQuantities, OfWholeProfilesCountAllLevelsAndOthersTheirValues)
+{
+    WATERROW row = castTo(1000);
+    row.depth[7] = missing;
+    RMemoryCast cast;
+    cast.store({row.depth, row.temperature, row.salinity});
+    const int levels = cast.station.levels();
+    for (const int id : {idVerticalDerivative, idVerticalIntegral, idSecondDerivative}) {
+        const int number = cast.add(id, {1, 2});
+        cast.compute();
+        EXPECT_EQ(cast.count(number), levels) << id;
+    }
+    for (const int id : {idDynamicHeight, idBruntVaisala}) {
+        const int number = cast.add(id, {1, 2, 3});
+        cast.compute();
+        EXPECT_EQ(cast.count(number), levels - 1) << id;
+    }
 }
 
 TEST(VerticalIntegral, OfAConstantIsDepthInKilometresTimesIt)

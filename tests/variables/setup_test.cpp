@@ -585,6 +585,53 @@ TEST_F(Setup, ADerivedPotentialTemperatureIsTheLikelyOne)
     EXPECT_EQ(sources(12), (std::vector<int>{1, 11, 3}));
 }
 
+TEST_F(Setup, AnEqualNameIsLikelierThanALabelThatContainsTheKey)
+{
+    for (int v = 1; v <= 3; ++v) {
+        const char* const labels[] = {"", "Bottom Depth [m]", "Pot. Temperature [C]",
+                                      "Bottle Salinity [psu]"};
+        collection::setLabel(collection.variables.at(static_cast<std::size_t>(v)), labels[v]);
+    }
+    for (const char* const label : {"depth [m]", "Temperature [degC]", "Salinity [psu]"}) addOwn(label);
+    RParameterSettler parameters({}, user);
+    ASSERT_EQ(addBy(parameters, "Sound Speed"), 14) << parameters.fault();
+    EXPECT_EQ(sources(14), (std::vector<int>{11, 12, 13}));
+}
+
+TEST_F(Setup, ALabelThatOnlyContainsTheKeyIsMarkedButNeverTaken)
+{
+    collection::setLabel(collection.variables.at(2), "Pot. Temperature [C]");
+    settler.variables = {1, 2, 3};
+    ASSERT_EQ(add("Sound Speed"), 11);
+    EXPECT_EQ(settler.proposals, (std::vector<int>{1, 2, 3}));
+    std::filesystem::remove(collection.path + ".idv");
+    RParameterSettler parameters({}, user);
+    EXPECT_EQ(addBy(parameters, "Sound Speed"), 0);
+    EXPECT_EQ(parameters.fault(), "Temperature [C] isn't identified: set_key tells which stored variable it "
+                                  "is, or parameters tell all roles.");
+    EXPECT_EQ(idFile(), "");
+}
+
+TEST_F(Setup, APotentialTemperatureIsLikelyOneReferredToTheSurface)
+{
+    const auto proposed = [&](std::string_view key) {
+        const PROPOSAL proposal =
+            proposedVariable(std::span(collection.variables)
+                                 .first(static_cast<std::size_t>(collection.totalVariableCount) + 1),
+                             key);
+        return std::pair(proposal.variable, proposal.isSure);
+    };
+    constexpr std::string_view key = "Potential Temperature [C]";
+    EXPECT_EQ(proposed(key), std::pair(0, false));
+    RParameterSettler deep({"1000"}, user), surface({"0"}, user);
+    ASSERT_EQ(addBy(deep, "Potential Temperature"), 11);
+    EXPECT_EQ(proposed(key), std::pair(11, false)); // another quantity
+    EXPECT_EQ(proposed(potentialTemperatureKey), std::pair(11, true));
+    ASSERT_EQ(addBy(surface, "Potential Temperature"), 12);
+    EXPECT_EQ(proposed(key), std::pair(12, true));
+    EXPECT_EQ(proposed(potentialTemperatureKey), std::pair(12, true));
+}
+
 TEST_F(Setup, ANumberWithoutAParameterTakesItsPreset)
 {
     RParameterSettler parameters({}, user);
@@ -663,6 +710,27 @@ TEST_F(Setup, AnInputWithoutATextIsAskedForAndNotRecorded)
     ASSERT_EQ(addBy(one, "Macro File"), 11);
     EXPECT_EQ(label(11), "bare"); // the file's name, as it gives no label
     EXPECT_EQ(idFile(), "");
+}
+
+TEST_F(Setup, ParametersOfAMacroAreItsInputsWhateverIsRecorded)
+{
+    const std::string path = folder + "/sum.mac";
+    write(path, macroText);
+    const auto load = [&](std::vector<std::string> inputs) {
+        RParameterSettler parameters(std::move(inputs), user);
+        parameters.giveMacroFile(path);
+        const int number = addBy(parameters, "Macro File");
+        return number > 0 ? std::to_string(number) : parameters.fault();
+    };
+    EXPECT_EQ(load({"4", "10"}), "11");
+    EXPECT_EQ(load({"4", "10"}), "12");
+    EXPECT_EQ(sources(12), (std::vector<int>{4, 10}));
+    EXPECT_EQ(load({"3", "4"}), "13");
+    EXPECT_EQ(sources(13), (std::vector<int>{3, 4}));
+    write(collection.path + ".idv", "Oxygen [umol/kg]=10\n");
+    EXPECT_EQ(load({"4"}), "The macro has 2 inputs: parameters tell all of them or none, not 1.");
+    EXPECT_EQ(load({}), "14");
+    EXPECT_EQ(sources(14), (std::vector<int>{3, 10}));
 }
 
 TEST_F(Setup, AMacroBindsItsInputsAndKeepsItsFormat)
