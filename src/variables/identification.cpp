@@ -10,7 +10,8 @@
 namespace variables {
 namespace {
 
-constexpr std::int64_t largestIdFile = 16 << 20;
+constexpr std::int64_t largestIdFile = 16 << 20; // bytes
+constexpr std::size_t longestIdLine = 120;
 
 // Keys stand in the file as labels stand in records.
 std::string keyBytes(std::string_view keyText)
@@ -115,25 +116,37 @@ std::vector<KEYROLE> recordedRoles(const collection::RCollection& collection)
     std::string_view rest = *text;
     while (!rest.empty()) {
         const std::string_view line = common::takeLine(rest);
-        const std::string key(line.substr(0, collection::idKeyLength(line)));
+        const std::size_t length = collection::idKeyLength(line);
+        if (length == 0 || length == line.size() || line.size() > longestIdLine) continue;
+        const std::string key(line.substr(0, length));
         const bool isKnown =
             std::any_of(roles.begin(), roles.end(), [&](const KEYROLE& role) { return role.keyText == key; });
-        const int number = key.empty() ? 0 : collection.getVariableId(key);
-        if (number != 0 && !isKnown) roles.push_back({key, number});
+        if (!isKnown) roles.push_back({key, collection.getVariableId(key)});
     }
     return roles;
 }
 
-int resetKeyVariables(collection::RCollection& collection, RVariableSettler& settler)
+int resetKeyVariables(collection::RCollection& collection, RVariableSettler& settler, common::RUser& user)
 {
     const std::string task = "Resetting Variable IDs ...";
+    if (!collection.writable) {
+        user.about(task,
+                   "The collection is open for reading only: the roles of its variables stay as they are.");
+        return 0;
+    }
     int changes = 0;
     for (const KEYROLE& role : recordedRoles(collection)) {
-        const auto answer = settler.identify({task + " - Identify " + common::labelToUtf8(role.keyText), task,
-                                              role.keyText, role.variable, true},
-                                             collection);
+        const std::string key = common::labelToUtf8(role.keyText);
+        const auto answer = settler.identify(
+            {task + " - Identify " + key, task, role.keyText, role.variable, true}, collection);
         if (!answer || *answer == role.variable) continue;
-        if (recordVariable(collection, role.keyText, *answer)) ++changes;
+        if (*answer > collection.variableCount) {
+            user.about(task, key + ": only a stored variable can play a role.");
+        } else if (recordVariable(collection, role.keyText, *answer)) {
+            ++changes;
+        } else {
+            user.about(task, collection.path + ".idv: can't note which variable is " + key);
+        }
     }
     return changes;
 }

@@ -35,6 +35,13 @@ struct EXPRESSIONDEFINITION {
     std::vector<int> inputs; // numbers of variables, at most 9
 };
 
+// What is told under a title; nothing is wrong if the text is empty.
+struct SETUPFAULT {
+    std::string title, text;
+};
+// What keeps a definition from becoming a variable behind `variableCount` others.
+[[nodiscard]] SETUPFAULT definitionFault(const EXPRESSIONDEFINITION& definition, int variableCount);
+
 // A question that a set-up is going to ask.
 struct SETUPQUESTION {
     enum class Kind { role, variable, number };
@@ -129,10 +136,10 @@ struct KEYROLE {
     std::string keyText;
     int variable = 0;
 };
-// The roles that `.idv` records, in its order.
+// The roles that `.idv` records, in its order; one whose number is no variable of the collection has 0.
 [[nodiscard]] std::vector<KEYROLE> recordedRoles(const collection::RCollection& collection);
-// Asks again for each of them. Returns the number of changes.
-int resetKeyVariables(collection::RCollection& collection, RVariableSettler& settler);
+// Asks again for each of them. Returns the number of changes; what keeps one from being noted is told.
+int resetKeyVariables(collection::RCollection& collection, RVariableSettler& settler, common::RUser& user);
 
 // The derived variables of a collection, to be put back when its own variables have become others.
 struct DERIVEDSET {
