@@ -21,7 +21,7 @@ void checkFields(const MACRO& macro)
     require(macro.nInputs >= 0 && macro.nInputs <= variables::maxMacroInputs);
     require(macro.decimals >= 0 && macro.decimals <= 4);
     require(macro.width >= macro.decimals + 3 && macro.width <= macro.decimals + 15);
-    require(macro.label.size() <= 60 && macro.expression.size() < 500);
+    require(macro.label.size() <= 60);
     require(macro.comment.size() <= variables::longestMacroComment);
     for (const std::string& input : macro.inputs) require(input.size() <= 60);
 }

@@ -45,7 +45,7 @@ void RAppWindow::resetKeyVariables()
 {
     if (!user_.interactive()) return;
     dialogs::RDialogVariableSettler settler(this);
-    const int changes = variables::resetKeyVariables(session_.collection, settler);
+    const int changes = variables::resetKeyVariables(session_.collection, settler, user_);
     if (changes > 0) user_.status(common::format("%d of the key variables changed", changes));
 }
 

@@ -253,7 +253,9 @@ bool RAppWindow::checkInstallation()
 
 void RAppWindow::loadHistories()
 {
-    variables::loadHistories(session_.installation.atmhist, session_.surroundings.histories);
+    for (const std::string& fault :
+         variables::loadHistories(session_.installation.atmhist, session_.surroundings.histories))
+        user_.note(fault);
 }
 
 void RAppWindow::workThrough(std::span<const ARGUMENT> arguments)

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "collection/stationstreams.h"
+#include "collection/varformat.h"
 #include "common/files.h"
 #include "common/text.h"
 
@@ -32,8 +33,9 @@ bool isUsableName(std::string_view name)
 void readFormat(std::string_view line, VARINFO& variable)
 {
     const std::pair<int, int> format = formatOfLine(line);
-    variable.decimals = std::clamp(format.second, 0, 4);
-    variable.width = std::clamp(format.first, variable.decimals + 3, variable.decimals + 15);
+    variable.width = format.first;
+    variable.decimals = format.second;
+    clampFormat(variable.width, variable.decimals);
 }
 
 VarFileResult refuse(VARFAULT& fault, int line, std::string text)

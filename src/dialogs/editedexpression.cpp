@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "collection/varformat.h"
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "dialogs/editedvariables.h"
@@ -18,9 +19,9 @@ constexpr std::size_t mostInputs = variables::maxMacroInputs;
 
 void takeFormat(const QString& widthText, const QString& decimalsText, int& width, int& decimals)
 {
-    decimals = std::clamp(common::parseInt(decimalsText.toStdString()).value_or(decimals), 0, mostDecimals);
-    width = std::clamp(common::parseInt(widthText.toStdString()).value_or(width), decimals + leastExtraWidth,
-                       decimals + mostExtraWidth);
+    decimals = common::parseInt(decimalsText.toStdString()).value_or(decimals);
+    width = common::parseInt(widthText.toStdString()).value_or(width);
+    collection::clampFormat(width, decimals);
 }
 
 REditedExpression::REditedExpression(variables::EXPRESSIONDEFINITION definition,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "collection/varformat.h"
 #include "common/limits.h"
 #include "common/text.h"
 #include "common/textcoding.h"
@@ -90,9 +91,9 @@ bool setFormat(VARINFO& variable, const QString& text)
     const auto decimals =
         point == std::string_view::npos ? std::optional<int>(0) : common::parseInt(view.substr(point + 1));
     if (!width || !decimals || *width < 0 || *decimals < 0) return false;
-    variable.decimals = std::min(*decimals, mostDecimals);
-    variable.width =
-        std::clamp(*width, variable.decimals + leastExtraWidth, variable.decimals + mostExtraWidth);
+    variable.width = *width;
+    variable.decimals = *decimals;
+    collection::clampFormat(variable.width, variable.decimals);
     return true;
 }
 

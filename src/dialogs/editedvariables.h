@@ -15,9 +15,6 @@ namespace dialogs {
 // from, 0 for a new one.
 using VariableList = std::vector<collection::VARINFO>;
 
-inline constexpr int mostDecimals = 4;
-inline constexpr int leastExtraWidth = 3, mostExtraWidth = 15; // of a field, beyond the decimals
-
 [[nodiscard]] int variableCountOf(const VariableList& list);
 
 // Puts a new variable behind place `behind` (0: in front of all). Its place, or 0 if the list is full.

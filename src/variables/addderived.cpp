@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "common/files.h"
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "variables/derivedlabels.h"
@@ -18,8 +19,13 @@ bool hasHistory(const DRVVAR& row, const SETUPTOOLS& tools)
 {
     const int gas = gasOf(row.id);
     if (gas < 0 || tools.surroundings.histories[static_cast<std::size_t>(gas)].n > 0) return true;
-    tools.user.about(row.label, "ERROR. File:\n" + tools.installation.atmhist +
-                                    std::string(historyFiles[static_cast<std::size_t>(gas)]) + " missing.");
+    const std::string path =
+        tools.installation.atmhist + std::string(historyFiles[static_cast<std::size_t>(gas)]);
+    const bool isThere = common::fileSize(path) >= 0;
+    tools.user.about(
+        row.label,
+        "ERROR. File:\n" + path +
+            (isThere ? "\nholds no history: lines \"year north south\" behind a heading." : " missing."));
     return false;
 }
 

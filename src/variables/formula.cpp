@@ -188,9 +188,8 @@ STATIONTERMS stationTerms(const collection::STATIONHDR& header)
 
 std::string formulaFault(std::string_view text, int inputs)
 {
-    if (text.size() >= common::formulaLength)
-        return common::format("The formula has %zu bytes; it must have less than %d.", text.size(),
-                              common::formulaLength);
+    if (text.size() > common::formulaLength)
+        return common::format("The formula is longer than %d characters.", common::formulaLength);
     int values = 0, place = 0;
     for (std::string_view rest = text, word = takeWord(rest); !word.empty(); word = takeWord(rest)) {
         ++place;

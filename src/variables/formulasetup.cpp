@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "collection/varformat.h"
 #include "common/files.h"
 #include "common/text.h"
 #include "common/textcoding.h"
@@ -16,8 +17,6 @@ namespace {
 using collection::RCollection;
 using collection::VARINFO;
 
-constexpr std::string_view missingTitle = "Information missing ...";
-
 const DRVVAR& rowOf(int id)
 {
     return derivedRows()[static_cast<std::size_t>(rowOfCalculator(id))];
@@ -30,32 +29,14 @@ std::string onOneLine(std::string formula)
     return formula;
 }
 
-bool setInputs(VARINFO& variable, const std::vector<int>& inputs, const RCollection& collection)
+bool setInputs(VARINFO& variable, const std::vector<int>& inputs, int variableCount)
 {
     if (inputs.size() > maxMacroInputs) return false;
     for (const int input : inputs) {
-        if (input < 1 || input > collection.totalVariableCount) return false;
+        if (input < 1 || input > variableCount) return false;
         variable.sources[variable.nSources++] = input;
     }
     return true;
-}
-
-// What keeps a definition from becoming a variable, as a title and a text; empty if nothing does.
-std::pair<std::string_view, std::string> definitionFault(const EXPRESSIONDEFINITION& definition,
-                                                         const RCollection& collection)
-{
-    const std::string_view row = rowOf(idExpression).label;
-    if (common::trimBlanks(definition.label).empty()) return {missingTitle, "You must enter a Label!"};
-    if (common::trimBlanks(definition.formula).empty())
-        return {missingTitle, "You must enter an Expression!"};
-    if (definition.formula.size() > common::formulaLength)
-        return {row, common::format("The expression is longer than %d characters.", common::formulaLength)};
-    VARINFO probe{};
-    if (!setInputs(probe, definition.inputs, collection))
-        return {row, common::format("An expression has at most %d inputs, all of them variables of the "
-                                    "collection.",
-                                    maxMacroInputs)};
-    return {row, formulaFault(onOneLine(definition.formula), probe.nSources)};
 }
 
 std::string fileName(const std::string& path)
@@ -63,11 +44,31 @@ std::string fileName(const std::string& path)
     return std::filesystem::path(path).filename().string();
 }
 
-// Says what is wrong with a file under the title of its loading.
-void tellFault(const std::string& path, const MACROFAULT& fault, common::RUser& user)
+constexpr std::string_view macroTitle = "Loading Macro";
+
+// Reads the file; tells what is wrong with it.
+bool readMacro(const std::string& path, MACRO& macro, common::RUser& user)
 {
-    const std::string place = path + (fault.line > 0 ? common::format(", line %d", fault.line) : "");
-    user.about("Loading Macro", "Not a valid NVQ macro!\n\n" + place + ": " + fault.text);
+    const common::RBusyGuard busy(user, "Loading Macro " + fileName(path) + " ...");
+    MACROFAULT fault;
+    if (readMacroFile(path, macro, fault)) return true;
+    user.about(macroTitle, (fault.line > 0 ? "Not a valid NVQ macro!\n\n" : "") + faultText(path, fault));
+    return false;
+}
+
+// The formula as the variable holds it. What is wrong with it is told, but it is taken.
+std::string takeFormula(const std::string& path, const MACRO& macro, common::RUser& user)
+{
+    int lineLeftOut = 0;
+    std::string formula = joinedFormula(macro.expression, &lineLeftOut);
+    if (lineLeftOut > 0)
+        user.about(macroTitle,
+                   path +
+                       common::format(": the formula is too long; its line %d and what follows is left out",
+                                      lineLeftOut));
+    if (const std::string fault = formulaFault(formula, macro.nInputs); !fault.empty())
+        user.about(macroTitle, path + ": " + fault);
+    return formula;
 }
 
 // The question for input n (from 0). One without a text plays no role that could be recorded.
@@ -85,7 +86,7 @@ bool identifyInputs(const RCollection& collection, const MACRO& macro, VARINFO& 
     variable.nSources = std::clamp(macro.nInputs, 0, maxMacroInputs);
     for (int n = 0; n < variable.nSources; ++n) {
         const SETUPQUESTION question = inputQuestion(collection, macro, n);
-        const int input = identifyForSetup(collection, "Loading Macro", question.text,
+        const int input = identifyForSetup(collection, macroTitle, question.text,
                                            question.kind == SETUPQUESTION::Kind::role, roles, settler);
         if (input == 0) return false;
         variable.sources[n] = input;
@@ -103,12 +104,32 @@ std::vector<SETUPQUESTION> inputQuestions(const RCollection& collection, const M
 
 } // namespace
 
+SETUPFAULT definitionFault(const EXPRESSIONDEFINITION& definition, int variableCount)
+{
+    const std::string missing = "Information missing ...", faulty = "Faulty expression ...";
+    if (common::trimBlanks(definition.label).empty()) return {missing, "You must enter a Label!"};
+    if (common::trimBlanks(definition.formula).empty()) return {missing, "You must enter an Expression!"};
+    if (!collection::isFormat(definition.width, definition.decimals))
+        return {faulty,
+                common::format("The format %d.%d isn't possible: 0 to %d decimals, and a width that is "
+                               "larger by %d to %d.",
+                               definition.width, definition.decimals, collection::mostDecimals,
+                               collection::leastExtraWidth, collection::mostExtraWidth)};
+    VARINFO probe{};
+    if (!setInputs(probe, definition.inputs, variableCount))
+        return {faulty, common::format("An expression has at most %d inputs, all of them variables of the "
+                                       "collection.",
+                                       maxMacroInputs)};
+    return {faulty, formulaFault(onOneLine(definition.formula), probe.nSources)};
+}
+
 int addExpression(RCollection& collection, const SETUPTOOLS& tools)
 {
     if (!tools.settler.begin({}, collection)) return 0;
     const auto definition = tools.settler.defineExpression(collection);
     if (!definition || !tools.settler.finish()) return 0;
-    if (const auto [title, text] = definitionFault(*definition, collection); !text.empty()) {
+    if (const auto [title, text] = definitionFault(*definition, collection.totalVariableCount);
+        !text.empty()) {
         tools.user.about(title, text);
         return 0;
     }
@@ -117,20 +138,16 @@ int addExpression(RCollection& collection, const SETUPTOOLS& tools)
     variable.decimals = definition->decimals;
     collection::setLabel(variable,
                          common::labelFromFile(definition->label, common::isValidUtf8(definition->label)));
-    (void)setInputs(variable, definition->inputs, collection);
+    (void)setInputs(variable, definition->inputs, collection.totalVariableCount);
     return joinFormula(collection, variable, onOneLine(definition->formula), {}, tools.user);
 }
 
 int loadMacroVariable(RCollection& collection, const std::string& path, const SETUPTOOLS& tools)
 {
-    const common::RBusyGuard busy(tools.user, "Loading Macro " + fileName(path) + " ...");
     MACRO macro;
     macro.width = tools.macroFormat.width;
     macro.decimals = tools.macroFormat.decimals;
-    if (MACROFAULT fault; !readMacroFile(path, macro, fault)) {
-        tellFault(path, fault, tools.user);
-        return 0;
-    }
+    if (!readMacro(path, macro, tools.user)) return 0;
     tools.macroFormat = {macro.width, macro.decimals};
     VARINFO variable = variableOfRow(collection, rowOf(idMacro));
     common::copyText(variable.source, path);
@@ -141,15 +158,7 @@ int loadMacroVariable(RCollection& collection, const std::string& path, const SE
     if (!tools.settler.begin(inputQuestions(collection, macro), collection) ||
         !identifyInputs(collection, macro, variable, roles, tools.settler) || !tools.settler.finish())
         return 0;
-    int lineLeftOut = 0;
-    const std::string formula = joinedFormula(macro.expression, &lineLeftOut);
-    if (lineLeftOut > 0)
-        tools.user.note(path +
-                        common::format(": the formula is too long; its line %d and what follows is left out",
-                                       lineLeftOut));
-    if (const std::string fault = formulaFault(formula, variable.nSources); !fault.empty())
-        tools.user.note(path + ": " + fault);
-    return joinFormula(collection, variable, formula, roles, tools.user);
+    return joinFormula(collection, variable, takeFormula(path, macro, tools.user), roles, tools.user);
 }
 
 } // namespace variables

@@ -5,6 +5,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "variables/seawater/solubility.h"
 
@@ -24,11 +25,19 @@ using ATMHISTORIES = std::array<ATMHISTORY, seawater::gasCount>; // by seawater:
 inline constexpr std::array<std::string_view, seawater::gasCount> historyFiles = {
     "atmcfc11.his", "atmcfc12.his", "atmcfc10.his", "atmcfc113.his", "atmch4.his"};
 
-// Rows of "year north south" behind a heading line, up to the first line that doesn't give three numbers;
-// rows beyond the 200th are dropped.
-[[nodiscard]] ATMHISTORY parseHistory(std::string_view content);
+struct HISTORYFAULT {
+    int line = 0; // from 1
+    std::string text;
+};
 
-// Reads the five files of a folder; a missing file leaves its table empty.
-void loadHistories(const std::string& atmhistFolder, ATMHISTORIES& histories);
+// Rows of "year north south" behind a heading line, up to the first line that doesn't give three numbers;
+// rows beyond the 200th are dropped. faults: text that is left behind the last row, the first year that isn't
+// later than that before it, or that there are no rows.
+[[nodiscard]] ATMHISTORY parseHistory(std::string_view content, std::vector<HISTORYFAULT>* faults = nullptr);
+
+// Reads the five files of a folder; a missing file leaves its table empty. Returns what is wrong with those
+// that are there, each as "path:line: what".
+[[nodiscard]] std::vector<std::string> loadHistories(const std::string& atmhistFolder,
+                                                     ATMHISTORIES& histories);
 
 } // namespace variables

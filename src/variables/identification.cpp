@@ -10,7 +10,8 @@
 namespace variables {
 namespace {
 
-constexpr std::int64_t largestIdFile = 16 << 20;
+constexpr std::int64_t largestIdFile = 16 << 20; // bytes
+constexpr std::size_t longestIdLine = 120;
 
 // Keys stand in the file as labels stand in records.
 std::string keyBytes(std::string_view keyText)
@@ -18,18 +19,52 @@ std::string keyBytes(std::string_view keyText)
     return common::labelFromFile(keyText, common::isValidUtf8(keyText));
 }
 
-std::string lowerUtf8(std::string_view label)
+// Without markup, and without the units if `isName`, in small letters.
+std::string comparable(std::string_view label, bool isName)
 {
-    return common::toLower(common::labelToUtf8(label));
+    const std::string plain = collection::plainLabelOf(label);
+    return common::toLower(common::labelToUtf8(isName ? collection::shortLabelOf(plain) : plain));
 }
 
 template <typename Matches>
-int firstVariable(const collection::RCollection& collection, Matches matches)
+int firstVariable(std::span<const collection::VARINFO> variables, Matches matches)
 {
-    for (int v = 1; v <= collection.totalVariableCount; ++v) {
-        if (matches(collection.variables[static_cast<std::size_t>(v)])) return v;
+    for (std::size_t v = 1; v < variables.size(); ++v) {
+        if (matches(variables[v])) return static_cast<int>(v);
     }
     return 0;
+}
+
+// The first with an equal label, or an equal name in front of its units.
+int firstEqual(std::span<const collection::VARINFO> variables, std::string_view keyText, bool isName)
+{
+    const std::string wanted = comparable(keyText, isName);
+    if (wanted.empty()) return 0;
+    return firstVariable(variables, [&](const collection::VARINFO& variable) {
+        return comparable(common::fieldText(variable.label), isName) == wanted;
+    });
+}
+
+int firstContaining(std::span<const collection::VARINFO> variables, std::string_view keyText)
+{
+    const std::string wanted = comparable(keyText, false);
+    if (wanted.empty()) return 0;
+    return firstVariable(variables, [&](const collection::VARINFO& variable) {
+        return comparable(common::fieldText(variable.label), false).find(wanted) != std::string::npos;
+    });
+}
+
+// A derived potential temperature, if possible one at the surface.
+PROPOSAL derivedTheta(std::span<const collection::VARINFO> variables, bool anyReference)
+{
+    const auto isTheta = [](const collection::VARINFO& variable) {
+        return variable.id == idPotentialTemperature && variable.nSources > 0;
+    };
+    const int atSurface = firstVariable(variables, [&](const collection::VARINFO& variable) {
+        return isTheta(variable) && variable.param == 0;
+    });
+    if (atSurface != 0) return {atSurface, true};
+    return {firstVariable(variables, isTheta), anyReference};
 }
 
 } // namespace
@@ -53,24 +88,15 @@ bool recordVariable(collection::RCollection& collection, std::string_view keyTex
            collection.setVariableId(keyBytes(keyText), number);
 }
 
-int proposedVariable(const collection::RCollection& collection, std::string_view keyText)
+PROPOSAL proposedVariable(std::span<const collection::VARINFO> variables, std::string_view keyText)
 {
-    if (keyText == potentialTemperatureKey) {
-        const int derived = firstVariable(collection, [](const collection::VARINFO& variable) {
-            return variable.id == idPotentialTemperature && variable.nSources > 0;
-        });
-        if (derived != 0) return derived;
+    if (const int equal = firstEqual(variables, keyText, false)) return {equal, true};
+    const bool anyReference = keyText == potentialTemperatureKey;
+    if (anyReference || comparable(keyText, true) == "potential temperature") {
+        if (const PROPOSAL theta = derivedTheta(variables, anyReference); theta.variable != 0) return theta;
     }
-    const std::string wanted = lowerUtf8(keyText);
-    const int holding = firstVariable(collection, [&](const collection::VARINFO& variable) {
-        return lowerUtf8(common::fieldText(variable.label)).find(wanted) != std::string::npos ||
-               lowerUtf8(common::fieldText(variable.plainLabel)).find(wanted) != std::string::npos;
-    });
-    if (holding != 0) return holding;
-    const std::string name = lowerUtf8(collection::plainLabelOf(collection::shortLabelOf(keyText)));
-    return firstVariable(collection, [&](const collection::VARINFO& variable) {
-        return lowerUtf8(collection::plainLabelOf(common::fieldText(variable.shortLabel))) == name;
-    });
+    if (const int named = firstEqual(variables, keyText, true)) return {named, true};
+    return {firstContaining(variables, keyText), false};
 }
 
 int identifyVariable(collection::RCollection& collection, std::string_view title, std::string_view keyText,
@@ -90,25 +116,37 @@ std::vector<KEYROLE> recordedRoles(const collection::RCollection& collection)
     std::string_view rest = *text;
     while (!rest.empty()) {
         const std::string_view line = common::takeLine(rest);
-        const std::string key(line.substr(0, collection::idKeyLength(line)));
+        const std::size_t length = collection::idKeyLength(line);
+        if (length == 0 || length == line.size() || line.size() > longestIdLine) continue;
+        const std::string key(line.substr(0, length));
         const bool isKnown =
             std::any_of(roles.begin(), roles.end(), [&](const KEYROLE& role) { return role.keyText == key; });
-        const int number = key.empty() ? 0 : collection.getVariableId(key);
-        if (number != 0 && !isKnown) roles.push_back({key, number});
+        if (!isKnown) roles.push_back({key, collection.getVariableId(key)});
     }
     return roles;
 }
 
-int resetKeyVariables(collection::RCollection& collection, RVariableSettler& settler)
+int resetKeyVariables(collection::RCollection& collection, RVariableSettler& settler, common::RUser& user)
 {
     const std::string task = "Resetting Variable IDs ...";
+    if (!collection.writable) {
+        user.about(task,
+                   "The collection is open for reading only: the roles of its variables stay as they are.");
+        return 0;
+    }
     int changes = 0;
     for (const KEYROLE& role : recordedRoles(collection)) {
-        const auto answer = settler.identify({task + " - Identify " + common::labelToUtf8(role.keyText), task,
-                                              role.keyText, role.variable, true},
-                                             collection);
+        const std::string key = common::labelToUtf8(role.keyText);
+        const auto answer = settler.identify(
+            {task + " - Identify " + key, task, role.keyText, role.variable, true}, collection);
         if (!answer || *answer == role.variable) continue;
-        if (recordVariable(collection, role.keyText, *answer)) ++changes;
+        if (*answer > collection.variableCount) {
+            user.about(task, key + ": only a stored variable can play a role.");
+        } else if (recordVariable(collection, role.keyText, *answer)) {
+            ++changes;
+        } else {
+            user.about(task, collection.path + ".idv: can't note which variable is " + key);
+        }
     }
     return changes;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "collection/varformat.h"
 #include "common/files.h"
 #include "common/limits.h"
 #include "common/text.h"
@@ -24,7 +25,13 @@ std::string_view fieldOf(std::string_view line, std::size_t first, std::size_t l
 // Reads the parts of the file in their order. Each part is false with `fault` set if it isn't there.
 class RMacroReader {
 public:
-    explicit RMacroReader(std::string_view content) : rest_(content), isUtf8_(common::isValidUtf8(content)) {}
+    // A file without a format gets that of `before`.
+    RMacroReader(std::string_view content, const MACRO& before)
+        : rest_(content), isUtf8_(common::isValidUtf8(content))
+    {
+        macro_.width = before.width;
+        macro_.decimals = before.decimals;
+    }
 
     [[nodiscard]] bool read()
     {
@@ -82,16 +89,13 @@ private:
         int width = 0, decimals = 0;
         if (common::takeInt(format, width) && format.starts_with('.')) {
             format.remove_prefix(1);
-            if (common::takeInt(format, decimals)) setFormat(width, decimals);
+            if (common::takeInt(format, decimals)) {
+                collection::clampFormat(width, decimals);
+                macro_.width = width;
+                macro_.decimals = decimals;
+            }
         }
         return true;
-    }
-
-    // As the formats of all variables.
-    void setFormat(int width, int decimals)
-    {
-        macro_.decimals = std::clamp(decimals, 0, 4);
-        macro_.width = std::clamp(width, macro_.decimals + 3, macro_.decimals + 15);
     }
 
     // Ends with the line behind the inputs in `line_`.
@@ -127,18 +131,15 @@ private:
                fail(common::format("input #%d is missing", static_cast<int>(gap) + 1));
     }
 
-    // All lines behind the blank one, as long as there is room; the last line feed belongs to the file. Where
-    // there is no blank line, the line behind the inputs is the first of the formula.
+    // All lines behind the blank one; the last line feed belongs to the file. Where there is no blank line,
+    // the line behind the inputs is the first of the formula.
     bool readFormula()
     {
         macro_.expression.clear();
         if (common::trimBlanks(line_).empty() && !next("the formula")) return false;
-        for (bool more = true; more; more = !rest_.empty() && next({})) {
-            const std::size_t length = macro_.expression.size() + line_.size() + 1;
-            if (length > static_cast<std::size_t>(common::formulaLength)) break;
+        for (bool more = true; more; more = !rest_.empty() && next({}))
             macro_.expression.append(line_).append("\n");
-        }
-        if (!macro_.expression.empty()) macro_.expression.pop_back();
+        macro_.expression.pop_back();
         return true;
     }
 
@@ -200,9 +201,14 @@ std::string joinedFormula(std::string_view expression, int* lineLeftOut)
     return formula;
 }
 
+std::string faultText(const std::string& path, const MACROFAULT& fault)
+{
+    return path + (fault.line > 0 ? ":" + std::to_string(fault.line) : std::string()) + ": " + fault.text;
+}
+
 bool parseMacro(std::string_view content, MACRO& macro, MACROFAULT& fault)
 {
-    RMacroReader reader(content);
+    RMacroReader reader(content, macro);
     const bool isMacro = reader.read();
     if (isMacro) {
         macro = reader.macro();

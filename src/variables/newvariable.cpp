@@ -34,9 +34,12 @@ int identifyForSetup(const RCollection& collection, std::string_view task, std::
         if (given != roles.end()) return given->variable;
     }
     const std::string title = std::string(task) + " - Identify " + common::labelToUtf8(keyText);
-    const auto answer = settler.identify({title, std::string(task), std::string(keyText),
-                                          isRole ? proposedVariable(collection, keyText) : 0, isRole},
-                                         collection);
+    const auto known =
+        std::span(collection.variables).first(static_cast<std::size_t>(collection.totalVariableCount) + 1);
+    const PROPOSAL proposal = isRole ? proposedVariable(known, keyText) : PROPOSAL();
+    const auto answer = settler.identify(
+        {title, std::string(task), std::string(keyText), proposal.variable, isRole, proposal.isSure},
+        collection);
     if (!answer || *answer < 1 || *answer > collection.totalVariableCount) return 0;
     if (isRole && recorded == 0) roles.push_back({std::string(keyText), *answer});
     return *answer;

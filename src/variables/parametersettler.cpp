@@ -16,6 +16,7 @@ bool RParameterSettler::begin(std::span<const SETUPQUESTION> questions, const co
     const auto isOpen = [&](const SETUPQUESTION& question) {
         return isRole(question) && question.recorded == 0;
     };
+    if (!macroFile_.empty()) return beginMacro(questions.size());
     const auto roles = std::count_if(questions.begin(), questions.end(), isRole);
     const auto open = std::count_if(questions.begin(), questions.end(), isOpen);
     const std::ptrdiff_t others = std::ssize(questions) - roles, given = std::ssize(parameters_);
@@ -25,6 +26,17 @@ bool RParameterSettler::begin(std::span<const SETUPQUESTION> questions, const co
     if (roles_ != Roles::none) return true;
     fail(common::format("It takes %d parameters, or %d with a variable for each of its roles, not %d.",
                         static_cast<int>(others), static_cast<int>(others + roles), static_cast<int>(given)));
+    return false;
+}
+
+// The user of a macro names its inputs, and they have their numbers: the parameters are all of them or none.
+bool RParameterSettler::beginMacro(std::size_t inputs)
+{
+    if (parameters_.empty()) return true;
+    roles_ = Roles::all;
+    if (parameters_.size() == inputs) return true;
+    fail(common::format("The macro has %zu inputs: parameters tell all of them or none, not %zu.", inputs,
+                        parameters_.size()));
     return false;
 }
 
@@ -62,7 +74,7 @@ std::optional<int> RParameterSettler::likelyVariable(const IDENTIFICATION& quest
                                                      const collection::RCollection& collection)
 {
     const std::string key = common::labelToUtf8(question.keyText);
-    if (question.proposed == 0) {
+    if (question.proposed == 0 || !question.isSure) {
         fail(key +
              " isn't identified: set_key tells which stored variable it is, or parameters tell all roles.");
         return std::nullopt;

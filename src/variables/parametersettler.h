@@ -11,9 +11,10 @@
 namespace variables {
 
 // Variables are named by label or number. Questions other than roles take the parameters, and so do the roles
-// if there is one more for each of them, or for each that `.idv` doesn't record. Else a role is played by the
-// variable that `.idv` tells or that is likely meant, which is noted. A number without a parameter takes its
-// preset. Everything else that is missing, unknown or left over is a fault, and the set-up changes nothing.
+// if there is one more for each of them, or for each that `.idv` doesn't record; for a macro they are all of
+// its inputs or none. Else a role is played by the variable that `.idv` tells or whose label says so, which
+// is noted. A number without a parameter takes its preset. Everything else that is missing, unknown or left
+// over is a fault, and the set-up changes nothing.
 class RParameterSettler final : public RVariableSettler {
 public:
     RParameterSettler(std::vector<std::string> parameters, common::RUser& user)
@@ -42,6 +43,7 @@ public:
     [[nodiscard]] std::string chooseMacroFile(const std::string& folder) override;
 
 private:
+    [[nodiscard]] bool beginMacro(std::size_t inputs);
     [[nodiscard]] const std::string* next();
     [[nodiscard]] std::optional<int> takeVariable(std::string_view question,
                                                   const collection::RCollection& collection);

@@ -100,10 +100,12 @@ int finish(const CALCULATION& calculation)
                                           [](float value) { return !isMissing(value); }));
 }
 
-int mapBack(const CALCULATION& calculation, const PROFILE& profile)
+// Derivatives and integrals count every level, missing ones too.
+int finishWhole(const CALCULATION& calculation, const PROFILE& profile)
 {
     mapOnto(profile, calculation.source(1), calculation.values);
-    return finish(calculation);
+    setSourceFlags(calculation);
+    return static_cast<int>(calculation.levels());
 }
 
 // --- derivatives and the integral
@@ -130,7 +132,7 @@ int verticalDerivative(const CALCULATION& calculation)
                                             ? (static_cast<double>(v.value[i + 1]) - v.value[i]) / d * 1000
                                             : MISSING_VALUE);
     }
-    return mapBack(calculation, derivative);
+    return finishWhole(calculation, derivative);
 }
 
 int secondDerivative(const CALCULATION& calculation)
@@ -148,7 +150,7 @@ int secondDerivative(const CALCULATION& calculation)
         const double slope2 = (static_cast<double>(v.value[i + 2]) - v.value[i + 1]) / d2;
         derivative.add((m1 + m2) / 2, isKnown ? (slope2 - slope1) / (m2 - m1) * 1.0e6 : MISSING_VALUE);
     }
-    return mapBack(calculation, derivative);
+    return finishWhole(calculation, derivative);
 }
 
 // The integral from the first point on, without the last point of the grid; missing from the first gap on.
@@ -195,7 +197,7 @@ int verticalIntegral(const CALCULATION& calculation)
     PROFILE integral = runningIntegral(v);
     const float start = std::min(calculation.variable.param, rangeOf(calculation.source(1)).highest);
     if (!subtractReference(integral, start)) return absent;
-    return mapBack(calculation, integral);
+    return finishWhole(calculation, integral);
 }
 
 // --- dynamic height
@@ -327,7 +329,9 @@ int bruntVaisala(const CALCULATION& calculation)
     const bool isBottle = common::fieldText(header.type) == "B";
     const std::vector<WATER> levels = isBottle ? gridLevels(calculation) : ownLevels(calculation);
     // The frequencies stand against pressure and are taken at the same numbers of metres.
-    return mapBack(calculation, frequencies(levels, seawater::gravity(header.latitude)));
+    mapOnto(frequencies(levels, seawater::gravity(header.latitude)), calculation.source(1),
+            calculation.values);
+    return finish(calculation);
 }
 
 } // namespace

@@ -24,6 +24,7 @@ struct IDENTIFICATION {
     std::string keyText; // the role, "Depth [m]", or "Numerator", "Variable", ...
     int proposed = 0;    // the variable that is likely meant, 0 if there is none
     bool isKey = true;   // the answer is a role that `.idv` keeps
+    bool isSure = false; // `proposed` may be taken where nobody can be asked
 };
 
 // A formula as the user defines it.
@@ -33,6 +34,13 @@ struct EXPRESSIONDEFINITION {
     std::string formula;
     std::vector<int> inputs; // numbers of variables, at most 9
 };
+
+// What is told under a title; nothing is wrong if the text is empty.
+struct SETUPFAULT {
+    std::string title, text;
+};
+// What keeps a definition from becoming a variable behind `variableCount` others.
+[[nodiscard]] SETUPFAULT definitionFault(const EXPRESSIONDEFINITION& definition, int variableCount);
 
 // A question that a set-up is going to ask.
 struct SETUPQUESTION {
@@ -113,19 +121,25 @@ bool recordVariable(collection::RCollection& collection, std::string_view keyTex
 [[nodiscard]] int identifyVariable(collection::RCollection& collection, std::string_view title,
                                    std::string_view keyText, bool recordable, RVariableSettler& settler);
 inline constexpr std::string_view potentialTemperatureKey = "Pot. Temperature [°C] (any ref.)";
-// The variable that is likely meant: the first whose label holds the key text, else the first with the same
-// name in front of its units (case ignored); for the potential temperature above all a derived one. 0 if
-// there is none.
-[[nodiscard]] int proposedVariable(const collection::RCollection& collection, std::string_view keyText);
+struct PROPOSAL {
+    int variable = 0; // 0: none
+    bool isSure = false;
+};
+// The variable that is likely meant (index 0 of the span is no variable; case and markup ignored): the first
+// with the key text as its label, else with its name in front of the units; for a potential temperature that
+// has no such label a derived one, if possible referred to 0. The first whose label only contains the text is
+// a proposal to be confirmed.
+[[nodiscard]] PROPOSAL proposedVariable(std::span<const collection::VARINFO> variables,
+                                        std::string_view keyText);
 
 struct KEYROLE {
     std::string keyText;
     int variable = 0;
 };
-// The roles that `.idv` records, in its order.
+// The roles that `.idv` records, in its order; one whose number is no variable of the collection has 0.
 [[nodiscard]] std::vector<KEYROLE> recordedRoles(const collection::RCollection& collection);
-// Asks again for each of them. Returns the number of changes.
-int resetKeyVariables(collection::RCollection& collection, RVariableSettler& settler);
+// Asks again for each of them. Returns the number of changes; what keeps one from being noted is told.
+int resetKeyVariables(collection::RCollection& collection, RVariableSettler& settler, common::RUser& user);
 
 // The derived variables of a collection, to be put back when its own variables have become others.
 struct DERIVEDSET {

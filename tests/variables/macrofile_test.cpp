@@ -107,6 +107,31 @@ TEST(MacroFile, AnUnreadableFormatIsTheUsualOneAndOthersStayInTheirLimits)
     EXPECT_EQ(formatOf("-1.-1"), "3.0");
 }
 
+TEST(MacroFile, AFileWithoutAFormatLeavesThatOfTheMacro)
+{
+    MACRO macro;
+    MACROFAULT fault;
+    macro.width = 12;
+    macro.decimals = 4;
+    ASSERT_TRUE(parseMacro("NVQ4.0\n" + marker + "     Sum [x]\n\n1 2 +\n", macro, fault));
+    EXPECT_EQ(macro.width, 12);
+    EXPECT_EQ(macro.decimals, 4);
+}
+
+TEST(MacroFile, BlanksInFrontOfAFormulaTakeNoRoomFromIt)
+{
+    const MACRO macro = parsed(head + "\n" + std::string(495, ' ') + "1 2\n+ 3 *\n");
+    int leftOut = -1;
+    EXPECT_EQ(joinedFormula(macro.expression, &leftOut), "1 2 + 3 * ");
+    EXPECT_EQ(leftOut, 0);
+}
+
+TEST(MacroFile, AFaultIsToldWithItsPlace)
+{
+    EXPECT_EQ(faultText("a.mac", {3, "what"}), "a.mac:3: what");
+    EXPECT_EQ(faultText("a.mac", {0, "the file can't be read"}), "a.mac: the file can't be read");
+}
+
 TEST(MacroFile, InputsEndAtTheFirstLineWithoutANumberSign)
 {
     EXPECT_EQ(parsed(head + "#1   a\n\n#1 3 +\n#1 *\n").expression, "#1 3 +\n#1 *");
@@ -156,7 +181,7 @@ TEST(MacroFile, WhatIsTooLongIsCut)
     EXPECT_EQ(macro.comment, std::string(1000, 'c'));
     EXPECT_EQ(macro.label, std::string(60, 'l'));
     EXPECT_EQ(macro.inputs[0], std::string(60, 'i'));
-    EXPECT_EQ(macro.expression, std::string(300, '1')); // whole lines only
+    EXPECT_EQ(macro.expression, std::string(300, '1') + "\n" + std::string(200, '2') + "\n3 4"); // all lines
 }
 
 TEST(MacroFile, TheFormulaIsJoinedFromItsLines)

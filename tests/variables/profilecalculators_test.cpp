@@ -3,6 +3,7 @@
 
 #include "memorycast.h"
 #include "variables/registry.h"
+#include "variables/seawater/profile.h"
 #include "variables/seawater/stability.h"
 
 namespace variables {
@@ -539,7 +540,10 @@ TEST(BruntVaisala, LevelsAtOneDepthGiveNoFrequency)
     cast.store({{0, 100, 100, 200, 300}, {14, 11, 5, 8, 5}, {35, 35, 35, 35, 35}});
     const auto values = cast.derived(idBruntVaisala, {1, 2, 3});
     ASSERT_TRUE(values.has_value());
-    for (const float value : *values) EXPECT_TRUE(std::isfinite(value));
+    for (const float value : *values) {
+        EXPECT_NE(value, missing);
+        EXPECT_LT(std::abs(value), 20);
+    }
 }
 
 TEST(VerticalDerivative, OfALineIsItsSlopeAKilometre)
@@ -572,7 +576,26 @@ TEST(VerticalDerivative, ALevelWithoutADepthIsMissingAndLeavesTheOthersAlone)
     EXPECT_EQ((*values)[2], missing);
     EXPECT_FLOAT_EQ((*values)[1], (*expected)[1]);
     EXPECT_FLOAT_EQ((*values)[3], (*expected)[2]);
-    EXPECT_EQ(holed.count(3), 5);
+    EXPECT_EQ(holed.count(3), 6); // whole profiles count all of their levels
+}
+
+TEST(VerticalQuantities, OfWholeProfilesCountAllLevelsAndOthersTheirValues)
+{
+    WATERROW row = castTo(1000);
+    row.depth[7] = missing;
+    RMemoryCast cast;
+    cast.store({row.depth, row.temperature, row.salinity});
+    const int levels = cast.station.levels();
+    for (const int id : {idVerticalDerivative, idVerticalIntegral, idSecondDerivative}) {
+        const int number = cast.add(id, {1, 2});
+        cast.compute();
+        EXPECT_EQ(cast.count(number), levels) << id;
+    }
+    for (const int id : {idDynamicHeight, idBruntVaisala}) {
+        const int number = cast.add(id, {1, 2, 3});
+        cast.compute();
+        EXPECT_EQ(cast.count(number), levels - 1) << id;
+    }
 }
 
 TEST(VerticalIntegral, OfAConstantIsDepthInKilometresTimesIt)
@@ -587,6 +610,50 @@ TEST(VerticalIntegral, OfAConstantIsDepthInKilometresTimesIt)
     EXPECT_NEAR(from400->front(), -0.8, 1e-4);
     EXPECT_NEAR(from400->back(), 1.2, 1e-4);
     EXPECT_NEAR(fromBelow->back(), 0, 1e-4);
+}
+
+// The running integral at each level, from the surface on, summed over so many points of the grid.
+FLOATS integralOver(const FLOATS& depth, const FLOATS& values, std::size_t points)
+{
+    std::array<float, seawater::stretchedPoints> grid{}, onGrid{};
+    seawater::stretchedGrid(grid, depth.front(), depth.back(), seawater::stretchFactor);
+    seawater::interpolateProfile(depth, values, missing, grid, onGrid, nullptr);
+    FLOATS sums(1, 0.0f), result(depth.size());
+    double sum = 0;
+    for (std::size_t i = 1; i < points; ++i) {
+        sum += 0.0005 * (static_cast<double>(grid[i]) - grid[i - 1]) *
+               (static_cast<double>(onGrid[i]) + onGrid[i - 1]);
+        sums.push_back(static_cast<float>(sum));
+    }
+    seawater::interpolateProfile(std::span(grid).first(points), sums, missing, depth, result, nullptr);
+    return result;
+}
+
+TEST(VerticalIntegral, TheLastPointOfTheGridPlaysNoPart)
+{
+    FLOATS depth, values;
+    for (int k = 0; k <= 10; ++k) {
+        depth.push_back(100.0f * static_cast<float>(k));
+        values.push_back(k < 10 ? 0.0f : 1000.0f);
+    }
+    RMemoryCast cast;
+    cast.store({depth, values});
+    const auto integral = cast.derived(idVerticalIntegral, {1, 2});
+    ASSERT_TRUE(integral.has_value());
+    const float without = integralOver(depth, values, 61).back(),
+                with = integralOver(depth, values, 62).back();
+    ASSERT_GT(std::abs(with - without), 0.1) << "the cast tells the two apart";
+    EXPECT_NEAR(integral->back(), without, 0.01);
+}
+
+TEST(VerticalIntegral, AReferenceAboveTheFirstPointFollowsTheLineThere)
+{
+    RMemoryCast cast;
+    cast.store({{50, 200, 400, 600, 800, 1000}, {2, 2, 2, 2, 2, 2}});
+    const auto values = cast.derived(idVerticalIntegral, {1, 2}, 0);
+    ASSERT_TRUE(values.has_value());
+    EXPECT_NEAR(values->front(), 0.1, 1e-3);
+    EXPECT_NEAR(values->back(), 2, 1e-3);
 }
 
 TEST(VerticalQuantities, AreAbsentWithoutTheirSources)

@@ -260,6 +260,18 @@ TEST_F(Setup, AMissingHistoryIsNamed)
     EXPECT_TRUE(settler.titles.empty());
 }
 
+TEST_F(Setup, AHistoryWithoutNumbersIsNotCalledMissing)
+{
+    surroundings.histories[seawater::gasCfc12].n = 0;
+    installation.atmhist = folder + "/";
+    write(folder + "/atmcfc12.his", "");
+    EXPECT_EQ(add("CFC-12 Saturation"), 0);
+    EXPECT_EQ(user.messages,
+              std::vector<std::string>{
+                  "CFC-12 Saturation: ERROR. File:\n" + folder +
+                  "/atmcfc12.his\nholds no history: lines \"year north south\" behind a heading."});
+}
+
 TEST_F(Setup, AMissingAtlasIsNamed)
 {
     surroundings.atlas = nullptr;
@@ -451,6 +463,27 @@ TEST_F(Setup, AFaultyExpressionIsRefused)
     EXPECT_EQ(user.messages[2], "Information missing ...: You must enter an Expression!");
 }
 
+TEST_F(Setup, AnExpressionWithAFormatBeyondTheLimitsIsRefused)
+{
+    for (const auto& [width, decimals] : {std::pair(200, 90), std::pair(8, 5), std::pair(2, 0)}) {
+        settler.expression = EXPRESSIONDEFINITION{"E [x]", width, decimals, "#1", {1}};
+        EXPECT_EQ(add("Expression"), 0);
+    }
+    ASSERT_EQ(user.messages.size(), 3u);
+    EXPECT_EQ(user.messages[0],
+              "Faulty expression ...: The format 200.90 isn't possible: 0 to 4 decimals, and a "
+              "width that is larger by 3 to 15.");
+}
+
+TEST_F(Setup, AnExpressionOf500CharactersIsTakenAnd501AreRefused)
+{
+    const std::string longest = "#1" + std::string(498, ' ');
+    EXPECT_EQ(expression(longest.c_str(), {3}), 11);
+    EXPECT_EQ(expression((longest + " ").c_str(), {3}), 0);
+    EXPECT_EQ(user.messages,
+              std::vector<std::string>{"Faulty expression ...: The formula is longer than 500 characters."});
+}
+
 TEST_F(Setup, DeletingTakesDependentsToAnyDepthAndClosesUp)
 {
     settler.variables = {1, 11};
@@ -512,10 +545,37 @@ TEST_F(Setup, ResettingAsksForEachRecordedRole)
 {
     recordKeys();
     settler.variables = {1, std::nullopt, 4};
-    EXPECT_EQ(resetKeyVariables(collection, settler), 1);
+    EXPECT_EQ(resetKeyVariables(collection, settler, user), 1);
     EXPECT_EQ(settler.titles[0], "Resetting Variable IDs ... - Identify Depth [m]");
     EXPECT_EQ(settler.proposals, (std::vector<int>{1, 2, 3}));
     EXPECT_EQ(idFile(), "Depth [m]=1\nTemperature [C]=2\nSalinity [psu]=4\n");
+}
+
+TEST_F(Setup, ResettingAsksForNumbersThatAreNoVariablesToo)
+{
+    write(collection.path + ".idv", "Depth [m]=77\nno key\n=3\nSalinity [psu]=3\n");
+    settler.variables = {1, 3};
+    EXPECT_EQ(resetKeyVariables(collection, settler, user), 1);
+    EXPECT_EQ(settler.proposals, (std::vector<int>{0, 3}));
+    EXPECT_EQ(recordedVariable(collection, "Depth [m]"), 1);
+}
+
+TEST_F(Setup, ResettingTellsWhatCantBeNoted)
+{
+    ASSERT_EQ(add("Latitude"), 11);
+    recordKeys();
+    settler.variables = {11};
+    const std::string before = idFile();
+    EXPECT_EQ(resetKeyVariables(collection, settler, user), 0);
+    EXPECT_EQ(user.messages,
+              std::vector<std::string>{
+                  "Resetting Variable IDs ...: Depth [m]: only a stored variable can play a role."});
+    settler.titles.clear();
+    collection.writable = false;
+    EXPECT_EQ(resetKeyVariables(collection, settler, user), 0);
+    EXPECT_EQ(user.messages.size(), 2u);
+    EXPECT_TRUE(settler.titles.empty()) << "nothing is asked that can't be noted";
+    EXPECT_EQ(idFile(), before);
 }
 
 TEST_F(Setup, AnIdentificationOnItsOwnIsNotedAtOnce)
@@ -585,6 +645,53 @@ TEST_F(Setup, ADerivedPotentialTemperatureIsTheLikelyOne)
     EXPECT_EQ(sources(12), (std::vector<int>{1, 11, 3}));
 }
 
+TEST_F(Setup, AnEqualNameIsLikelierThanALabelThatContainsTheKey)
+{
+    for (int v = 1; v <= 3; ++v) {
+        const char* const labels[] = {"", "Bottom Depth [m]", "Pot. Temperature [C]",
+                                      "Bottle Salinity [psu]"};
+        collection::setLabel(collection.variables.at(static_cast<std::size_t>(v)), labels[v]);
+    }
+    for (const char* const label : {"depth [m]", "Temperature [degC]", "Salinity [psu]"}) addOwn(label);
+    RParameterSettler parameters({}, user);
+    ASSERT_EQ(addBy(parameters, "Sound Speed"), 14) << parameters.fault();
+    EXPECT_EQ(sources(14), (std::vector<int>{11, 12, 13}));
+}
+
+TEST_F(Setup, ALabelThatOnlyContainsTheKeyIsMarkedButNeverTaken)
+{
+    collection::setLabel(collection.variables.at(2), "Pot. Temperature [C]");
+    settler.variables = {1, 2, 3};
+    ASSERT_EQ(add("Sound Speed"), 11);
+    EXPECT_EQ(settler.proposals, (std::vector<int>{1, 2, 3}));
+    std::filesystem::remove(collection.path + ".idv");
+    RParameterSettler parameters({}, user);
+    EXPECT_EQ(addBy(parameters, "Sound Speed"), 0);
+    EXPECT_EQ(parameters.fault(), "Temperature [C] isn't identified: set_key tells which stored variable it "
+                                  "is, or parameters tell all roles.");
+    EXPECT_EQ(idFile(), "");
+}
+
+TEST_F(Setup, APotentialTemperatureIsLikelyOneReferredToTheSurface)
+{
+    const auto proposed = [&](std::string_view key) {
+        const PROPOSAL proposal =
+            proposedVariable(std::span(collection.variables)
+                                 .first(static_cast<std::size_t>(collection.totalVariableCount) + 1),
+                             key);
+        return std::pair(proposal.variable, proposal.isSure);
+    };
+    constexpr std::string_view key = "Potential Temperature [C]";
+    EXPECT_EQ(proposed(key), std::pair(0, false));
+    RParameterSettler deep({"1000"}, user), surface({"0"}, user);
+    ASSERT_EQ(addBy(deep, "Potential Temperature"), 11);
+    EXPECT_EQ(proposed(key), std::pair(11, false)); // another quantity
+    EXPECT_EQ(proposed(potentialTemperatureKey), std::pair(11, true));
+    ASSERT_EQ(addBy(surface, "Potential Temperature"), 12);
+    EXPECT_EQ(proposed(key), std::pair(12, true));
+    EXPECT_EQ(proposed(potentialTemperatureKey), std::pair(12, true));
+}
+
 TEST_F(Setup, ANumberWithoutAParameterTakesItsPreset)
 {
     RParameterSettler parameters({}, user);
@@ -644,8 +751,10 @@ TEST_F(Setup, AMacroThatIsTooLongIsLoadedUpToALineThatIsTold)
     RParameterSettler parameters({"3", "4"}, user);
     parameters.giveMacroFile(path);
     ASSERT_EQ(addBy(parameters, "Macro File"), 11) << parameters.fault();
-    EXPECT_EQ(user.notes, std::vector<std::string>{
-                              path + ": the formula is too long; its line 42 and what follows is left out"});
+    const std::string told =
+        "Loading Macro: " + path + ": the formula is too long; its line 42 and what follows";
+    ASSERT_FALSE(user.messages.empty());
+    EXPECT_EQ(user.messages[0], told + " is left out");
 }
 
 TEST_F(Setup, AnInputWithoutATextIsAskedForAndNotRecorded)
@@ -665,6 +774,27 @@ TEST_F(Setup, AnInputWithoutATextIsAskedForAndNotRecorded)
     EXPECT_EQ(idFile(), "");
 }
 
+TEST_F(Setup, ParametersOfAMacroAreItsInputsWhateverIsRecorded)
+{
+    const std::string path = folder + "/sum.mac";
+    write(path, macroText);
+    const auto load = [&](std::vector<std::string> inputs) {
+        RParameterSettler parameters(std::move(inputs), user);
+        parameters.giveMacroFile(path);
+        const int number = addBy(parameters, "Macro File");
+        return number > 0 ? std::to_string(number) : parameters.fault();
+    };
+    EXPECT_EQ(load({"4", "10"}), "11");
+    EXPECT_EQ(load({"4", "10"}), "12");
+    EXPECT_EQ(sources(12), (std::vector<int>{4, 10}));
+    EXPECT_EQ(load({"3", "4"}), "13");
+    EXPECT_EQ(sources(13), (std::vector<int>{3, 4}));
+    write(collection.path + ".idv", "Oxygen [umol/kg]=10\n");
+    EXPECT_EQ(load({"4"}), "The macro has 2 inputs: parameters tell all of them or none, not 1.");
+    EXPECT_EQ(load({}), "14");
+    EXPECT_EQ(sources(14), (std::vector<int>{3, 10}));
+}
+
 TEST_F(Setup, AMacroBindsItsInputsAndKeepsItsFormat)
 {
     settler.macroFile = folder + "/sum.mac";
@@ -682,6 +812,16 @@ TEST_F(Setup, AMacroBindsItsInputsAndKeepsItsFormat)
     EXPECT_EQ(user.busy, 0);
 }
 
+TEST_F(Setup, AMacroWithoutAFormatTakesThatOfTheLastOne)
+{
+    settler.macroFile = folder + "/plain.mac";
+    write(settler.macroFile, "NVQ4.0 Macro\n>|--->\n     Plain [x]\n\n1 2 +\n");
+    macroFormat = {12, 4};
+    ASSERT_EQ(add("Macro File"), 11);
+    EXPECT_EQ(variable(11).width, 12);
+    EXPECT_EQ(variable(11).decimals, 4);
+}
+
 TEST_F(Setup, ACancelledInputEndsTheLoadingOfAMacro)
 {
     settler.macroFile = folder + "/sum.mac";
@@ -692,15 +832,15 @@ TEST_F(Setup, ACancelledInputEndsTheLoadingOfAMacro)
     EXPECT_EQ(idFile(), "");
 }
 
-TEST_F(Setup, AFaultyFormulaOfAMacroLoadsWithANote)
+TEST_F(Setup, AFaultyFormulaOfAMacroLoadsWithAMessage)
 {
     settler.macroFile = folder + "/sum.mac";
     write(settler.macroFile, common::replaceAll(macroText, "#1 #2 +", "#1 plus"));
     settler.variables = {3, 4};
     EXPECT_EQ(add("Macro File"), 11);
-    ASSERT_EQ(user.notes.size(), 1u);
-    EXPECT_NE(user.notes[0].find("sum.mac"), std::string::npos);
-    EXPECT_NE(user.notes[0].find("plus"), std::string::npos);
+    ASSERT_EQ(user.messages.size(), 1u);
+    EXPECT_NE(user.messages[0].find("sum.mac"), std::string::npos);
+    EXPECT_NE(user.messages[0].find("plus"), std::string::npos);
 }
 
 TEST_F(Setup, WhatIsNoMacroIsRefused)
@@ -709,7 +849,11 @@ TEST_F(Setup, WhatIsNoMacroIsRefused)
     write(settler.macroFile, "Hello\n");
     EXPECT_EQ(add("Macro File"), 0);
     ASSERT_EQ(user.messages.size(), 1u);
-    EXPECT_EQ(user.messages[0].find("Loading Macro: Not a valid NVQ macro!"), 0u);
+    EXPECT_EQ(user.messages[0], "Loading Macro: Not a valid NVQ macro!\n\n" + settler.macroFile +
+                                    ":1: the file doesn't begin with \"NVQ4.0\"");
+    settler.macroFile = folder + "/none.mac";
+    EXPECT_EQ(add("Macro File"), 0);
+    EXPECT_EQ(user.messages[1], "Loading Macro: " + settler.macroFile + ": the file can't be read");
 }
 
 } // namespace
