@@ -7,6 +7,7 @@
 #include <QPushButton>
 
 #include "collection/varinfo.h"
+#include "dialogs/variablerows.h"
 
 namespace dialogs {
 
@@ -23,7 +24,7 @@ public:
     identifyvarDlg(const QString& task, const QString& meaning,
                    std::span<const collection::VARINFO> variables, QWidget* parent = nullptr,
                    int preselected = 0);
-    [[nodiscard]] int variable() const { return variables_->currentRow() + 1; }
+    [[nodiscard]] int variable() const { return rows_.numberOf(variables_->currentRow()); }
 
 public Q_SLOTS:
     void processOK();
@@ -31,6 +32,7 @@ public Q_SLOTS:
 private:
     void showOK();
 
+    const RVariableRows rows_;
     QListWidget* variables_;
     QPushButton* ok_;
 };

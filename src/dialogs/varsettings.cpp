@@ -15,15 +15,6 @@ namespace {
 
 constexpr int linesShown = 16, largestWidth = 20, largestDecimals = 9, labelBytes = 60;
 
-QSpinBox* makeSpinBox(const char* name, int least, int most, QWidget* parent)
-{
-    auto* const box = new QSpinBox(parent);
-    box->setObjectName(QLatin1StringView(name));
-    box->setRange(least, most);
-    box->setKeyboardTracking(false);
-    return box;
-}
-
 } // namespace
 
 QString rangeText(const collection::VARINFO& variable)

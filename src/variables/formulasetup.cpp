@@ -63,11 +63,29 @@ std::string fileName(const std::string& path)
     return std::filesystem::path(path).filename().string();
 }
 
+// The busy state ends before anything is asked or told.
+bool readBusily(const std::string& path, MACRO& macro, MACROFAULT& fault, common::RUser& user)
+{
+    const common::RBusyGuard busy(user, "Loading Macro " + fileName(path) + " ...");
+    return readMacroFile(path, macro, fault);
+}
+
 // Says what is wrong with a file under the title of its loading.
 void tellFault(const std::string& path, const MACROFAULT& fault, common::RUser& user)
 {
     const std::string place = path + (fault.line > 0 ? common::format(", line %d", fault.line) : "");
     user.about("Loading Macro", "Not a valid NVQ macro!\n\n" + place + ": " + fault.text);
+}
+
+// Says what a macro that is loaded all the same suffers from.
+void tellWeakness(const std::string& path, int lineLeftOut, const std::string& fault, common::RUser& user)
+{
+    std::string text;
+    if (lineLeftOut > 0)
+        text =
+            common::format("the formula is too long; its line %d and what follows is left out", lineLeftOut);
+    if (!fault.empty()) text += (text.empty() ? "" : "\n") + fault;
+    if (!text.empty()) user.about("Loading Macro", path + ": " + text);
 }
 
 // The question for input n (from 0). One without a text plays no role that could be recorded.
@@ -123,11 +141,10 @@ int addExpression(RCollection& collection, const SETUPTOOLS& tools)
 
 int loadMacroVariable(RCollection& collection, const std::string& path, const SETUPTOOLS& tools)
 {
-    const common::RBusyGuard busy(tools.user, "Loading Macro " + fileName(path) + " ...");
     MACRO macro;
     macro.width = tools.macroFormat.width;
     macro.decimals = tools.macroFormat.decimals;
-    if (MACROFAULT fault; !readMacroFile(path, macro, fault)) {
+    if (MACROFAULT fault; !readBusily(path, macro, fault, tools.user)) {
         tellFault(path, fault, tools.user);
         return 0;
     }
@@ -143,13 +160,9 @@ int loadMacroVariable(RCollection& collection, const std::string& path, const SE
         return 0;
     int lineLeftOut = 0;
     const std::string formula = joinedFormula(macro.expression, &lineLeftOut);
-    if (lineLeftOut > 0)
-        tools.user.note(path +
-                        common::format(": the formula is too long; its line %d and what follows is left out",
-                                       lineLeftOut));
-    if (const std::string fault = formulaFault(formula, variable.nSources); !fault.empty())
-        tools.user.note(path + ": " + fault);
-    return joinFormula(collection, variable, formula, roles, tools.user);
+    const int number = joinFormula(collection, variable, formula, roles, tools.user);
+    tellWeakness(path, lineLeftOut, formulaFault(formula, variable.nSources), tools.user);
+    return number;
 }
 
 } // namespace variables

@@ -265,6 +265,7 @@ TEST_F(DerivedSession, SettingsOfVariablesAreTaken)
                                             session.collection.variables.begin() + 5);
     collection::setLabel(edited[4], "Theta [°C]");
     edited[4].decimals = 4;
+    session.collection.configChanged = false;
     session.takeVariableSettings(edited);
     EXPECT_EQ(number("Theta"), 4);
     EXPECT_EQ(session.collection.variables[4].decimals, 4);

@@ -70,6 +70,18 @@ TEST(IdentifyVariable, MarkupDoesNotHideAWord)
     EXPECT_EQ(dialogs::firstLike(variablesOf({"x"}), QStringLiteral("no3")), 0);
 }
 
+TEST(IdentifyVariable, LinesFollowThePositions)
+{
+    auto variables = variablesOf({"a", "Depth [m]", "c"});
+    variables[1].position = 3;
+    variables[3].position = 1;
+    dialogs::identifyvarDlg dialog(QStringLiteral("x"), QStringLiteral("Depth [m]"), variables, nullptr, 1);
+    EXPECT_THAT(linesOf(child<QListWidget>(dialog, "variables")), ElementsAre("c", "Depth [m]", "a"));
+    EXPECT_EQ(dialog.variable(), 1);
+    child<QListWidget>(dialog, "variables").setCurrentRow(0);
+    EXPECT_EQ(dialog.variable(), 3);
+}
+
 // --- selconversionDlg
 
 TEST(SelectConversion, GivesTheRowThatWasSelected)

@@ -644,8 +644,9 @@ TEST_F(Setup, AMacroThatIsTooLongIsLoadedUpToALineThatIsTold)
     RParameterSettler parameters({"3", "4"}, user);
     parameters.giveMacroFile(path);
     ASSERT_EQ(addBy(parameters, "Macro File"), 11) << parameters.fault();
-    EXPECT_EQ(user.notes, std::vector<std::string>{
-                              path + ": the formula is too long; its line 42 and what follows is left out"});
+    EXPECT_EQ(user.messages, std::vector<std::string>{
+                                 "Loading Macro: " + path +
+                                 ": the formula is too long; its line 42 and what follows is left out"});
 }
 
 TEST_F(Setup, AnInputWithoutATextIsAskedForAndNotRecorded)
@@ -692,15 +693,16 @@ TEST_F(Setup, ACancelledInputEndsTheLoadingOfAMacro)
     EXPECT_EQ(idFile(), "");
 }
 
-TEST_F(Setup, AFaultyFormulaOfAMacroLoadsWithANote)
+TEST_F(Setup, AFaultyFormulaOfAMacroLoadsWithAMessage)
 {
     settler.macroFile = folder + "/sum.mac";
     write(settler.macroFile, common::replaceAll(macroText, "#1 #2 +", "#1 plus"));
     settler.variables = {3, 4};
     EXPECT_EQ(add("Macro File"), 11);
-    ASSERT_EQ(user.notes.size(), 1u);
-    EXPECT_NE(user.notes[0].find("sum.mac"), std::string::npos);
-    EXPECT_NE(user.notes[0].find("plus"), std::string::npos);
+    ASSERT_EQ(user.messages.size(), 1u);
+    EXPECT_EQ(user.messages[0].find("Loading Macro: "), 0u);
+    EXPECT_NE(user.messages[0].find("sum.mac"), std::string::npos);
+    EXPECT_NE(user.messages[0].find("plus"), std::string::npos);
 }
 
 TEST_F(Setup, WhatIsNoMacroIsRefused)
