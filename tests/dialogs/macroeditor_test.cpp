@@ -244,6 +244,7 @@ TEST_F(MacroEditor, WhyATenthInputIsNotTakenIsTold)
 {
     open();
     auto& offered = child<QListWidget>(*dialog, "new");
+    offered.setFocus();
     for (int i = 0; i < 9; ++i) {
         offered.setCurrentRow(0);
         QTest::keyClick(&offered, Qt::Key_Return);
