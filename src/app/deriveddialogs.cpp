@@ -17,51 +17,76 @@ std::span<const collection::VARINFO> allVariables(const collection::RCollection&
     return std::span(open.variables).first(static_cast<std::size_t>(open.totalVariableCount) + 1);
 }
 
+// What a form over the open collection was made for. If that has been replaced under the form, what the form
+// says would meet variables of another one.
+class RFormSubject {
+public:
+    explicit RFormSubject(const collection::RCollection& open) : open_(open), path_(open.path) {}
+    [[nodiscard]] bool isOpen() const { return open_.isOpen && open_.path == path_; }
+
+private:
+    const collection::RCollection& open_;
+    const std::string path_;
+};
+
 } // namespace
 
-void RAppWindow::editDerivedVariables()
+bool RAppWindow::editDerivedVariables()
 {
-    if (!user_.interactive()) return;
+    if (!user_.interactive()) return false;
+    const RFormSubject subject(session_.collection);
     QWidget* over = this; // what questions are asked over
     dialogs::derivedvarsDlg dialog(session_.collection,
                                    {[&](int row) {
+                                        if (!subject.isOpen()) return 0;
                                         dialogs::RDialogVariableSettler settler(over);
                                         return session_.addDerivedVariable(row, settler);
                                     },
-                                    [&](int number) { session_.deleteDerivedVariable(number); }},
+                                    [&](int number) {
+                                        if (subject.isOpen()) session_.deleteDerivedVariable(number);
+                                    }},
                                    this);
     over = &dialog;
     dialog.exec();
+    return false;
 }
 
-void RAppWindow::editVariablesSettings()
+bool RAppWindow::editVariablesSettings()
 {
-    if (!user_.interactive()) return;
+    if (!user_.interactive()) return false;
+    const RFormSubject subject(session_.collection);
     dialogs::varsettingsDlg dialog(allVariables(session_.collection), this);
-    if (dialog.exec() == QDialog::Accepted) session_.takeVariableSettings(dialog.variables());
+    if (dialog.exec() == QDialog::Accepted && subject.isOpen())
+        session_.takeVariableSettings(dialog.variables());
+    return false;
 }
 
-void RAppWindow::resetKeyVariables()
+bool RAppWindow::resetKeyVariables()
 {
-    if (!user_.interactive()) return;
+    if (!user_.interactive()) return false;
     dialogs::RDialogVariableSettler settler(this);
     const int changes = variables::resetKeyVariables(session_.collection, settler, user_);
-    if (changes > 0) user_.status(common::format("%d of the key variables changed", changes));
+    if (changes == 0) return false;
+    user_.status(changes == 1 ? "1 key variable changed"
+                              : common::format("%d key variables changed", changes));
+    return true;
 }
 
-void RAppWindow::editGeneralSettings()
+bool RAppWindow::editGeneralSettings()
 {
-    if (!user_.interactive()) return;
+    if (!user_.interactive()) return false;
     dialogs::generalsettingsDlg dialog(session_.surroundings.coverage, this);
     if (dialog.exec() == QDialog::Accepted) session_.takeCoverage(dialog.coverage());
+    return false;
 }
 
-void RAppWindow::editMacro()
+bool RAppWindow::editMacro()
 {
-    if (!user_.interactive()) return;
+    if (!user_.interactive()) return false;
     const collection::RCollection& open = session_.collection;
     const auto offered = open.isOpen ? allVariables(open) : std::span<const collection::VARINFO>();
     dialogs::editMacros(QString::fromStdString(session_.installation.macros), offered, user_, this);
+    return false;
 }
 
 } // namespace app

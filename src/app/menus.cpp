@@ -114,7 +114,7 @@ constexpr MENU commandMenus[] = {{"&Collection", collectionEntries},
 // The commands that the window carries out by dialogs over the session.
 struct WINDOWCOMMAND {
     int id;
-    void (RAppWindow::*run)();
+    bool (RAppWindow::*run)();
 };
 
 QString fromUtf8(const std::string& text)
@@ -225,10 +225,14 @@ QAction* RAppWindow::action(int commandId) const
     return found == actions_.end() ? nullptr : found->second;
 }
 
+bool RAppWindow::isBusy() const
+{
+    return dispatching_ || session_.state == stateBusy;
+}
+
 void RAppWindow::processMenuItem(int commandId)
 {
-    const bool busy = dispatching_ || session_.state == stateBusy; // also for commands without a rule
-    if (busy || !session_.isAllowed(commandId, 0)) return;
+    if (isBusy() || !session_.isAllowed(commandId, 0)) return; // busy also for commands without a rule
     dispatching_ = true;
     const bool toldResult = dispatch(commandId);
     dispatching_ = false;
@@ -254,7 +258,7 @@ bool RAppWindow::dispatch(int commandId)
                                                 {cmdGeneralSettings, &RAppWindow::editGeneralSettings},
                                                 {cmdMacroEditor, &RAppWindow::editMacro}};
     for (const WINDOWCOMMAND& command : windowCommands) {
-        if (command.id == commandId) (this->*command.run)();
+        if (command.id == commandId) return (this->*command.run)();
     }
     if (commandId == cmdOpen) openByDialog();
     if (commandId == cmdClose) session_.close(false);

@@ -459,9 +459,11 @@ void RAppWindow::dragEnterEvent(QDragEnterEvent* event)
 void RAppWindow::dropEvent(QDropEvent* event)
 {
     const std::string path = droppedPath(event->mimeData()->text());
-    if (path.empty() || !session_.isAllowed(cmdOpen, 0)) return;
+    if (path.empty() || isBusy() || !session_.isAllowed(cmdOpen, 0)) return; // also over a form
     event->acceptProposedAction();
+    dispatching_ = true;
     openFile(path);
+    dispatching_ = false;
 }
 
 bool RAppWindow::openFile(const std::string& path)

@@ -104,11 +104,13 @@ private:
     void showMenuHelp(int commandId);
     void fillRecentFiles();
     [[nodiscard]] bool dispatch(int commandId);
-    void editDerivedVariables(); // deriveddialogs.cpp
-    void editVariablesSettings();
-    void resetKeyVariables();
-    void editGeneralSettings();
-    void editMacro();
+    [[nodiscard]] bool isBusy() const; // a command runs, or a long operation: no other one may begin
+    // deriveddialogs.cpp; true if the status line tells what was done.
+    [[nodiscard]] bool editDerivedVariables();
+    [[nodiscard]] bool editVariablesSettings();
+    [[nodiscard]] bool resetKeyVariables();
+    [[nodiscard]] bool editGeneralSettings();
+    [[nodiscard]] bool editMacro();
     void openByDialog();
     void executeByDialog();
     void saveScreen();

@@ -39,11 +39,17 @@ bool RWindowUser::interactive() const
     return parts_.onScreen && parts_.session && parts_.session->runMode == interactiveRun;
 }
 
+// A box over the window alone could come up behind the form that is open.
+QWidget* RWindowUser::over() const
+{
+    QWidget* const form = QApplication::activeModalWidget();
+    return form ? form : parts_.window;
+}
+
 void RWindowUser::about(std::string_view title, std::string_view text)
 {
     if (!interactive()) return headless_.about(title, text);
-    QMessageBox box(QMessageBox::NoIcon, fromUtf8(title), fromUtf8(text), QMessageBox::NoButton,
-                    parts_.window);
+    QMessageBox box(QMessageBox::NoIcon, fromUtf8(title), fromUtf8(text), QMessageBox::NoButton, over());
     box.setTextFormat(Qt::PlainText); // texts quote files
     box.addButton(QStringLiteral("&OK"), QMessageBox::AcceptRole);
     box.exec();
@@ -52,15 +58,14 @@ void RWindowUser::about(std::string_view title, std::string_view text)
 common::Answer RWindowUser::question(std::string_view title, std::string_view text, common::Answer proposed)
 {
     if (!interactive()) return headless_.question(title, text, proposed);
-    return ask(parts_.window, title, text, proposed);
+    return ask(over(), title, text, proposed);
 }
 
 int RWindowUser::choose(std::string_view title, std::string_view text,
                         std::span<const std::string_view> buttons, int proposed, int escape)
 {
     if (!interactive()) return headless_.choose(title, text, buttons, proposed, escape);
-    QMessageBox box(QMessageBox::Question, fromUtf8(title), fromUtf8(text), QMessageBox::NoButton,
-                    parts_.window);
+    QMessageBox box(QMessageBox::Question, fromUtf8(title), fromUtf8(text), QMessageBox::NoButton, over());
     box.setTextFormat(Qt::PlainText); // texts quote files
     std::vector<QAbstractButton*> made;
     for (std::size_t i = 0; i < buttons.size(); ++i) {
@@ -78,8 +83,7 @@ int RWindowUser::choose(std::string_view title, std::string_view text,
 bool RWindowUser::report(std::string_view title, std::string_view text)
 {
     if (!interactive()) return headless_.report(title, text);
-    QMessageBox box(QMessageBox::Information, fromUtf8(title), fromUtf8(text), QMessageBox::NoButton,
-                    parts_.window);
+    QMessageBox box(QMessageBox::Information, fromUtf8(title), fromUtf8(text), QMessageBox::NoButton, over());
     box.setTextFormat(Qt::PlainText); // texts quote files
     QPushButton* const good = box.addButton(QStringLiteral("&OK"), QMessageBox::AcceptRole);
     box.addButton(QStringLiteral("&Undo"), QMessageBox::DestructiveRole);
@@ -151,7 +155,7 @@ bool RWindowUser::askAbort(std::string_view question, std::string_view title)
         headless_.about(title, question); // ESC was pressed over a command file: it is taken for a yes
         return true;
     }
-    abort_ = ask(parts_.window, title, question, common::Answer::yes) == common::Answer::yes;
+    abort_ = ask(over(), title, question, common::Answer::yes) == common::Answer::yes;
     return abort_;
 }
 

@@ -45,6 +45,7 @@ public:
     [[nodiscard]] bool interactive() const override;
 
 private:
+    [[nodiscard]] QWidget* over() const; // what boxes stand over
     void showBar();
 
     PARTS parts_;

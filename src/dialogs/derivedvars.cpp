@@ -1,6 +1,7 @@
 #include "dialogs/derivedvars.h"
 
-#include <QShortcut>
+#include <algorithm>
+
 #include <QVBoxLayout>
 
 #include "dialogs/boxes.h"
@@ -19,6 +20,12 @@ QString nameOf(const collection::RCollection& collection, int number)
     return plainOf(collection.variables[static_cast<std::size_t>(number)]);
 }
 
+RVariableRows derivedRowsOf(const collection::RCollection& collection)
+{
+    const auto count = static_cast<std::size_t>(collection.totalVariableCount) + 1;
+    return RVariableRows(std::span(collection.variables).first(count), collection.variableCount + 1);
+}
+
 } // namespace
 
 QString deletionQuestion(const collection::RCollection& collection, int number)
@@ -34,9 +41,10 @@ QString deletionQuestion(const collection::RCollection& collection, int number)
 derivedvarsDlg::derivedvarsDlg(const collection::RCollection& collection, DERIVEDACTIONS actions,
                                QWidget* parent)
     : QDialog(parent), collection_(collection), actions_(std::move(actions)),
-      choices_(makeLineList("choices", 34, this)), defined_(makeLineList("defined", 34, this)),
-      add_(makePushButton("add", "&Add", this)), delete_(makePushButton("delete", "&Delete", this)),
-      help_(makePushButton("help", "&Help", this)), close_(makePushButton("close", "&Close", this))
+      rows_(derivedRowsOf(collection)), choices_(makeLineList("choices", 34, this)),
+      defined_(makeLineList("defined", 34, this)), add_(makePushButton("add", "&Add", this)),
+      delete_(makePushButton("delete", "&Delete", this)), help_(makePushButton("help", "&Help", this)),
+      close_(makePushButton("close", "&Close", this))
 {
     setObjectName(QStringLiteral("derivedvars"));
     setWindowTitle(QStringLiteral("Derived Variables"));
@@ -49,14 +57,15 @@ derivedvarsDlg::derivedvarsDlg(const collection::RCollection& collection, DERIVE
     column->addLayout(makeLists());
     column->addLayout(makeButtons());
     connectParts();
+    setTabChain({choices_, defined_, add_, delete_, help_, close_});
     choices_->setFocus();
-    showDefined(0);
+    showDefined();
 }
 
 QLayout* derivedvarsDlg::makeLists()
 {
     auto* const lists = new QHBoxLayout;
-    for (const auto& [caption, list] : {std::pair(QStringLiteral("&Choices:"), choices_),
+    for (const auto& [caption, list] : {std::pair(QStringLiteral("Ch&oices:"), choices_),
                                         std::pair(QStringLiteral("Already De&fined:"), defined_)}) {
         auto* const column = new QVBoxLayout;
         column->addWidget(makeCaption(caption, list));
@@ -81,29 +90,32 @@ void derivedvarsDlg::connectParts()
 {
     connect(choices_, &QListWidget::itemSelectionChanged, this, &derivedvarsDlg::showButtons);
     connect(defined_, &QListWidget::itemSelectionChanged, this, &derivedvarsDlg::showButtons);
-    connect(choices_, &QListWidget::itemDoubleClicked, this, &derivedvarsDlg::processAdd);
+    whenActivated(*choices_, [this] { processAdd(); });
+    whenDeleted(*defined_, [this] { processDelete(); });
     connect(add_, &QPushButton::clicked, this, &derivedvarsDlg::processAdd);
     connect(delete_, &QPushButton::clicked, this, &derivedvarsDlg::processDelete);
     connect(help_, &QPushButton::clicked, this, &derivedvarsDlg::processHelp);
     connect(close_, &QPushButton::clicked, this, &derivedvarsDlg::accept);
-    auto* const shortcut = new QShortcut(QKeySequence(Qt::Key_Delete), defined_);
-    shortcut->setContext(Qt::WidgetShortcut);
-    connect(shortcut, &QShortcut::activated, this, &derivedvarsDlg::processDelete);
 }
 
 void derivedvarsDlg::processAdd()
 {
     const int row = selectedRow(*choices_);
     if (row < 0) return;
-    if (const int number = actions_.add(row)) showDefined(number);
+    const int number = actions_.add(row);
+    if (number == 0) return;
+    showDefined();
+    selectDefined(rows_.rowOf(number));
 }
 
 void derivedvarsDlg::processDelete()
 {
     const int number = selectedNumber();
     if (number == 0 || !confirm(this, windowTitle(), deletionQuestion(collection_, number))) return;
+    const int row = selectedRow(*defined_);
     actions_.remove(number);
-    showDefined(0);
+    showDefined();
+    selectDefined(std::min(row, rows_.count() - 1));
 }
 
 void derivedvarsDlg::processHelp()
@@ -111,13 +123,16 @@ void derivedvarsDlg::processHelp()
     showHelp(this, derivedHelp);
 }
 
-void derivedvarsDlg::showDefined(int number)
+void derivedvarsDlg::showDefined()
 {
-    QStringList lines;
-    for (int v = collection_.variableCount + 1; v <= collection_.totalVariableCount; ++v)
-        lines += nameOf(collection_, v);
-    showLines(*defined_, lines);
-    selectRow(*defined_, number - collection_.variableCount - 1);
+    rows_ = derivedRowsOf(collection_);
+    showLines(*defined_, rows_.lines());
+    selectDefined(-1);
+}
+
+void derivedvarsDlg::selectDefined(int row)
+{
+    selectRow(*defined_, row);
     showButtons();
 }
 
@@ -129,8 +144,7 @@ void derivedvarsDlg::showButtons()
 
 int derivedvarsDlg::selectedNumber() const
 {
-    const int row = selectedRow(*defined_);
-    return row < 0 ? 0 : collection_.variableCount + 1 + row;
+    return rows_.numberOf(selectedRow(*defined_));
 }
 
 } // namespace dialogs

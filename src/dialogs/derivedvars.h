@@ -7,6 +7,7 @@
 #include <QPushButton>
 
 #include "collection/rcollection.h"
+#include "dialogs/variablerows.h"
 
 namespace dialogs {
 
@@ -33,12 +34,14 @@ private:
     [[nodiscard]] QLayout* makeLists();
     [[nodiscard]] QLayout* makeButtons();
     void connectParts();
-    void showDefined(int number); // and selects that one
+    void showDefined(); // the list, without a selection
+    void selectDefined(int row);
     void showButtons();
     [[nodiscard]] int selectedNumber() const; // of a derived variable, 0 if none is selected
 
     const collection::RCollection& collection_;
     DERIVEDACTIONS actions_;
+    RVariableRows rows_; // of the derived variables
     QListWidget *choices_, *defined_;
     QPushButton *add_, *delete_, *help_, *close_;
 };

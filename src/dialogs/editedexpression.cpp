@@ -12,7 +12,6 @@
 namespace dialogs {
 namespace {
 
-constexpr std::size_t labelBytes = 60;
 constexpr std::size_t mostInputs = variables::maxMacroInputs;
 
 } // namespace
@@ -26,19 +25,12 @@ void takeFormat(const QString& widthText, const QString& decimalsText, int& widt
 
 REditedExpression::REditedExpression(variables::EXPRESSIONDEFINITION definition,
                                      std::span<const collection::VARINFO> variables)
-    : definition_(std::move(definition)), variables_(variables)
+    : definition_(std::move(definition)), variables_(variables), rows_(variables)
 {
     std::erase_if(definition_.inputs, [&](int number) {
         return number < 1 || static_cast<std::size_t>(number) >= variables_.size();
     });
     if (definition_.inputs.size() > mostInputs) definition_.inputs.resize(mostInputs);
-}
-
-QStringList REditedExpression::definedLines() const
-{
-    QStringList lines;
-    for (std::size_t v = 1; v < variables_.size(); ++v) lines += plainOf(variables_[v]);
-    return lines;
 }
 
 QStringList REditedExpression::chosenLines() const
@@ -53,10 +45,9 @@ QStringList REditedExpression::chosenLines() const
 
 bool REditedExpression::addInput(int definedRow)
 {
-    const auto number = static_cast<std::size_t>(definedRow + 1);
-    if (definedRow < 0 || number >= variables_.size() || definition_.inputs.size() >= mostInputs)
-        return false;
-    definition_.inputs.push_back(definedRow + 1);
+    const int number = rows_.numberOf(definedRow);
+    if (number == 0 || definition_.inputs.size() >= mostInputs) return false;
+    definition_.inputs.push_back(number);
     return true;
 }
 
@@ -69,7 +60,7 @@ bool REditedExpression::removeInput(int chosenRow)
 
 void REditedExpression::setLabel(const QString& text)
 {
-    definition_.label = common::encodeLabel(text.simplified(), labelBytes);
+    definition_.label = labelFrom(text);
 }
 
 void REditedExpression::setFormat(const QString& widthText, const QString& decimalsText)

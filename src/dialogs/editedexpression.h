@@ -8,14 +8,10 @@
 #include <QStringList>
 
 #include "collection/varinfo.h"
+#include "dialogs/variablerows.h"
 #include "variables/setup.h"
 
 namespace dialogs {
-
-// What the user can write in a formula.
-inline constexpr const char* operatorHelp = "Operators: + - * / ** sqrt ln exp sin cos min max";
-inline constexpr const char* operandHelp =
-    "Operands: #1,...; %t Time; %d Day-of-Year; %x Longitude; %y Latitude";
 
 // A message and its title; no text if there is nothing to say.
 struct COMPLAINT {
@@ -33,8 +29,8 @@ public:
                       std::span<const collection::VARINFO> variables);
 
     [[nodiscard]] const variables::EXPRESSIONDEFINITION& definition() const { return definition_; }
-    [[nodiscard]] QStringList definedLines() const; // all variables
-    [[nodiscard]] QStringList chosenLines() const;  // the inputs, each behind its number
+    [[nodiscard]] QStringList definedLines() const { return rows_.lines(); } // all variables
+    [[nodiscard]] QStringList chosenLines() const; // the inputs, each behind its number
 
     // Appends the variable in this line of definedLines(); false if there is none, or no room.
     [[nodiscard]] bool addInput(int definedRow);
@@ -49,6 +45,7 @@ public:
 private:
     variables::EXPRESSIONDEFINITION definition_;
     std::span<const collection::VARINFO> variables_;
+    RVariableRows rows_;
 };
 
 } // namespace dialogs

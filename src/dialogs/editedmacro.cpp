@@ -7,12 +7,11 @@
 #include "common/text.h"
 #include "common/textcoding.h"
 #include "dialogs/editedexpression.h"
+#include "dialogs/editedvariables.h"
 #include "variables/formula.h"
 
 namespace dialogs {
 namespace {
-
-constexpr std::size_t labelBytes = 60;
 
 std::string linesOf(QString text)
 {
@@ -79,7 +78,7 @@ QStringList REditedMacro::inputLines() const
 
 void REditedMacro::setLabel(const QString& text)
 {
-    change(macro_.label, common::encodeLabel(text.simplified(), labelBytes));
+    change(macro_.label, labelFrom(text));
 }
 
 void REditedMacro::setFormat(const QString& widthText, const QString& decimalsText)
@@ -104,7 +103,7 @@ void REditedMacro::setComment(const QString& text)
 
 bool REditedMacro::addInput(const QString& text)
 {
-    const std::string input = common::encodeLabel(text.simplified(), labelBytes);
+    const std::string input = labelFrom(text);
     if (input.empty() || macro_.nInputs >= variables::maxMacroInputs) return false;
     macro_.inputs[static_cast<std::size_t>(macro_.nInputs++)] = input;
     dirty_ = true;

@@ -63,13 +63,18 @@ bool moveVariable(VariableList& list, int place, int step)
     return true;
 }
 
-void renameVariable(VARINFO& variable, const QString& text)
+std::string labelFrom(const QString& text)
 {
     QString line = text;
     for (QChar& c : line) {
         if (c.unicode() < 32 || (c.unicode() >= 127 && c.unicode() < 160)) c = QLatin1Char(' ');
     }
-    collection::setLabel(variable, common::trimBlanks(common::encodeLabel(line.trimmed(), labelBytes)));
+    return std::string(common::trimBlanks(common::encodeLabel(line.trimmed(), labelBytes)));
+}
+
+void renameVariable(VARINFO& variable, const QString& text)
+{
+    collection::setLabel(variable, labelFrom(text));
 }
 
 QString labelOf(const VARINFO& variable)

@@ -2,6 +2,7 @@
 
 // The list that the variable editor works on, without its widgets.
 
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -24,6 +25,8 @@ using VariableList = std::vector<collection::VARINFO>;
 // Exchanges it with the one before (step -1) or behind it (1). False at the ends.
 [[nodiscard]] bool moveVariable(VariableList& list, int place, int step);
 
+// A text as a label of a record: control characters as blanks, no blanks at the ends, at most 60 bytes.
+[[nodiscard]] std::string labelFrom(const QString& text);
 // The label with control characters as blanks and no blanks at the ends, cut at 60 bytes.
 void renameVariable(collection::VARINFO& variable, const QString& text);
 [[nodiscard]] QString labelOf(const collection::VARINFO& variable);

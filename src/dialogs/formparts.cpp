@@ -4,6 +4,7 @@
 
 #include <QFontDatabase>
 #include <QScrollBar>
+#include <QShortcut>
 
 #include "dialogs/linedelegate.h"
 
@@ -31,6 +32,13 @@ void showLine(QListWidget& list, int row, const QString& line)
     QListWidgetItem* const item = list.item(row);
     item->setText(oneLine(line, mostLetters));
     item->setToolTip(line.size() > shortLine ? tipOf(oneLine(line, mostLetters)) : QString());
+}
+
+void onKey(QListWidget& list, Qt::Key key, const std::function<void()>& act)
+{
+    auto* const shortcut = new QShortcut(QKeySequence(key), &list);
+    shortcut->setContext(Qt::WidgetShortcut);
+    QObject::connect(shortcut, &QShortcut::activated, &list, [act] { act(); });
 }
 
 } // namespace
@@ -123,12 +131,53 @@ void bringIntoSight(QListWidget& list)
         list.scrollToItem(list.item(std::max(0, row - linesAbove)), QAbstractItemView::PositionAtTop);
 }
 
+void whenActivated(QListWidget& list, const std::function<void()>& act)
+{
+    QObject::connect(&list, &QListWidget::itemDoubleClicked, &list, [act] { act(); });
+    // The list itself would pass Return on to the form; and it takes a single click for it in some styles.
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) onKey(list, key, act);
+}
+
+void whenDeleted(QListWidget& list, const std::function<void()>& act)
+{
+    onKey(list, Qt::Key_Delete, act);
+}
+
 QLineEdit* makeLineField(const char* name, const QString& text, int letters, QWidget* parent)
 {
     auto* const field = new QLineEdit(text, parent);
     field->setObjectName(QLatin1StringView(name));
     field->setMinimumWidth(field->fontMetrics().averageCharWidth() * letters);
     return field;
+}
+
+QPlainTextEdit* makeTextBox(const char* name, int lines, QWidget* parent)
+{
+    auto* const box = new QPlainTextEdit(parent);
+    box->setObjectName(QLatin1StringView(name));
+    box->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    box->setTabChangesFocus(true);
+    box->setMinimumHeight(box->fontMetrics().lineSpacing() * (lines + 1));
+    return box;
+}
+
+QSpinBox* makeSpinBox(const char* name, int least, int most, QWidget* parent)
+{
+    auto* const box = new QSpinBox(parent);
+    box->setObjectName(QLatin1StringView(name));
+    box->setRange(least, most);
+    box->setKeyboardTracking(false);
+    return box;
+}
+
+QBoxLayout* makeButtonsBetween(QPushButton* upper, QPushButton* lower)
+{
+    auto* const column = new QVBoxLayout;
+    column->addStretch();
+    column->addWidget(upper);
+    column->addWidget(lower);
+    column->addStretch();
+    return column;
 }
 
 QPushButton* makePushButton(const char* name, const char* caption, QWidget* parent)
@@ -147,6 +196,15 @@ QDialogButtonBox* makeDialogButtons(bool help, QWidget* parent)
     buttons->addButton(QDialogButtonBox::Cancel)->setAutoDefault(false);
     if (help) buttons->addButton(QDialogButtonBox::Help)->setAutoDefault(false);
     return buttons;
+}
+
+void setTabChain(std::initializer_list<QWidget*> parts)
+{
+    QWidget* before = nullptr;
+    for (QWidget* const part : parts) {
+        if (before) QWidget::setTabOrder(before, part);
+        before = part;
+    }
 }
 
 } // namespace dialogs

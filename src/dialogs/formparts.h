@@ -2,13 +2,18 @@
 
 // Parts that many forms have. Whatever comes from a file is shown as plain text, of a length that fits.
 
+#include <functional>
+#include <initializer_list>
 #include <string_view>
 
+#include <QBoxLayout>
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QStringList>
 
 namespace dialogs {
@@ -38,11 +43,25 @@ void selectRow(QListWidget& list, int row);
 // Scrolls so that the selected row stands three lines below the top.
 void bringIntoSight(QListWidget& list);
 
+// Does this by a double click on a line and by Return, which then presses no button of the form.
+void whenActivated(QListWidget& list, const std::function<void()>& act);
+// Does this by the Delete key.
+void whenDeleted(QListWidget& list, const std::function<void()>& act);
+
 // A field of one line, for about `letters` letters.
 [[nodiscard]] QLineEdit* makeLineField(const char* name, const QString& text, int letters, QWidget* parent);
+// A field of several lines in letters of one width, at least so many lines high. Tab leaves it.
+[[nodiscard]] QPlainTextEdit* makeTextBox(const char* name, int lines, QWidget* parent);
+// A field for a whole number, which counts when it is left.
+[[nodiscard]] QSpinBox* makeSpinBox(const char* name, int least, int most, QWidget* parent);
+// Two buttons one above the other, to stand in the middle between two lists.
+[[nodiscard]] QBoxLayout* makeButtonsBetween(QPushButton* upper, QPushButton* lower);
 // A button that isn't pressed by Enter.
 [[nodiscard]] QPushButton* makePushButton(const char* name, const char* caption, QWidget* parent);
 // "OK", "Cancel" and, with `help`, "Help".
 [[nodiscard]] QDialogButtonBox* makeDialogButtons(bool help, QWidget* parent);
+
+// Tab goes through these in this order.
+void setTabChain(std::initializer_list<QWidget*> parts);
 
 } // namespace dialogs

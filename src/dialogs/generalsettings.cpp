@@ -1,5 +1,7 @@
 #include "dialogs/generalsettings.h"
 
+#include <algorithm>
+
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QVBoxLayout>
@@ -13,15 +15,6 @@ namespace dialogs {
 namespace {
 
 constexpr int numberLetters = 8;
-
-QSpinBox* makeSpinBox(const char* name, int most, int value, QWidget* parent)
-{
-    auto* const box = new QSpinBox(parent);
-    box->setObjectName(QLatin1StringView(name));
-    box->setRange(0, most);
-    box->setValue(value);
-    return box;
-}
 
 QLineEdit* makeNumberField(const char* name, float value, QWidget* parent)
 {
@@ -38,18 +31,24 @@ bool takeNumber(const QLineEdit& field, float& value)
     return true;
 }
 
+void takeNumber(const QSpinBox& box, int& value)
+{
+    if (box.value() != std::clamp(value, box.minimum(), box.maximum())) value = box.value();
+}
+
 } // namespace
 
 generalsettingsDlg::generalsettingsDlg(const variables::COVERAGECRITERIA& coverage, QWidget* parent)
-    : QDialog(parent), coverage_(coverage),
-      levels_(makeSpinBox("minLevels", common::maxLevels, coverage.minLevels, this)),
-      fraction_(makeSpinBox("minFraction", 100, coverage.minFractionPercent, this)),
+    : QDialog(parent), coverage_(coverage), levels_(makeSpinBox("minLevels", 0, common::maxLevels, this)),
+      fraction_(makeSpinBox("minFraction", 0, 100, this)),
       gapOffset_(makeNumberField("gapOffset", coverage.gapOffset, this)),
       gapSlope_(makeNumberField("gapSlope", coverage.gapSlope, this)),
       gapLimit_(makeNumberField("gapLimit", coverage.gapLimit, this))
 {
     setObjectName(QStringLiteral("generalsettings"));
     setWindowTitle(QStringLiteral("General Settings"));
+    levels_->setValue(coverage.minLevels);
+    fraction_->setValue(coverage.minFractionPercent);
     QDialogButtonBox* const buttons = makeDialogButtons(false, this);
     auto* const column = new QVBoxLayout(this);
     column->addWidget(makeCoverageGroup());
@@ -89,8 +88,8 @@ QLayout* generalsettingsDlg::makeGapLine()
 void generalsettingsDlg::processOK()
 {
     variables::COVERAGECRITERIA taken = coverage_;
-    taken.minLevels = levels_->value();
-    taken.minFractionPercent = fraction_->value();
+    takeNumber(*levels_, taken.minLevels);
+    takeNumber(*fraction_, taken.minFractionPercent);
     if (!takeNumber(*gapOffset_, taken.gapOffset) || !takeNumber(*gapSlope_, taken.gapSlope) ||
         !takeNumber(*gapLimit_, taken.gapLimit)) {
         tell(this, windowTitle(), QStringLiteral("The limits of gaps must be numbers that aren't negative."));

@@ -16,16 +16,14 @@ int firstLike(std::span<const collection::VARINFO> variables, const QString& sea
 }
 
 identifyvarDlg::identifyvarDlg(const QString& task, const QString& meaning,
-                               std::span<const collection::VARINFO> variables, QWidget* parent,
-                               int preselected)
-    : QDialog(parent), variables_(makeLineList("variables", 44, this))
+                               std::span<const collection::VARINFO> all, QWidget* parent,
+                               std::optional<int> preselected)
+    : QDialog(parent), rows_(all), variables_(makeLineList("variables", 44, this))
 {
     constexpr int linesShown = 12;
     setObjectName(QStringLiteral("identifyvar"));
     setWindowTitle(QStringLiteral("%1 - Identify %2").arg(inTitle(task), inTitle(meaning)));
-    QStringList lines;
-    for (std::size_t v = 1; v < variables.size(); ++v) lines += plainOf(variables[v]);
-    showLines(*variables_, lines);
+    showLines(*variables_, rows_.lines());
     variables_->setMinimumHeight(variables_->fontMetrics().lineSpacing() * linesShown);
     QLabel* const caption = makeCaption(
         QStringLiteral("&Which variable is %1?").arg(oneLine(meaning).replace(u'&', QStringLiteral("&&"))),
@@ -38,11 +36,11 @@ identifyvarDlg::identifyvarDlg(const QString& task, const QString& meaning,
     column->addWidget(variables_);
     column->addWidget(buttons);
     connect(variables_, &QListWidget::itemSelectionChanged, this, &identifyvarDlg::showOK);
-    connect(variables_, &QListWidget::itemDoubleClicked, this, &identifyvarDlg::processOK);
+    whenActivated(*variables_, [this] { processOK(); });
     connect(buttons, &QDialogButtonBox::accepted, this, &identifyvarDlg::processOK);
     connect(buttons, &QDialogButtonBox::rejected, this, &identifyvarDlg::reject);
     variables_->setFocus();
-    selectRow(*variables_, (preselected > 0 ? preselected : firstLike(variables, meaning)) - 1);
+    selectRow(*variables_, rows_.rowOf(preselected ? *preselected : firstLike(all, meaning)));
     showOK();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 
 #include <QDialog>
@@ -7,6 +8,7 @@
 #include <QPushButton>
 
 #include "collection/varinfo.h"
+#include "dialogs/variablerows.h"
 
 namespace dialogs {
 
@@ -18,12 +20,12 @@ namespace dialogs {
 class identifyvarDlg : public QDialog {
     Q_OBJECT
 public:
-    // The caption is "<task> - Identify <meaning>". preselected: the variable that is selected at the
-    // beginning; 0: the first whose label holds the meaning.
-    identifyvarDlg(const QString& task, const QString& meaning,
-                   std::span<const collection::VARINFO> variables, QWidget* parent = nullptr,
-                   int preselected = 0);
-    [[nodiscard]] int variable() const { return variables_->currentRow() + 1; }
+    // The caption is "<task> - Identify <meaning>". Index 0 of `all` is no variable. preselected: the
+    // variable that is selected at the beginning, 0 for none; nothing: the first whose label holds the
+    // meaning.
+    identifyvarDlg(const QString& task, const QString& meaning, std::span<const collection::VARINFO> all,
+                   QWidget* parent = nullptr, std::optional<int> preselected = {});
+    [[nodiscard]] int variable() const { return rows_.numberOf(variables_->currentRow()); }
 
 public Q_SLOTS:
     void processOK();
@@ -31,6 +33,7 @@ public Q_SLOTS:
 private:
     void showOK();
 
+    const RVariableRows rows_;
     QListWidget* variables_;
     QPushButton* ok_;
 };

@@ -1,19 +1,18 @@
 #include "dialogs/macroeditor.h"
 
 #include <algorithm>
+#include <array>
 
 #include <QDir>
-#include <QFontDatabase>
 #include <QFormLayout>
 #include <QGroupBox>
-#include <QMessageBox>
 #include <QVBoxLayout>
 
 #include "dialogs/boxes.h"
-#include "dialogs/editedexpression.h"
-#include "dialogs/editedvariables.h"
 #include "dialogs/filename.h"
 #include "dialogs/formparts.h"
+#include "dialogs/formulahelp.h"
+#include "dialogs/variablerows.h"
 
 namespace dialogs {
 namespace {
@@ -21,32 +20,9 @@ namespace {
 constexpr int labelLetters = 40, numberLetters = 4, listLetters = 30, listLines = 7;
 const char* const filter = "NVQ Macro Files (*.mac)";
 
-QPlainTextEdit* makeTextBox(const char* name, int lines, QWidget* parent)
-{
-    auto* const box = new QPlainTextEdit(parent);
-    box->setObjectName(QLatin1StringView(name));
-    box->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    box->setTabChangesFocus(true);
-    box->setMinimumHeight(box->fontMetrics().lineSpacing() * (lines + 1));
-    return box;
-}
-
-// Yes, no, or nothing at all for cancel.
-std::optional<bool> askToSave(QWidget* over, const QString& title, const QString& name)
-{
-    QMessageBox box(QMessageBox::Question, title, name + QStringLiteral(" has changed.\n\nSave the changes?"),
-                    QMessageBox::NoButton, over);
-    box.setTextFormat(Qt::PlainText);
-    QPushButton* const yes = box.addButton(QStringLiteral("&Yes"), QMessageBox::YesRole);
-    const QPushButton* const no = box.addButton(QStringLiteral("&No"), QMessageBox::NoRole);
-    QPushButton* const cancel = box.addButton(QStringLiteral("&Cancel"), QMessageBox::RejectRole);
-    box.setDefaultButton(yes);
-    box.setEscapeButton(cancel);
-    box.exec();
-    if (box.clickedButton() == yes) return true;
-    if (box.clickedButton() == no) return false;
-    return std::nullopt;
-}
+// The answers to unsaved changes.
+constexpr auto saveAnswers = std::to_array<std::string_view>({"&Yes", "&No", "&Cancel"});
+enum SaveAnswer { saveYes, saveNo, saveCancel };
 
 } // namespace
 
@@ -60,11 +36,14 @@ macroeditorDlg::macroeditorDlg(const QString& folder, std::span<const collection
       expression_(makeTextBox("expression", 5, this)), comment_(makeTextBox("comment", 5, this)),
       defined_(makeLineList("defined", listLetters, this)), new_(makeLineList("new", listLetters, this)),
       add_(makePushButton("add", "<<", this)), delete_(makePushButton("delete", ">>", this)),
-      save_(makePushButton("save", "&Save", this))
+      check_(makePushButton("check", "Chec&k", this)), save_(makePushButton("save", "&Save", this)),
+      saveAs_(makePushButton("saveAs", "Save &As", this)), close_(makePushButton("close", "&Close", this))
 {
     setObjectName(QStringLiteral("macroeditor"));
     layOut();
     connectFields();
+    connectParts();
+    chainTabs();
     offerInputs(variables);
     showMacro();
     label_->setFocus();
@@ -101,15 +80,10 @@ QWidget* macroeditorDlg::makeInputGroup()
     auto* const grid = new QGridLayout(group);
     for (QWidget* const part : std::initializer_list<QWidget*>{defined_, new_, entry_, add_, delete_})
         part->setParent(group);
-    auto* const between = new QVBoxLayout;
-    between->addStretch();
-    between->addWidget(add_);
-    between->addWidget(delete_);
-    between->addStretch();
     grid->addWidget(makeCaption(QStringLiteral("&Defined:"), defined_), 0, 0);
     grid->addWidget(makeCaption(QStringLiteral("&New:"), entry_), 0, 2);
     grid->addWidget(defined_, 1, 0, 2, 1);
-    grid->addLayout(between, 1, 1, 2, 1);
+    grid->addLayout(makeButtonsBetween(add_, delete_), 1, 1, 2, 1);
     grid->addWidget(entry_, 1, 2);
     grid->addWidget(new_, 2, 2);
     for (QListWidget* const list : {defined_, new_})
@@ -124,28 +98,16 @@ QWidget* macroeditorDlg::makeTextGroup(const QString& title, QPlainTextEdit* box
     auto* const group = new QGroupBox(title, this);
     auto* const column = new QVBoxLayout(group);
     column->addWidget(box);
-    if (box != expression_) return group;
-    for (const char* const help : {operatorHelp, operandHelp}) {
-        QLabel* const line = makeTextLabel(help == operatorHelp ? "operators" : "operands", group);
-        line->setText(QLatin1StringView(help));
-        column->addWidget(line);
-    }
+    if (box == expression_) addFormulaHelp(*column, group);
     return group;
 }
 
 QLayout* macroeditorDlg::makeButtonRow()
 {
     auto* const row = new QHBoxLayout;
-    QPushButton* const check = makePushButton("check", "Chec&k", this);
-    QPushButton* const saveAs = makePushButton("saveAs", "Save &As", this);
-    QPushButton* const close = makePushButton("close", "&Close", this);
-    row->addWidget(check);
+    row->addWidget(check_);
     row->addStretch();
-    for (QPushButton* const button : {save_, saveAs, close}) row->addWidget(button);
-    connect(check, &QPushButton::clicked, this, &macroeditorDlg::processCheck);
-    connect(save_, &QPushButton::clicked, this, &macroeditorDlg::processSave);
-    connect(saveAs, &QPushButton::clicked, this, &macroeditorDlg::processSaveAs);
-    connect(close, &QPushButton::clicked, this, &macroeditorDlg::reject);
+    for (QPushButton* const button : {save_, saveAs_, close_}) row->addWidget(button);
     return row;
 }
 
@@ -172,17 +134,30 @@ void macroeditorDlg::connectFields()
         const int row = selectedRow(*new_);
         if (row >= 0) entry_->setText(new_->item(row)->text());
     });
-    connect(new_, &QListWidget::itemDoubleClicked, this, &macroeditorDlg::processAdd);
-    connect(defined_, &QListWidget::itemDoubleClicked, this, &macroeditorDlg::processDelete);
+}
+
+void macroeditorDlg::connectParts()
+{
+    whenActivated(*new_, [this] { processAdd(); });
+    whenActivated(*defined_, [this] { processDelete(); });
+    whenDeleted(*defined_, [this] { processDelete(); });
     connect(add_, &QPushButton::clicked, this, &macroeditorDlg::processAdd);
     connect(delete_, &QPushButton::clicked, this, &macroeditorDlg::processDelete);
+    connect(check_, &QPushButton::clicked, this, &macroeditorDlg::processCheck);
+    connect(save_, &QPushButton::clicked, this, &macroeditorDlg::processSave);
+    connect(saveAs_, &QPushButton::clicked, this, &macroeditorDlg::processSaveAs);
+    connect(close_, &QPushButton::clicked, this, &macroeditorDlg::reject);
+}
+
+void macroeditorDlg::chainTabs()
+{
+    setTabChain({label_, width_, decimals_, defined_, add_, delete_, entry_, new_, expression_, comment_,
+                 check_, save_, saveAs_, close_});
 }
 
 void macroeditorDlg::offerInputs(std::span<const collection::VARINFO> variables)
 {
-    QStringList lines;
-    for (std::size_t v = 1; v < variables.size(); ++v) lines += plainOf(variables[v]);
-    showLines(*new_, lines);
+    showLines(*new_, RVariableRows(variables).lines());
 }
 
 // --- what it shows
@@ -224,26 +199,36 @@ void macroeditorDlg::takeFormatFields()
 
 // --- what it does
 
+QWidget* macroeditorDlg::over()
+{
+    return isVisible() || !parentWidget() ? this : parentWidget();
+}
+
 void macroeditorDlg::chooseFile()
 {
     for (;;) {
         const QString path =
-            askOpenName(this, QStringLiteral("Select NVQ macro ..."), QLatin1StringView(filter), folder_);
+            askOpenName(over(), QStringLiteral("Select NVQ macro ..."), QLatin1StringView(filter), folder_);
         if (path.isEmpty() || openFile(path)) return;
     }
+}
+
+// The busy state ends before anything is told.
+bool macroeditorDlg::readBusily(const QString& path, variables::MACRO& macro, variables::MACROFAULT& fault)
+{
+    const common::RBusyGuard busy(user_, "Opening " + path.toStdString() + " ...");
+    return variables::readMacroFile(QFile::encodeName(path).toStdString(), macro, fault);
 }
 
 bool macroeditorDlg::openFile(const QString& path)
 {
     const std::string file = QFile::encodeName(path).toStdString();
-    const common::RBusyGuard busy(user_, "Opening " + path.toStdString() + " ...");
     variables::MACRO macro;
     variables::MACROFAULT fault;
-    if (!variables::readMacroFile(file, macro, fault)) {
-        const QString place = fault.line > 0 ? QStringLiteral("%1:%2").arg(path).arg(fault.line) : path;
-        tell(this, QStringLiteral("Macro Editor"),
-             QStringLiteral("Not a valid NVQ4.0 macro file!\n\n") + place + QStringLiteral(": ") +
-                 QString::fromStdString(fault.text));
+    if (!readBusily(path, macro, fault)) {
+        tell(over(), QStringLiteral("Macro Editor"),
+             QStringLiteral("Not a valid NVQ4.0 macro file!\n\n") +
+                 QString::fromStdString(variables::faultText(path.toStdString(), fault)));
         return false;
     }
     work_ = REditedMacro(std::move(macro), file);
@@ -253,7 +238,11 @@ bool macroeditorDlg::openFile(const QString& path)
 
 void macroeditorDlg::processAdd()
 {
-    if (!work_.addInput(entry_->text())) return;
+    if (!work_.addInput(entry_->text())) {
+        if (work_.macro().nInputs >= variables::maxMacroInputs)
+            tell(this, windowTitle(), QLatin1StringView(noRoomForInput));
+        return;
+    }
     entry_->clear();
     selectRow(*new_, -1);
     showInputs(selectedRow(*defined_));
@@ -311,8 +300,9 @@ void macroeditorDlg::reject()
 {
     takeFormatFields();
     if (work_.isDirty()) {
-        const std::optional<bool> save = askToSave(this, QStringLiteral("Macro Editor"), work_.fileName());
-        if (!save || (*save && !processSave())) return;
+        const std::string text = work_.fileName().toStdString() + " has changed.\n\nSave the changes?";
+        const int answer = user_.choose("Macro Editor", text, saveAnswers, saveYes, saveCancel);
+        if (answer == saveCancel || (answer == saveYes && !processSave())) return;
     }
     QDialog::reject();
 }

@@ -24,7 +24,8 @@ public:
                    QWidget* parent = nullptr);
     [[nodiscard]] const REditedMacro& edited() const { return work_; }
 
-    // Asks for a file until one is read or the user cancels, which leaves what is there.
+    // Asks for a file until one is read or the user cancels, which leaves what is there. Before the form is
+    // shown the questions lie over its parent.
     void chooseFile();
     // False after a message if that is no macro file.
     [[nodiscard]] bool openFile(const QString& path);
@@ -44,6 +45,10 @@ private:
     [[nodiscard]] QLayout* makeFields();
     [[nodiscard]] QLayout* makeButtonRow();
     void connectFields();
+    void connectParts();
+    void chainTabs();
+    [[nodiscard]] QWidget* over(); // what files are asked for over
+    [[nodiscard]] bool readBusily(const QString& path, variables::MACRO& macro, variables::MACROFAULT& fault);
     void offerInputs(std::span<const collection::VARINFO> variables);
     void showMacro();
     void showInputs(int selected);
@@ -58,7 +63,7 @@ private:
     QLineEdit *label_, *width_, *decimals_, *entry_;
     QPlainTextEdit *expression_, *comment_;
     QListWidget *defined_, *new_;
-    QPushButton *add_, *delete_, *save_;
+    QPushButton *add_, *delete_, *check_, *save_, *saveAs_, *close_;
     bool filling_ = false; // the fields are changed from here, not by the user
 };
 

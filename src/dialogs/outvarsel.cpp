@@ -6,7 +6,6 @@
 #include <QMouseEvent>
 #include <QVBoxLayout>
 
-#include "dialogs/editedvariables.h"
 #include "dialogs/formparts.h"
 #include "dialogs/linedelegate.h"
 
@@ -44,18 +43,18 @@ void tick(QListWidgetItem& item, bool on)
 
 outvarselDlg::outvarselDlg(std::span<const collection::VARINFO> variables, const std::vector<int>& chosen,
                            QWidget* parent)
-    : QDialog(parent), variables_(makeLineList("variables", 44, this)), count_(makeTextLabel("count", this))
+    : QDialog(parent), rows_(variables), variables_(makeLineList("variables", 44, this)),
+      count_(makeTextLabel("count", this))
 {
     constexpr int linesShown = 16;
     setObjectName(QStringLiteral("outvarsel"));
     setWindowTitle(QStringLiteral("Select Variables for Output"));
-    QStringList lines;
-    for (std::size_t v = 1; v < variables.size(); ++v) lines += plainOf(variables[v]);
-    showLines(*variables_, lines);
+    showLines(*variables_, rows_.lines());
     variables_->setItemDelegate(new RTickDelegate(variables_));
     variables_->setMinimumHeight(variables_->fontMetrics().lineSpacing() * linesShown);
     for (int row = 0; row < variables_->count(); ++row)
-        tick(*variables_->item(row), std::find(chosen.begin(), chosen.end(), row + 1) != chosen.end());
+        tick(*variables_->item(row),
+             std::find(chosen.begin(), chosen.end(), rows_.numberOf(row)) != chosen.end());
     auto* const left = new QVBoxLayout;
     left->addWidget(makeCaption(QStringLiteral("&Variables:"), variables_));
     left->addWidget(variables_);
@@ -94,8 +93,9 @@ std::vector<int> outvarselDlg::chosen() const
 {
     std::vector<int> numbers;
     for (int row = 0; row < variables_->count(); ++row) {
-        if (isTicked(*variables_->item(row))) numbers.push_back(row + 1);
+        if (isTicked(*variables_->item(row))) numbers.push_back(rows_.numberOf(row));
     }
+    std::sort(numbers.begin(), numbers.end());
     return numbers;
 }
 

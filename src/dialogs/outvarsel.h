@@ -9,6 +9,7 @@
 #include <QPushButton>
 
 #include "collection/varinfo.h"
+#include "dialogs/variablerows.h"
 
 namespace dialogs {
 
@@ -20,7 +21,7 @@ public:
     // those that are ticked at the beginning.
     outvarselDlg(std::span<const collection::VARINFO> variables, const std::vector<int>& chosen,
                  QWidget* parent = nullptr);
-    [[nodiscard]] std::vector<int> chosen() const; // the numbers of those that are ticked, in order
+    [[nodiscard]] std::vector<int> chosen() const; // the numbers of those that are ticked, ascending
 
 public Q_SLOTS:
     void processAll();
@@ -31,6 +32,7 @@ private:
     [[nodiscard]] QWidget* makeButtonColumn();
     void showCount();
 
+    const RVariableRows rows_;
     QListWidget* variables_;
     QLabel* count_;
     QPushButton* ok_ = nullptr;

@@ -2,29 +2,19 @@
 
 #include <algorithm>
 
-#include <QFontDatabase>
 #include <QFormLayout>
 #include <QVBoxLayout>
 
 #include "common/textcoding.h"
 #include "dialogs/boxes.h"
 #include "dialogs/formparts.h"
+#include "dialogs/formulahelp.h"
 #include "variables/macrofile.h"
 
 namespace dialogs {
 namespace {
 
 constexpr int labelLetters = 40, numberLetters = 4, listLetters = 34, listLines = 9, formulaLines = 4;
-
-QPlainTextEdit* makeFormulaBox(QWidget* parent)
-{
-    auto* const box = new QPlainTextEdit(parent);
-    box->setObjectName(QStringLiteral("formula"));
-    box->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    box->setTabChangesFocus(true);
-    box->setMinimumHeight(box->fontMetrics().lineSpacing() * (formulaLines + 1));
-    return box;
-}
 
 } // namespace
 
@@ -33,7 +23,8 @@ setupexpressionDlg::setupexpressionDlg(std::span<const collection::VARINFO> vari
       label_(makeLineField("label", common::decodeLabel(definition().label), labelLetters, this)),
       width_(makeLineField("width", QString::number(definition().width), numberLetters, this)),
       decimals_(makeLineField("decimals", QString::number(definition().decimals), numberLetters, this)),
-      formula_(makeFormulaBox(this)), defined_(makeLineList("defined", listLetters, this)),
+      formula_(makeTextBox("formula", formulaLines, this)),
+      defined_(makeLineList("defined", listLetters, this)),
       chosen_(makeLineList("chosen", listLetters, this)), add_(makePushButton("add", ">>", this)),
       delete_(makePushButton("delete", "<<", this))
 {
@@ -47,14 +38,13 @@ setupexpressionDlg::setupexpressionDlg(std::span<const collection::VARINFO> vari
     column->addLayout(makeLists(), 1);
     column->addWidget(makeCaption(QStringLiteral("E&xpression:"), formula_));
     column->addWidget(formula_);
-    for (const char* const help : {operatorHelp, operandHelp}) {
-        QLabel* const line = makeTextLabel(help == operatorHelp ? "operators" : "operands", this);
-        line->setText(QLatin1StringView(help));
-        column->addWidget(line);
-    }
+    addFormulaHelp(*column, this);
     column->addWidget(buttons);
     connect(buttons, &QDialogButtonBox::accepted, this, &setupexpressionDlg::processOK);
     connect(buttons, &QDialogButtonBox::rejected, this, &setupexpressionDlg::reject);
+    connectParts();
+    setTabChain({label_, width_, decimals_, defined_, add_, delete_, chosen_, formula_,
+                 buttons->button(QDialogButtonBox::Ok), buttons->button(QDialogButtonBox::Cancel)});
     showLines(*defined_, work_.definedLines());
     showInputs(-1);
     label_->setFocus();
@@ -82,21 +72,23 @@ QLayout* setupexpressionDlg::makeLists()
     grid->addWidget(makeCaption(QStringLiteral("&Inputs:"), chosen_), 0, 2);
     grid->addWidget(defined_, 1, 0);
     grid->addWidget(chosen_, 1, 2);
-    auto* const between = new QVBoxLayout;
-    between->addStretch();
-    between->addWidget(add_);
-    between->addWidget(delete_);
-    between->addStretch();
-    grid->addLayout(between, 1, 1);
-    for (QListWidget* const list : {defined_, chosen_}) {
+    grid->addLayout(makeButtonsBetween(add_, delete_), 1, 1);
+    for (QListWidget* const list : {defined_, chosen_})
         list->setMinimumHeight(list->fontMetrics().lineSpacing() * listLines);
+    return grid;
+}
+
+void setupexpressionDlg::connectParts()
+{
+    for (QListWidget* const list : {defined_, chosen_})
         connect(list, &QListWidget::itemSelectionChanged, this, &setupexpressionDlg::showButtons);
-    }
-    connect(defined_, &QListWidget::itemDoubleClicked, this, &setupexpressionDlg::processAdd);
-    connect(chosen_, &QListWidget::itemDoubleClicked, this, &setupexpressionDlg::processDelete);
+    for (QLineEdit* const field : {width_, decimals_})
+        connect(field, &QLineEdit::editingFinished, this, &setupexpressionDlg::takeFormatFields);
+    whenActivated(*defined_, [this] { processAdd(); });
+    whenActivated(*chosen_, [this] { processDelete(); });
+    whenDeleted(*chosen_, [this] { processDelete(); });
     connect(add_, &QPushButton::clicked, this, &setupexpressionDlg::processAdd);
     connect(delete_, &QPushButton::clicked, this, &setupexpressionDlg::processDelete);
-    return grid;
 }
 
 void setupexpressionDlg::showInputs(int selected)
@@ -115,7 +107,9 @@ void setupexpressionDlg::showButtons()
 
 void setupexpressionDlg::processAdd()
 {
-    if (work_.addInput(selectedRow(*defined_))) showInputs(selectedRow(*chosen_));
+    const int row = selectedRow(*defined_);
+    if (work_.addInput(row)) return showInputs(selectedRow(*chosen_));
+    if (row >= 0) tell(this, windowTitle(), QLatin1StringView(noRoomForInput));
 }
 
 void setupexpressionDlg::processDelete()
@@ -125,10 +119,17 @@ void setupexpressionDlg::processDelete()
     showInputs(std::min(row, static_cast<int>(definition().inputs.size()) - 1));
 }
 
+void setupexpressionDlg::takeFormatFields()
+{
+    work_.setFormat(width_->text(), decimals_->text());
+    width_->setText(QString::number(definition().width));
+    decimals_->setText(QString::number(definition().decimals));
+}
+
 void setupexpressionDlg::processOK()
 {
     work_.setLabel(label_->text());
-    work_.setFormat(width_->text(), decimals_->text());
+    takeFormatFields(); // a key may have come before the field was left
     work_.setFormula(formula_->toPlainText());
     const COMPLAINT complaint = work_.complaint();
     if (complaint.text.isEmpty()) return accept();

@@ -29,8 +29,10 @@ public Q_SLOTS:
 private:
     [[nodiscard]] QLayout* makeFields();
     [[nodiscard]] QLayout* makeLists();
+    void connectParts();
     void showInputs(int selected);
     void showButtons();
+    void takeFormatFields();
 
     REditedExpression work_;
     QLineEdit *label_, *width_, *decimals_;

@@ -1,6 +1,8 @@
 #include "dialogs/variablesettler.h"
 
+#include "common/text.h"
 #include "common/textcoding.h"
+#include "dialogs/boxes.h"
 #include "dialogs/filename.h"
 #include "dialogs/formparts.h"
 #include "dialogs/identifyvar.h"
@@ -17,10 +19,37 @@ std::span<const collection::VARINFO> variablesOf(const collection::RCollection& 
     return std::span(collection.variables).first(static_cast<std::size_t>(collection.totalVariableCount) + 1);
 }
 
-std::optional<std::string> asText(const std::optional<QString>& text)
+// A question for a line that has to be read as something.
+struct LINEQUESTION {
+    QString title, prompt, preset;
+    bool (*reads)(const std::string& line);
+    const char* fault; // behind the quoted line
+};
+
+// Asks again, with what was typed, until the line reads or the user cancels.
+std::optional<std::string> askUntilItReads(QWidget* over, const LINEQUESTION& question)
 {
-    if (!text) return std::nullopt;
-    return text->toStdString();
+    QString typed = question.preset;
+    while (const std::optional<QString> line = askLine(over, question.title, question.prompt, typed)) {
+        if (question.reads(line->toStdString())) return line->toStdString();
+        tell(over, question.title,
+             u'"' + *line + QLatin1StringView("\" ") + QLatin1StringView(question.fault));
+        typed = *line;
+    }
+    return std::nullopt;
+}
+
+bool isNumber(const std::string& line)
+{
+    float value = 0;
+    std::string_view rest = line;
+    return common::takeFloat(rest, value);
+}
+
+bool isOrigin(const std::string& line)
+{
+    double day = 0;
+    return variables::referenceDayOf("since " + line, day);
 }
 
 } // namespace
@@ -37,7 +66,8 @@ std::optional<int> RDialogVariableSettler::identify(const variables::IDENTIFICAT
 std::optional<std::string> RDialogVariableSettler::askNumber(std::string_view title, std::string_view prompt,
                                                              std::string_view preset)
 {
-    return asText(askLine(parent_, fromUtf8(title), fromUtf8(prompt), fromUtf8(preset)));
+    return askUntilItReads(parent_,
+                           {fromUtf8(title), fromUtf8(prompt), fromUtf8(preset), isNumber, "is no number."});
 }
 
 std::optional<int> RDialogVariableSettler::chooseTimeForm(std::string_view label, std::string_view target)
@@ -52,9 +82,10 @@ std::optional<int> RDialogVariableSettler::chooseTimeForm(std::string_view label
 
 std::optional<std::string> RDialogVariableSettler::askOrigin(std::string_view label)
 {
-    return asText(askLine(parent_, inTitle(fromUtf8(label)),
-                          QStringLiteral("Origin of the times (yyyy-mm-dd hh:mm:ss):"),
-                          QStringLiteral("1950-01-01 00:00:00")));
+    return askUntilItReads(parent_, {inTitle(fromUtf8(label)),
+                                     QStringLiteral("Origin of the times (yyyy-mm-dd hh:mm:ss):"),
+                                     QStringLiteral("1950-01-01 00:00:00"), isOrigin,
+                                     "is no date of the form yyyy-mm-dd hh:mm:ss."});
 }
 
 std::optional<variables::EXPRESSIONDEFINITION>

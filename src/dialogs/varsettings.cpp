@@ -6,6 +6,7 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "collection/varformat.h"
 #include "dialogs/editedpositions.h"
 #include "dialogs/editedvariables.h"
 #include "dialogs/formparts.h"
@@ -13,23 +14,14 @@
 namespace dialogs {
 namespace {
 
-constexpr int linesShown = 16, largestWidth = 20, largestDecimals = 9, labelBytes = 60;
-
-QSpinBox* makeSpinBox(const char* name, int least, int most, QWidget* parent)
-{
-    auto* const box = new QSpinBox(parent);
-    box->setObjectName(QLatin1StringView(name));
-    box->setRange(least, most);
-    box->setKeyboardTracking(false);
-    return box;
-}
+constexpr int linesShown = 16, labelBytes = 60;
 
 } // namespace
 
 QString rangeText(const collection::VARINFO& variable)
 {
     if (!(variable.rangeMin <= variable.rangeMax)) return QStringLiteral("no values seen yet");
-    const int decimals = std::clamp(variable.decimals, 0, largestDecimals);
+    const int decimals = std::clamp(variable.decimals, 0, collection::mostDecimals);
     return QStringLiteral("%1 - %2").arg(
         QString::number(static_cast<double>(variable.rangeMin), 'f', decimals),
         QString::number(static_cast<double>(variable.rangeMax), 'f', decimals));
@@ -38,8 +30,9 @@ QString rangeText(const collection::VARINFO& variable)
 varsettingsDlg::varsettingsDlg(std::span<const collection::VARINFO> variables, QWidget* parent)
     : QDialog(parent), variables_(variables.begin(), variables.end()),
       list_(makeLineList("variables", 40, this)), label_(makeLineField("label", {}, 40, this)),
-      width_(makeSpinBox("width", 1, largestWidth, this)),
-      decimals_(makeSpinBox("decimals", 0, largestDecimals, this)),
+      width_(makeSpinBox("width", collection::leastExtraWidth,
+                         collection::mostDecimals + collection::mostExtraWidth, this)),
+      decimals_(makeSpinBox("decimals", 0, collection::mostDecimals, this)),
       position_(makeSpinBox("position", 1, std::max(1, static_cast<int>(variables.size()) - 1), this)),
       range_(makeTextLabel("range", this))
 {
@@ -77,8 +70,8 @@ void varsettingsDlg::connectParts()
 {
     connect(list_, &QListWidget::itemSelectionChanged, this, &varsettingsDlg::showFields);
     connect(label_, &QLineEdit::editingFinished, this, &varsettingsDlg::takeLabel);
-    connect(width_, &QSpinBox::valueChanged, this, &varsettingsDlg::takeWidth);
-    connect(decimals_, &QSpinBox::valueChanged, this, &varsettingsDlg::takeDecimals);
+    connect(width_, &QSpinBox::valueChanged, this, &varsettingsDlg::takeFormat);
+    connect(decimals_, &QSpinBox::valueChanged, this, &varsettingsDlg::takeFormat);
     connect(position_, &QSpinBox::valueChanged, this, &varsettingsDlg::takePosition);
 }
 
@@ -123,18 +116,19 @@ void varsettingsDlg::takeLabel()
     showVariables(number);
 }
 
-void varsettingsDlg::takeWidth()
-{
-    const int number = selectedNumber();
-    if (number > 0) variables_[static_cast<std::size_t>(number)].width = width_->value();
-}
-
-void varsettingsDlg::takeDecimals()
+// Width and decimals depend on each other: what is shown is what was taken.
+void varsettingsDlg::takeFormat()
 {
     const int number = selectedNumber();
     if (number == 0) return;
     collection::VARINFO& variable = variables_[static_cast<std::size_t>(number)];
-    variable.decimals = decimals_->value();
+    int width = width_->value(), decimals = decimals_->value();
+    collection::clampFormat(width, decimals);
+    variable.width = width;
+    variable.decimals = decimals;
+    const QSignalBlocker quietWidth(width_), quietDecimals(decimals_);
+    width_->setValue(width);
+    decimals_->setValue(decimals);
     range_->setText(rangeText(variable));
 }
 

@@ -31,8 +31,7 @@ private:
     void showVariables(int number); // the list, with this one selected
     void showFields();
     void takeLabel();
-    void takeWidth();
-    void takeDecimals();
+    void takeFormat();
     void takePosition();
     [[nodiscard]] int selectedNumber() const; // 0: none
 

@@ -46,29 +46,27 @@ std::string fileName(const std::string& path)
 
 constexpr std::string_view macroTitle = "Loading Macro";
 
-// Reads the file; tells what is wrong with it.
+// Reads the file; tells what is wrong with it when the busy state has ended.
 bool readMacro(const std::string& path, MACRO& macro, common::RUser& user)
 {
-    const common::RBusyGuard busy(user, "Loading Macro " + fileName(path) + " ...");
     MACROFAULT fault;
-    if (readMacroFile(path, macro, fault)) return true;
+    {
+        const common::RBusyGuard busy(user, "Loading Macro " + fileName(path) + " ...");
+        if (readMacroFile(path, macro, fault)) return true;
+    }
     user.about(macroTitle, (fault.line > 0 ? "Not a valid NVQ macro!\n\n" : "") + faultText(path, fault));
     return false;
 }
 
-// The formula as the variable holds it. What is wrong with it is told, but it is taken.
-std::string takeFormula(const std::string& path, const MACRO& macro, common::RUser& user)
+// Says what a macro that is loaded all the same suffers from.
+void tellWeakness(const std::string& path, int lineLeftOut, const std::string& fault, common::RUser& user)
 {
-    int lineLeftOut = 0;
-    std::string formula = joinedFormula(macro.expression, &lineLeftOut);
+    std::string text;
     if (lineLeftOut > 0)
-        user.about(macroTitle,
-                   path +
-                       common::format(": the formula is too long; its line %d and what follows is left out",
-                                      lineLeftOut));
-    if (const std::string fault = formulaFault(formula, macro.nInputs); !fault.empty())
-        user.about(macroTitle, path + ": " + fault);
-    return formula;
+        text =
+            common::format("the formula is too long; its line %d and what follows is left out", lineLeftOut);
+    if (!fault.empty()) text += (text.empty() ? "" : "\n") + fault;
+    if (!text.empty()) user.about(macroTitle, path + ": " + text);
 }
 
 // The question for input n (from 0). One without a text plays no role that could be recorded.
@@ -158,7 +156,11 @@ int loadMacroVariable(RCollection& collection, const std::string& path, const SE
     if (!tools.settler.begin(inputQuestions(collection, macro), collection) ||
         !identifyInputs(collection, macro, variable, roles, tools.settler) || !tools.settler.finish())
         return 0;
-    return joinFormula(collection, variable, takeFormula(path, macro, tools.user), roles, tools.user);
+    int lineLeftOut = 0;
+    const std::string formula = joinedFormula(macro.expression, &lineLeftOut);
+    const int number = joinFormula(collection, variable, formula, roles, tools.user);
+    tellWeakness(path, lineLeftOut, formulaFault(formula, variable.nSources), tools.user);
+    return number;
 }
 
 } // namespace variables

@@ -50,8 +50,9 @@ int joinVariable(RCollection& collection, const VARINFO& variable, const NEWROLE
     for (const KEYROLE& role : roles) {
         const bool isKept = role.variable <= collection.variableCount && collection.writable;
         if (isKept && !recordVariable(collection, role.keyText, role.variable))
-            user.note(collection.path + ".idv: can't note which variable is " +
-                      common::labelToUtf8(role.keyText));
+            user.about(common::labelToUtf8(common::fieldText(variable.plainLabel)),
+                       collection.path + ".idv: can't note which variable is " +
+                           common::labelToUtf8(role.keyText));
     }
     const int number = ++collection.totalVariableCount;
     collection.variables[static_cast<std::size_t>(number)] = variable;

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include <QApplication>
+#include <QDialog>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStatusBar>
@@ -67,6 +68,29 @@ TEST_F(WindowUser, NoticeHasOneButton)
     EXPECT_EQ(title, "Title");
     EXPECT_EQ(text, "Ümlaut");
     EXPECT_THAT(buttons, testing::ElementsAre("&OK"));
+}
+
+TEST_F(WindowUser, BoxesStandOverTheOpenFormOrElseTheWindow)
+{
+    QDialog form;
+    form.open();
+    const QWidget* over = nullptr;
+    const auto look = [&] {
+        withNextBox([&](QMessageBox& box) {
+            over = box.parentWidget();
+            box.reject();
+        });
+    };
+    look();
+    user.about("Title", "text");
+    EXPECT_EQ(over, &form);
+    look();
+    (void)user.question("t", "q", Answer::yes);
+    EXPECT_EQ(over, &form);
+    form.close();
+    look();
+    user.about("Title", "text");
+    EXPECT_EQ(over, &window);
 }
 
 TEST_F(WindowUser, QuestionHasThreeAnswers)

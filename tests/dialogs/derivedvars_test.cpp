@@ -117,12 +117,61 @@ TEST_F(DerivedVariables, TheDeleteKeyAsksNamingTheDependents)
     defined.setFocus();
     BOX said;
     answerNext("&No", &said);
+    defined.setFocus();
     QTest::keyClick(&defined, Qt::Key_Delete);
     EXPECT_EQ(said.text, "Delete A?\n\nThese are computed from it and go too:\nB");
     EXPECT_EQ(defined.count(), 3);
     answerNext("&Yes");
     child<QPushButton>(dialog, "delete").click();
     EXPECT_THAT(linesOf(defined), ElementsAre("C"));
+}
+
+TEST_F(DerivedVariables, ReturnOnAChoiceAdds)
+{
+    dialogs::derivedvarsDlg dialog(collection, actions());
+    showForm(dialog);
+    auto& choices = child<QListWidget>(dialog, "choices");
+    choices.setCurrentRow(7);
+    choices.setFocus();
+    QTest::keyClick(&choices, Qt::Key_Return);
+    EXPECT_THAT(rows, ElementsAre(7));
+    EXPECT_TRUE(dialog.isVisible());
+    QTest::keyClick(&choices, Qt::Key_Escape);
+    EXPECT_FALSE(dialog.isVisible());
+}
+
+TEST_F(DerivedVariables, BehindADeletionTheLineThatMovedUpIsSelected)
+{
+    dialogs::derivedvarsDlg dialog(collection, actions());
+    showForm(dialog);
+    auto& defined = child<QListWidget>(dialog, "defined");
+    defined.setCurrentRow(1); // B, of which nothing is computed
+    answerNext("&Yes");
+    defined.setFocus();
+    QTest::keyClick(&defined, Qt::Key_Delete);
+    EXPECT_THAT(linesOf(defined), ElementsAre("A", "C"));
+    EXPECT_EQ(defined.currentRow(), 1);
+    showForm(dialog); // again the active one, behind the question
+    answerNext("&Yes");
+    defined.setFocus();
+    QTest::keyClick(&defined, Qt::Key_Delete);
+    EXPECT_EQ(defined.currentRow(), 0);
+    EXPECT_TRUE(child<QPushButton>(dialog, "delete").isEnabled());
+}
+
+TEST_F(DerivedVariables, DefinedOnesStandByTheirPositions)
+{
+    for (int v = 1; v <= 5; ++v) collection.variables.at(static_cast<std::size_t>(v)).position = v;
+    std::swap(collection.variables[3].position, collection.variables[5].position);
+    dialogs::derivedvarsDlg dialog(collection, actions());
+    showForm(dialog);
+    auto& defined = child<QListWidget>(dialog, "defined");
+    EXPECT_THAT(linesOf(defined), ElementsAre("C", "B", "A"));
+    defined.setCurrentRow(0);
+    answerNext("&Yes");
+    defined.setFocus();
+    QTest::keyClick(&defined, Qt::Key_Delete);
+    EXPECT_THAT(linesOf(defined), ElementsAre("B", "A"));
 }
 
 // --- positions
@@ -240,6 +289,33 @@ TEST(GeneralSettings, ATextThatIsNoNumberIsTold)
     EXPECT_EQ(dialog.coverage(), variables::COVERAGECRITERIA{});
 }
 
+TEST(VariableSettings, CancelKeepsTheLabelsOfTheCaller)
+{
+    const auto variables = variablesOf({"a"});
+    dialogs::varsettingsDlg dialog(variables);
+    showForm(dialog);
+    QTest::keyClick(&child<QLineEdit>(dialog, "label"), Qt::Key_Escape);
+    EXPECT_EQ(dialog.result(), QDialog::Rejected);
+    EXPECT_STREQ(variables.at(1).label, "a");
+}
+
+TEST(GeneralSettings, WhatAFieldCannotShowStaysUntilItIsEdited)
+{
+    variables::COVERAGECRITERIA criteria;
+    criteria.minLevels = -7;
+    criteria.minFractionPercent = 150;
+    dialogs::generalsettingsDlg dialog(criteria);
+    showForm(dialog);
+    dialog.processOK();
+    EXPECT_EQ(dialog.coverage(), criteria);
+    dialogs::generalsettingsDlg edited(criteria);
+    showForm(edited);
+    child<QSpinBox>(edited, "minFraction").setValue(90);
+    edited.processOK();
+    EXPECT_EQ(edited.coverage().minLevels, -7);
+    EXPECT_EQ(edited.coverage().minFractionPercent, 90);
+}
+
 // --- the settler
 
 TEST_F(DerivedVariables, TheProposedVariableIsMarked)
@@ -280,6 +356,53 @@ TEST(DialogVariableSettler, ANumberIsALine)
         dialog.accept();
     });
     EXPECT_EQ(settler.askNumber("Dynamic Height", "Dynamic Height - Enter Ref. Press. [db]:", "0"), "1000");
+}
+
+// Answers the next line with this; what it showed at first is kept.
+void enterLine(const char* text, std::string* shown, const std::function<void()>& then = {})
+{
+    withNext<QInputDialog>([=](QInputDialog& dialog) {
+        *shown = dialog.textValue().toStdString();
+        dialog.setTextValue(QLatin1StringView(text));
+        if (then) then();
+        dialog.accept();
+    });
+}
+
+TEST(DialogVariableSettler, ANumberIsAskedForUntilItReads)
+{
+    dialogs::RDialogVariableSettler settler(nullptr);
+    std::string shown;
+    BOX said;
+    enterLine("ten", &shown, [&] {
+        withNext<QMessageBox>([&](QMessageBox& box) {
+            said.text = box.text().toStdString();
+            enterLine("10", &shown);
+            box.accept();
+        });
+    });
+    EXPECT_EQ(settler.askNumber("Dynamic Height", "Ref.:", "0"), "10");
+    EXPECT_EQ(said.text, "\"ten\" is no number.");
+    EXPECT_EQ(shown, "ten");
+}
+
+TEST(DialogVariableSettler, AnOriginIsAskedForUntilItReadsOrIsCancelled)
+{
+    dialogs::RDialogVariableSettler settler(nullptr);
+    std::string shown;
+    BOX said;
+    enterLine("yesterday", &shown, [&] {
+        withNext<QMessageBox>([&](QMessageBox& box) {
+            said.text = box.text().toStdString();
+            withNext<QInputDialog>([](QInputDialog& again) { again.reject(); });
+            box.accept();
+        });
+    });
+    EXPECT_EQ(settler.askOrigin("t [days]"), std::nullopt);
+    EXPECT_EQ(said.text, "\"yesterday\" is no date of the form yyyy-mm-dd hh:mm:ss.");
+    enterLine("1970-01-01 00:00:00", &shown);
+    EXPECT_EQ(settler.askOrigin("t [days]"), "1970-01-01 00:00:00");
+    EXPECT_EQ(shown, "1950-01-01 00:00:00");
 }
 
 } // namespace

@@ -151,6 +151,8 @@ protected:
         child<QPlainTextEdit>(*dialog, "expression").setPlainText(QLatin1StringView(formula));
     }
 
+    static constexpr int yes = 0, no = 1, cancel = 2; // of unsaved changes
+
     testing_support::RTemporaryDirectory directory;
     QString folder = QString::fromStdString(directory.path());
     std::vector<collection::VARINFO> variables = variablesOf({"Temp [~^oC]", "Salinity [psu]"});
@@ -213,6 +215,95 @@ TEST_F(MacroEditor, AddsTheTextOfTheEntryLine)
     child<QListWidget>(*dialog, "defined").setCurrentRow(0);
     press("delete");
     EXPECT_THAT(inputs(), ElementsAre("#1 Temp [oC]"));
+}
+
+TEST_F(MacroEditor, InputsAreTrimmedAndNothingElse)
+{
+    open();
+    child<QLineEdit>(*dialog, "entry").setText(QStringLiteral(" Oxygen  [ml/l] "));
+    press("add");
+    EXPECT_EQ(dialog->edited().macro().inputs[0], "Oxygen  [ml/l]");
+}
+
+TEST_F(MacroEditor, ReturnAddsALineAndTheDeleteKeyTakesItAway)
+{
+    open();
+    auto& offered = child<QListWidget>(*dialog, "new");
+    offered.setCurrentRow(1);
+    offered.setFocus();
+    QTest::keyClick(&offered, Qt::Key_Return);
+    EXPECT_THAT(inputs(), ElementsAre("#1 Salinity [psu]"));
+    auto& defined = child<QListWidget>(*dialog, "defined");
+    defined.setCurrentRow(0);
+    defined.setFocus();
+    QTest::keyClick(&defined, Qt::Key_Delete);
+    EXPECT_THAT(inputs(), ElementsAre());
+}
+
+TEST_F(MacroEditor, WhyATenthInputIsNotTakenIsTold)
+{
+    open();
+    auto& offered = child<QListWidget>(*dialog, "new");
+    offered.setFocus();
+    for (int i = 0; i < 9; ++i) {
+        offered.setCurrentRow(0);
+        QTest::keyClick(&offered, Qt::Key_Return);
+    }
+    ASSERT_EQ(inputs().size(), 9u);
+    offered.setCurrentRow(1);
+    BOX said;
+    answerNext("&OK", &said);
+    offered.setFocus();
+    QTest::keyClick(&offered, Qt::Key_Return);
+    EXPECT_EQ(said.text, "A formula has nine inputs at most.");
+    EXPECT_EQ(inputs().size(), 9u);
+}
+
+TEST_F(MacroEditor, OffersVariablesByTheirPositions)
+{
+    std::swap(variables[1].position, variables[2].position);
+    open();
+    EXPECT_THAT(linesOf(child<QListWidget>(*dialog, "new")), ElementsAre("Salinity [psu]", "Temp [oC]"));
+}
+
+TEST_F(MacroEditor, SaveNeedsAChange)
+{
+    openMacro();
+    auto& save = child<QPushButton>(*dialog, "save");
+    EXPECT_FALSE(save.isEnabled());
+    type("#1 7 *\n");
+    EXPECT_TRUE(save.isEnabled());
+}
+
+TEST_F(MacroEditor, ChecksAMacroWithoutALabel)
+{
+    openMacro();
+    child<QLineEdit>(*dialog, "label").clear();
+    BOX said;
+    answerNext("&OK", &said);
+    press("check");
+    EXPECT_EQ(said.text, "The macro has no label.");
+}
+
+TEST_F(MacroEditor, EscapeClosesWhatHasNotChanged)
+{
+    openMacro();
+    QTest::keyClick(&child<QLineEdit>(*dialog, "label"), Qt::Key_Escape);
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_TRUE(user.messages.empty());
+}
+
+TEST_F(MacroEditor, NoBusyStateLiesOverAMessage)
+{
+    ASSERT_TRUE(common::writeFile(path("bad.mac"), "NVQ3\n"));
+    open();
+    int busy = -1;
+    withNext<QMessageBox>([&](QMessageBox& box) {
+        busy = user.busy;
+        box.accept();
+    });
+    EXPECT_FALSE(dialog->openFile(QString::fromStdString(path("bad.mac"))));
+    EXPECT_EQ(busy, 0);
 }
 
 TEST_F(MacroEditor, SavesToItsFile)
@@ -297,12 +388,10 @@ TEST_F(MacroEditor, AsksAboutUnsavedChangesWhenItIsClosed)
 {
     openMacro();
     type("#1 5 *\n");
-    BOX said;
-    answerNext("&Cancel", &said);
+    user.choices = {cancel, yes};
     dialog->reject();
-    EXPECT_EQ(said.text, "twice.mac has changed.\n\nSave the changes?");
+    EXPECT_THAT(user.messages, ElementsAre("Macro Editor: twice.mac has changed.\n\nSave the changes?"));
     EXPECT_TRUE(dialog->isVisible());
-    answerNext("&Yes");
     dialog->close();
     EXPECT_FALSE(dialog->isVisible());
     EXPECT_EQ(stored("twice.mac").expression, "#1 5 *\n");
@@ -312,7 +401,7 @@ TEST_F(MacroEditor, ChangesThatAreNotWantedGo)
 {
     openMacro();
     type("#1 5 *\n");
-    answerNext("&No");
+    user.choices = {no};
     dialog->reject();
     EXPECT_FALSE(dialog->isVisible());
     EXPECT_EQ(stored("twice.mac").expression, "#1 2 *\n");

@@ -41,6 +41,16 @@ TEST_F(OutputVariables, ShowsAllVariablesWithThoseThatWereChosenBefore)
     EXPECT_EQ(child<QLabel>(*dialog, "count").text().toStdString(), "2 of 4 selected");
 }
 
+TEST_F(OutputVariables, LinesFollowThePositionsAndNumbersDoNot)
+{
+    std::swap(variables[1].position, variables[4].position);
+    open({4});
+    EXPECT_THAT(linesOf(list()), ElementsAre("Sigma-0 [kg/m3]", "Temp [oC]", "Salinity [psu]", "Depth [m]"));
+    EXPECT_EQ(list().item(0)->checkState(), Qt::Checked);
+    list().item(3)->setCheckState(Qt::Checked);
+    EXPECT_THAT(dialog->chosen(), ElementsAre(1, 4));
+}
+
 TEST_F(OutputVariables, SelectAllAndInvert)
 {
     open({2});

@@ -176,4 +176,77 @@ TEST_F(SetupExpression, StaysWithAFaultyExpression)
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
 }
 
+TEST_F(SetupExpression, ReturnAddsALineAndPressesNoButton)
+{
+    auto& defined = child<QListWidget>(dialog, "defined");
+    defined.setCurrentRow(1);
+    defined.setFocus();
+    QTest::keyClick(&defined, Qt::Key_Return);
+    EXPECT_THAT(dialog.definition().inputs, ElementsAre(2));
+    EXPECT_TRUE(dialog.isVisible());
+    Q_EMIT defined.itemDoubleClicked(defined.item(1));
+    EXPECT_THAT(dialog.definition().inputs, ElementsAre(2, 2));
+}
+
+TEST_F(SetupExpression, TheDeleteKeyTakesAnInputAway)
+{
+    press("add"); // nothing is selected
+    child<QListWidget>(dialog, "defined").setCurrentRow(1);
+    press("add");
+    auto& chosen = child<QListWidget>(dialog, "chosen");
+    chosen.setCurrentRow(0);
+    chosen.setFocus();
+    QTest::keyClick(&chosen, Qt::Key_Delete);
+    EXPECT_THAT(dialog.definition().inputs, ElementsAre());
+}
+
+TEST_F(SetupExpression, WhyATenthInputIsNotTakenIsTold)
+{
+    auto& defined = child<QListWidget>(dialog, "defined");
+    defined.setCurrentRow(0);
+    for (int i = 0; i < 9; ++i) press("add");
+    EXPECT_FALSE(child<QPushButton>(dialog, "add").isEnabled());
+    BOX said;
+    answerNext("&OK", &said);
+    defined.setFocus();
+    QTest::keyClick(&defined, Qt::Key_Return);
+    EXPECT_EQ(said.text, "A formula has nine inputs at most.");
+    EXPECT_EQ(dialog.definition().inputs.size(), 9u);
+}
+
+TEST_F(SetupExpression, ShowsTheFormatThatIsTaken)
+{
+    child<QLineEdit>(dialog, "width").setText(QStringLiteral("99"));
+    said(); // there is no expression
+    EXPECT_EQ(child<QLineEdit>(dialog, "width").text().toStdString(), "18");
+}
+
+TEST_F(SetupExpression, TheLabelIsTrimmedAndNothingElse)
+{
+    child<QLineEdit>(dialog, "label").setText(QStringLiteral("  a  [b] "));
+    type("1 2 +");
+    dialog.processOK();
+    EXPECT_EQ(dialog.definition().label, "a  [b]");
+}
+
+TEST_F(SetupExpression, EscapeCancels)
+{
+    QTest::keyClick(&child<QLineEdit>(dialog, "label"), Qt::Key_Escape);
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(dialog.result(), QDialog::Rejected);
+}
+
+TEST(SetupExpressionOrder, VariablesStandByTheirPositions)
+{
+    auto variables = someVariables;
+    variables[1].position = 3;
+    variables[3].position = 1;
+    setupexpressionDlg dialog(variables);
+    auto& defined = child<QListWidget>(dialog, "defined");
+    EXPECT_THAT(linesOf(defined), ElementsAre("NO3 [umol/kg]", "Temp [oC]", "Depth [m]"));
+    defined.setCurrentRow(0);
+    child<QPushButton>(dialog, "add").click();
+    EXPECT_THAT(dialog.definition().inputs, ElementsAre(3));
+}
+
 } // namespace

@@ -66,8 +66,28 @@ TEST(IdentifyVariable, WithoutALikelyOneTheUserHasToSelect)
 
 TEST(IdentifyVariable, MarkupDoesNotHideAWord)
 {
-    EXPECT_EQ(dialogs::firstLike(variablesOf({"x", "NO~_3 [~$m~#mol/l]"}), QStringLiteral("no3")), 2);
-    EXPECT_EQ(dialogs::firstLike(variablesOf({"x"}), QStringLiteral("no3")), 0);
+    const auto variables = variablesOf({"x", "NO~_3 [~$m~#mol/l]"});
+    dialogs::identifyvarDlg dialog(QStringLiteral("x"), QStringLiteral("no3"), variables);
+    EXPECT_EQ(dialog.variable(), 2);
+}
+
+TEST(IdentifyVariable, NothingIsSelectedWhereNoneIsLikely)
+{
+    const auto variables = variablesOf({"Depth [m]"});
+    dialogs::identifyvarDlg dialog(QStringLiteral("x"), QStringLiteral("Depth [m]"), variables, nullptr, 0);
+    EXPECT_EQ(dialog.variable(), 0);
+}
+
+TEST(IdentifyVariable, LinesFollowThePositions)
+{
+    auto variables = variablesOf({"a", "Depth [m]", "c"});
+    variables[1].position = 3;
+    variables[3].position = 1;
+    dialogs::identifyvarDlg dialog(QStringLiteral("x"), QStringLiteral("Depth [m]"), variables, nullptr, 1);
+    EXPECT_THAT(linesOf(child<QListWidget>(dialog, "variables")), ElementsAre("c", "Depth [m]", "a"));
+    EXPECT_EQ(dialog.variable(), 1);
+    child<QListWidget>(dialog, "variables").setCurrentRow(0);
+    EXPECT_EQ(dialog.variable(), 3);
 }
 
 // --- selconversionDlg
