@@ -8,7 +8,8 @@
 
 namespace variables {
 
-bool RParameterSettler::begin(std::span<const SETUPQUESTION> questions, const collection::RCollection&)
+bool RParameterSettler::begin(std::span<const SETUPQUESTION> questions,
+                              const collection::RCollection& collection)
 {
     const auto isRole = [](const SETUPQUESTION& question) {
         return question.kind == SETUPQUESTION::Kind::role;
@@ -23,10 +24,33 @@ bool RParameterSettler::begin(std::span<const SETUPQUESTION> questions, const co
     if (roles == 0 || given <= others) return true;
     if (given == others + roles) roles_ = Roles::all;
     if (given == others + open) roles_ = Roles::unrecorded;
-    if (roles_ != Roles::none) return true;
+    if (roles_ != Roles::none || dropRepeated(questions, collection)) return true;
     fail(common::format("It takes %d parameters, or %d with a variable for each of its roles, not %d.",
                         static_cast<int>(others), static_cast<int>(others + roles), static_cast<int>(given)));
     return false;
+}
+
+// A script that told some roles by parameters finds them recorded when it runs again: parameters that repeat
+// what is recorded are dropped. False, with nothing dropped, if those beyond the other questions aren't all
+// such.
+bool RParameterSettler::dropRepeated(std::span<const SETUPQUESTION> questions,
+                                     const collection::RCollection& collection)
+{
+    std::vector<std::string> kept;
+    std::size_t next = 0;
+    for (const SETUPQUESTION& question : questions) {
+        if (next == parameters_.size()) break;
+        const std::string& parameter = parameters_[next];
+        const bool isRole = question.kind == SETUPQUESTION::Kind::role;
+        const bool isRepeated = isRole && question.recorded != 0 &&
+                                collection::findVariable(collection.variables, collection.totalVariableCount,
+                                                         parameter) == question.recorded;
+        if (!isRole) kept.push_back(parameter);
+        if (!isRole || isRepeated) ++next;
+    }
+    if (next < parameters_.size()) return false;
+    parameters_ = std::move(kept);
+    return true;
 }
 
 // The user of a macro names its inputs, and they have their numbers: the parameters are all of them or none.

@@ -43,6 +43,8 @@ public:
     [[nodiscard]] std::string chooseMacroFile(const std::string& folder) override;
 
 private:
+    [[nodiscard]] bool dropRepeated(std::span<const SETUPQUESTION> questions,
+                                    const collection::RCollection& collection);
     [[nodiscard]] bool beginMacro(std::size_t inputs);
     [[nodiscard]] const std::string* next();
     [[nodiscard]] std::optional<int> takeVariable(std::string_view question,

@@ -637,6 +637,21 @@ TEST_F(Setup, ParametersForTheRolesThatAreNotRecorded)
     EXPECT_EQ(sources(11), (std::vector<int>{1, 10, 3}));
 }
 
+TEST_F(Setup, ParametersForOpenRolesMayBeRepeatedWhenTheyAreRecorded)
+{
+    ASSERT_TRUE(recordVariable(collection, "Depth [m]", 1));
+    ASSERT_TRUE(recordVariable(collection, "Salinity [psu]", 3));
+    for (int i = 0; i < 2; ++i) { // the second time the temperature is recorded too
+        RParameterSettler parameters({"10", "500"}, user);
+        ASSERT_EQ(addBy(parameters, "Potential Temperature"), 11 + i) << parameters.fault();
+        EXPECT_EQ(sources(11 + i), (std::vector<int>{1, 10, 3}));
+        EXPECT_FLOAT_EQ(variable(11 + i).param, 500);
+    }
+    RParameterSettler other({"2", "500"}, user); // that isn't what is recorded
+    EXPECT_EQ(addBy(other, "Potential Temperature"), 0);
+    EXPECT_FALSE(other.fault().empty());
+}
+
 TEST_F(Setup, ADerivedPotentialTemperatureIsTheLikelyOne)
 {
     RParameterSettler first({}, user), second({}, user);
