@@ -95,8 +95,8 @@ std::string RSession::setKey(std::string_view keyText, std::string_view variable
                common::format(" is no key: it has more than %zu bytes, a tab or \"=\"", longestKey);
     if (!isKeyOfARow(collection, keyText))
         user_.note("set_key: no row asks for " + common::quoted(keyText) + "; macros may");
-    const std::string key = common::labelFromFile(keyText, common::isValidUtf8(keyText));
-    return collection.setVariableId(key, number) ? std::string() : collection.path + ".idv can't be written";
+    return variables::recordVariable(collection, keyText, number) ? std::string()
+                                                                  : collection.path + ".idv can't be written";
 }
 
 std::string RSession::addDerived(int row, std::span<const std::string> parameters)
